@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs everything needed to build, run and test the composer on Debian 12.
+# Idempotent: does nothing when every package is already there.
+set -euo pipefail
+
+packages=(
+  build-essential cmake ninja-build pkg-config git
+  qt6-base-dev qt6-base-dev-tools libgl-dev
+  libarchive-dev libturbojpeg0-dev libjpeg-turbo-progs
+  libfluidsynth-dev fluid-soundfont-gm
+  libgtest-dev libgmock-dev libbenchmark-dev
+  xvfb xauth
+  clang-14 libclang-rt-14-dev
+  python3-mido imagemagick
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

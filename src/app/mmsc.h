@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+#include <functional>
+
+namespace mms::cli {
+
+// What every mmsc command gets: the application folder and its output streams.
+struct Context {
+    QString home;
+    QTextStream& out;
+    QTextStream& err;
+};
+
+// Exit status for bad input: a clear one-line message on stderr, nothing written.
+constexpr int kUsageError = 2;
+
+using Command = std::function<int(Context&, const QStringList& args)>;
+
+struct CommandInfo {
+    QString name;
+    QString usage; // one or more lines for --help
+    Command run;
+};
+
+// Each mmsc_*.cpp registers its commands with a static Registrar.
+struct Registrar {
+    Registrar(const char* name, const char* usage, Command run);
+};
+
+// Prints "mmsc: MESSAGE" on stderr and returns kUsageError.
+int fail(Context& context, const QString& message);
+
+} // namespace mms::cli

@@ -1,0 +1,334 @@
+#include "model/cslide.h"
+
+#include "model/filelength.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+namespace mms {
+
+namespace {
+const char kListEmpty[] = "List is empty";
+const char kOutOfBound[] = "Out of List Bound";
+const char kOutOfBoundAfter[] = ">> Out of List Bound";
+const char kOutOfBoundBefore[] = "<< Out of List Bound";
+const char kSwapTwoOnly[] = "Swap two nodes only";
+const QString kLeft = QStringLiteral("LEFT");
+
+// Releases a chain of nodes one by one: a recursive release of 32767 shared pointers could
+// exhaust the stack. Stops at a node somebody else still holds.
+void releaseChain(NodePtr node) {
+    while (node && node.use_count() == 1) {
+        NodePtr next = std::move(node->NextNode);
+        node = std::move(next);
+    }
+}
+} // namespace
+
+NodePtr CSlideIterator::NextItem() {
+    NodePtr current = bookmark_;
+    if (current) bookmark_ = current->NextNode;
+    return current;
+}
+
+CSlide::~CSlide() {
+    tail_.reset();
+    releaseChain(std::move(head_));
+}
+
+void CSlide::refuse(const char* text) const {
+    if (sink_) sink_->inform(QString::fromLatin1(text));
+}
+
+NodePtr CSlide::makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
+    auto node = std::make_shared<CSlideNode>();
+    node->DataSlideDur = dur;
+    node->DataImgPath = img;
+    node->DataText = text;
+    node->DataSoundPath = sound;
+    return node;
+}
+
+NodePtr CSlide::walkTo(qint16 position, const char* boundMessage) const {
+    NodePtr node = head_;
+    for (int step = 1; step < position; ++step) {
+        if (!node) break;
+        node = node->NextNode;
+    }
+    if (!node) refuse(boundMessage);
+    return node;
+}
+
+NodePtr CSlide::nodeAt(qint16 position) const {
+    if (position < 1) return nullptr;
+    NodePtr node = head_;
+    for (int step = 1; step < position && node; ++step) node = node->NextNode;
+    return node;
+}
+
+bool CSlide::Destory() {
+    tail_.reset();
+    releaseChain(std::move(head_));
+    head_.reset();
+    fileName_.clear();
+    return false;
+}
+
+void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
+    NodePtr node = makeNode(dur, img, text, sound);
+    if (IsEmpty()) {
+        head_ = tail_ = node;
+    } else {
+        node->NextNode = head_;
+        head_ = node;
+    }
+}
+
+void CSlide::InsertAtBack(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
+    NodePtr node = makeNode(dur, img, text, sound);
+    if (IsEmpty()) {
+        head_ = tail_ = node;
+    } else {
+        tail_->NextNode = node;
+        tail_ = node;
+    }
+}
+
+void CSlide::InsertIntoList(qint16 selected, const SlideDur& dur, const QString& img, const QString& text,
+                            const QString& sound) {
+    if (IsEmpty()) {
+        InsertAtBack(dur, img, text, sound);
+        return;
+    }
+    NodePtr at = walkTo(selected, kOutOfBound);
+    if (!at) return;
+    NodePtr node = makeNode(dur, img, text, sound);
+    node->NextNode = at->NextNode;
+    at->NextNode = node;
+    if (at == tail_) tail_ = node;
+}
+
+std::optional<SlideDur> CSlide::RemoveFromFront() {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return std::nullopt;
+    }
+    NodePtr removed = head_;
+    if (head_ == tail_) {
+        head_.reset();
+        tail_.reset();
+    } else {
+        head_ = head_->NextNode;
+    }
+    return removed->DataSlideDur;
+}
+
+std::optional<SlideDur> CSlide::RemoveFromBack() {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return std::nullopt;
+    }
+    NodePtr removed = tail_;
+    if (head_ == tail_) {
+        head_.reset();
+        tail_.reset();
+        return removed->DataSlideDur;
+    }
+    NodePtr node = head_;
+    while (node->NextNode != tail_) node = node->NextNode;
+    node->NextNode.reset();
+    tail_ = node;
+    return removed->DataSlideDur;
+}
+
+std::optional<SlideDur> CSlide::RemoveFromList(const qint16& index) {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return std::nullopt;
+    }
+    if (head_ == tail_) {
+        if (index != 1) {
+            refuse(kOutOfBound);
+            return std::nullopt;
+        }
+        return RemoveFromFront();
+    }
+    if (index < 1) {
+        refuse(kOutOfBound);
+        return std::nullopt;
+    }
+    if (index == 1) {
+        NodePtr removed = head_;
+        head_ = head_->NextNode;
+        if (!head_->NextNode) tail_ = head_;
+        return removed->DataSlideDur;
+    }
+    if (index == 2) {
+        NodePtr removed = head_->NextNode;
+        head_->NextNode = removed->NextNode;
+        if (!head_->NextNode) tail_ = head_;
+        return removed->DataSlideDur;
+    }
+    const bool isLast = index == getTotalSlide();
+    NodePtr before = head_;
+    for (int step = 1; step < index - 1 && before; ++step) before = before->NextNode;
+    if (!before || !before->NextNode) {
+        refuse(kOutOfBoundAfter);
+        return std::nullopt;
+    }
+    NodePtr removed = before->NextNode;
+    before->NextNode = removed->NextNode;
+    if (isLast) tail_ = before;
+    return removed->DataSlideDur;
+}
+
+SwapResult CSlide::SwapTwoNodes(qint16 index, const QString& shift) {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return SwapResult::Refused;
+    }
+    if (head_ == tail_) {
+        refuse(kSwapTwoOnly);
+        return SwapResult::Refused;
+    }
+    if (index == 1 || (shift == kLeft && index == 2)) {
+        NodePtr first = head_;
+        NodePtr second = first->NextNode;
+        first->NextNode = second->NextNode;
+        second->NextNode = first;
+        head_ = second;
+    } else {
+        if (shift == kLeft) --index;
+        NodePtr before = walkTo(static_cast<qint16>(index - 1), kOutOfBound);
+        if (!before) return SwapResult::OutOfBound;
+        NodePtr first = before->NextNode;
+        NodePtr second = first ? first->NextNode : nullptr;
+        if (!second) {
+            refuse(kOutOfBound);
+            return SwapResult::OutOfBound;
+        }
+        before->NextNode = second;
+        first->NextNode = second->NextNode;
+        second->NextNode = first;
+    }
+    if (tail_->NextNode) tail_ = tail_->NextNode;
+    return SwapResult::Swapped;
+}
+
+void CSlide::SwapAtFront(qint16 index, qint16 last) {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return;
+    }
+    if (index != last) {
+        NodePtr before = walkTo(static_cast<qint16>(index - 1), kOutOfBoundAfter);
+        if (!before) return;
+        NodePtr moved = before->NextNode;
+        if (!moved) {
+            refuse(kOutOfBoundAfter);
+            return;
+        }
+        InsertAtFront(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+        before->NextNode = moved->NextNode;
+        if (moved == tail_) tail_ = before;
+        return;
+    }
+    NodePtr before = walkTo(static_cast<qint16>(last - 1), kOutOfBoundBefore);
+    if (!before) return;
+    NodePtr moved = tail_;
+    InsertAtFront(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+    before->NextNode.reset();
+    tail_ = before;
+}
+
+void CSlide::SwapAtBack(qint16 index) {
+    if (IsEmpty()) {
+        refuse(kListEmpty);
+        return;
+    }
+    if (index == 1) {
+        NodePtr moved = head_;
+        InsertAtBack(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+        head_ = head_->NextNode;
+        return;
+    }
+    NodePtr before = walkTo(static_cast<qint16>(index - 1), kOutOfBoundBefore);
+    if (!before) return;
+    NodePtr moved = before->NextNode;
+    if (!moved) {
+        refuse(kOutOfBoundBefore);
+        return;
+    }
+    InsertAtBack(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+    before->NextNode = moved->NextNode;
+}
+
+CSlideIterator CSlide::Iterator() const {
+    CSlideIterator it;
+    it.bookmark_ = head_;
+    it.start_ = head_;
+    return it;
+}
+
+namespace {
+qsizetype lastSeparator(const QString& path) {
+    return std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
+}
+} // namespace
+
+QString CSlide::extractFilePath(const QString& source) {
+    const qsizetype sep = lastSeparator(source);
+    return sep < 0 ? QString() : source.left(sep + 1);
+}
+
+QString CSlide::extractFileName(const QString& source) {
+    const qsizetype sep = lastSeparator(source);
+    return sep < 0 ? source : source.mid(sep + 1);
+}
+
+QString CSlide::extractFileType(const QString& source) {
+    const qsizetype dot = source.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? source : source.mid(dot + 1);
+}
+
+qint16 CSlide::getTotalSlide() const {
+    int count = 0;
+    for (const CSlideNode* node = head_.get(); node; node = node->NextNode.get()) {
+        if (++count > kMaxSlides) throw std::overflow_error("slide count overflow");
+    }
+    return static_cast<qint16>(count);
+}
+
+qint32 CSlide::getTotalSize(const QString& sender, const QString& recipient, const QString& subject) const {
+    if (IsEmpty()) return 0;
+    qint64 base = sender.size() + recipient.size() + subject.size() + 59;
+    qint64 pictures = 0, texts = 0, sounds = 0, overhead = 0;
+    bool anyPicture = false, anyText = false, anySound = false;
+    for (const CSlideNode* node = head_.get(); node; node = node->NextNode.get()) {
+        if (!node->DataImgPath.isEmpty()) {
+            pictures += fileLength(node->DataImgPath);
+            anyPicture = true;
+            overhead += 41;
+        }
+        if (!node->DataText.isEmpty()) {
+            texts += node->DataText.size() + 2;
+            anyText = true;
+            overhead += 42;
+        }
+        if (!node->DataSoundPath.isEmpty()) {
+            sounds += fileLength(node->DataSoundPath);
+            anySound = true;
+            overhead += 30;
+        }
+        overhead += 36;
+    }
+    if (anyPicture) overhead += pictures + 27;
+    if (anyText) overhead += texts + 28;
+    if (anySound) overhead += sounds + 37;
+    const qint64 total = base + overhead + 440;
+    if (total > std::numeric_limits<qint32>::max()) throw std::overflow_error("message size overflow");
+    return static_cast<qint32>(total);
+}
+
+} // namespace mms

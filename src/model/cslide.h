@@ -1,0 +1,105 @@
+#pragma once
+
+#include "model/messagesink.h"
+#include "model/slidedur.h"
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+namespace mms {
+
+// One slide. Plain data: the node has no behaviour of its own.
+class CSlideNode {
+public:
+    SlideDur DataSlideDur;
+    std::shared_ptr<CSlideNode> NextNode;
+    QString DataImgPath;
+    QString DataText;
+    QString DataSoundPath;
+};
+
+using NodePtr = std::shared_ptr<CSlideNode>;
+
+// Walks the list from a bookmark; nothing in the program needs more than this.
+class CSlideIterator {
+public:
+    void StartNode(NodePtr node) { bookmark_ = std::move(node); }
+    NodePtr NextItem();
+    bool HasMoreItems() const { return bookmark_ != nullptr; }
+    void ResetmBookmark() { bookmark_ = start_; }
+
+private:
+    friend class CSlide;
+    NodePtr bookmark_;
+    NodePtr start_; // where the iterator was created; ResetmBookmark returns here
+};
+
+// Result of SwapTwoNodes: the composer reports only Refused (the list cannot swap at all);
+// OutOfBound has already shown its own bound message.
+enum class SwapResult { Swapped, Refused, OutOfBound };
+
+// The message: a singly linked list of slides with 1-based, 16-bit positions.
+// Refusals are shown through the message sink with fixed English texts and leave the list unchanged.
+class CSlide {
+public:
+    static constexpr int kMaxSlides = 32767;
+
+    explicit CSlide(MessageSink* sink = nullptr) : sink_(sink) {}
+    ~CSlide();
+    CSlide(const CSlide&) = delete;
+    CSlide& operator=(const CSlide&) = delete;
+
+    void setMessageSink(MessageSink* sink) { sink_ = sink; }
+
+    NodePtr firstItem() const { return head_; }
+    NodePtr lastItem() const { return tail_; }
+    bool IsEmpty() const { return head_ == nullptr; }
+    bool Destory();
+
+    void InsertAtFront(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
+    void InsertAtBack(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
+    void InsertIntoList(qint16 selected, const SlideDur& dur, const QString& img, const QString& text,
+                        const QString& sound);
+    // The removes return the removed slide's duration, or nothing when refused.
+    std::optional<SlideDur> RemoveFromFront();
+    std::optional<SlideDur> RemoveFromBack();
+    std::optional<SlideDur> RemoveFromList(const qint16& index);
+    SwapResult SwapTwoNodes(qint16 index, const QString& shift);
+    void SwapAtFront(qint16 index, qint16 last);
+    void SwapAtBack(qint16 index);
+    CSlideIterator Iterator() const;
+
+    // Path helpers. Both '\' and '/' count as separators; the last one of either wins.
+    static QString extractFilePath(const QString& source);
+    static QString extractFileName(const QString& source);
+    static QString extractFileType(const QString& source);
+
+    // Number of slides; throws std::overflow_error past 32767.
+    qint16 getTotalSlide() const;
+    // Estimated size in bytes of the message as an MMS; a media file that cannot be read counts 0 bytes.
+    // Throws std::overflow_error when the sum leaves the 32-bit range.
+    qint32 getTotalSize(const QString& sender, const QString& recipient, const QString& subject) const;
+
+    void setfolderpath(const QString& infolder) { folderPath_ = infolder; }
+    void setfilename(const QString& inFile) { fileName_ = inFile; }
+    const QString& folderPath() const { return folderPath_; }
+    const QString& fileName() const { return fileName_; }
+
+    // The node at a 1-based position, reached by the plain walk from the head; null when absent.
+    NodePtr nodeAt(qint16 position) const;
+
+private:
+    void refuse(const char* text) const;
+    // Walks position-1 steps from the head, testing each node before stepping.
+    NodePtr walkTo(qint16 position, const char* boundMessage) const;
+    static NodePtr makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
+
+    NodePtr head_;
+    NodePtr tail_;
+    QString fileName_;
+    QString folderPath_;
+    MessageSink* sink_ = nullptr;
+};
+
+} // namespace mms
