@@ -1,0 +1,25 @@
+#pragma once
+
+#include "sound/multimediadevice.h"
+
+#include <QString>
+#include <memory>
+
+namespace mms {
+
+// The real preview device: plays MIDI files through FluidSynth with a General MIDI soundfont.
+// The soundfont is taken from `soundfont`, else $MMS_SOUNDFONT, else the standard Debian path.
+// Where no audio output or soundfont exists every command fails quietly, and the reason is said
+// once on stderr.
+class FluidSynthDevice final : public MultimediaDevice {
+public:
+    explicit FluidSynthDevice(const QString& soundfont = QString());
+    ~FluidSynthDevice() override;
+    int sendString(const QString& command) override;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace mms
