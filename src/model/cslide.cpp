@@ -63,7 +63,8 @@ NodePtr CSlide::walkTo(qint16 position, const char* boundMessage) const {
 NodePtr CSlide::nodeAt(qint16 position) const {
     if (position < 1) return nullptr;
     NodePtr node = head_;
-    for (int step = 1; step < position && node; ++step) node = node->NextNode;
+    for (int step = 1; step < position && node; ++step)
+        node = node->NextNode;
     return node;
 }
 
@@ -75,7 +76,8 @@ bool CSlide::Destory() {
     return false;
 }
 
-void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
+void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QString& text,
+                           const QString& sound) {
     NodePtr node = makeNode(dur, img, text, sound);
     if (IsEmpty()) {
         head_ = tail_ = node;
@@ -85,7 +87,8 @@ void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QStrin
     }
 }
 
-void CSlide::InsertAtBack(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
+void CSlide::InsertAtBack(const SlideDur& dur, const QString& img, const QString& text,
+                          const QString& sound) {
     NodePtr node = makeNode(dur, img, text, sound);
     if (IsEmpty()) {
         head_ = tail_ = node;
@@ -136,7 +139,8 @@ std::optional<SlideDur> CSlide::RemoveFromBack() {
         return removed->DataSlideDur;
     }
     NodePtr node = head_;
-    while (node->NextNode != tail_) node = node->NextNode;
+    while (node->NextNode != tail_)
+        node = node->NextNode;
     node->NextNode.reset();
     tail_ = node;
     return removed->DataSlideDur;
@@ -170,16 +174,18 @@ std::optional<SlideDur> CSlide::RemoveFromList(const qint16& index) {
         if (!head_->NextNode) tail_ = head_;
         return removed->DataSlideDur;
     }
-    const bool isLast = index == getTotalSlide();
     NodePtr before = head_;
-    for (int step = 1; step < index - 1 && before; ++step) before = before->NextNode;
+    for (int step = 1; step < index - 1 && before; ++step)
+        before = before->NextNode;
     if (!before || !before->NextNode) {
         refuse(kOutOfBoundAfter);
         return std::nullopt;
     }
+    // "index is the last position" is asked of the node itself rather than of a count, which could
+    // overflow on a list longer than positions reach.
     NodePtr removed = before->NextNode;
     before->NextNode = removed->NextNode;
-    if (isLast) tail_ = before;
+    if (removed == tail_) tail_ = before;
     return removed->DataSlideDur;
 }
 
@@ -216,11 +222,9 @@ SwapResult CSlide::SwapTwoNodes(qint16 index, const QString& shift) {
     return SwapResult::Swapped;
 }
 
+// The moves to either end have no emptiness test of their own: on an empty list the walk finds no
+// node and they show their bound message like any other missing node.
 void CSlide::SwapAtFront(qint16 index, qint16 last) {
-    if (IsEmpty()) {
-        refuse(kListEmpty);
-        return;
-    }
     if (index != last) {
         NodePtr before = walkTo(static_cast<qint16>(index - 1), kOutOfBoundAfter);
         if (!before) return;
@@ -236,6 +240,12 @@ void CSlide::SwapAtFront(qint16 index, qint16 last) {
     }
     NodePtr before = walkTo(static_cast<qint16>(last - 1), kOutOfBoundBefore);
     if (!before) return;
+    // `last` must be the tail's position: cutting the list after a node that is not next to the
+    // tail would silently drop the slides between them.
+    if (before == tail_ ? head_ != tail_ : before->NextNode != tail_) {
+        refuse(kOutOfBoundBefore);
+        return;
+    }
     NodePtr moved = tail_;
     InsertAtFront(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
     before->NextNode.reset();
@@ -243,11 +253,11 @@ void CSlide::SwapAtFront(qint16 index, qint16 last) {
 }
 
 void CSlide::SwapAtBack(qint16 index) {
-    if (IsEmpty()) {
-        refuse(kListEmpty);
-        return;
-    }
     if (index == 1) {
+        if (IsEmpty()) {
+            refuse(kOutOfBoundBefore);
+            return;
+        }
         NodePtr moved = head_;
         InsertAtBack(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
         head_ = head_->NextNode;

@@ -13,11 +13,13 @@ class CSlideTest : public ::testing::Test {
 protected:
     CSlideTest() : list(&sink) {}
     void fill(const QString& names) {
-        for (QChar c : names) list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, QString(c), {});
+        for (QChar c : names)
+            list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, QString(c), {});
     }
     QString order() const {
         QString s;
-        for (auto n = list.firstItem(); n; n = n->NextNode) s += n->DataText;
+        for (auto n = list.firstItem(); n; n = n->NextNode)
+            s += n->DataText;
         return s;
     }
     QString tailText() const { return list.lastItem() ? list.lastItem()->DataText : QString(); }
@@ -106,7 +108,8 @@ TEST(CSlideLifetime, DestoryKeepsTheFolderPathAndLongListsTearDownWithoutRecursi
     CSlide list;
     list.setfolderpath(QStringLiteral("msg"));
     list.setfilename(QStringLiteral("msg"));
-    for (int i = 0; i < CSlide::kMaxSlides; ++i) list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
+    for (int i = 0; i < CSlide::kMaxSlides; ++i)
+        list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
     EXPECT_EQ(list.getTotalSlide(), CSlide::kMaxSlides);
     list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
     EXPECT_THROW(list.getTotalSlide(), std::overflow_error);
@@ -114,4 +117,27 @@ TEST(CSlideLifetime, DestoryKeepsTheFolderPathAndLongListsTearDownWithoutRecursi
     EXPECT_TRUE(list.IsEmpty());
     EXPECT_EQ(list.folderPath(), QStringLiteral("msg"));
     EXPECT_EQ(list.fileName(), QString());
+}
+
+TEST_F(CSlideTest, MovesToAnEndRefuseWithTheirBoundMessageAndLoseNothing) {
+    list.SwapAtFront(2, 3);
+    list.SwapAtFront(1, 1);
+    list.SwapAtBack(1);
+    list.SwapAtBack(2);
+    EXPECT_EQ(sink.texts(),
+              (QStringList{QStringLiteral(">> Out of List Bound"), QStringLiteral("<< Out of List Bound"),
+                           QStringLiteral("<< Out of List Bound"), QStringLiteral("<< Out of List Bound")}));
+    EXPECT_TRUE(list.IsEmpty());
+
+    fill(QStringLiteral("ABC"));
+    list.SwapAtFront(2, 2); // a `last` that is not the tail's position
+    list.SwapAtBack(4);
+    EXPECT_EQ(order(), QStringLiteral("ABC"));
+    EXPECT_EQ(sink.texts().size(), 6);
+
+    CSlide one(&sink);
+    one.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, QStringLiteral("A"), {});
+    one.SwapAtFront(1, 1);
+    EXPECT_EQ(one.getTotalSlide(), 2);
+    EXPECT_EQ(one.lastItem()->DataText, QStringLiteral("A"));
 }

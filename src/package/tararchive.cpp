@@ -1,0 +1,109 @@
+#include "package/tararchive.h"
+
+#include "model/cslide.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <archive.h>
+#include <archive_entry.h>
+#include <memory>
+
+namespace mms {
+
+namespace {
+
+struct ArchiveDeleter {
+    void operator()(archive* a) const { archive_write_free(a); }
+};
+struct EntryDeleter {
+    void operator()(archive_entry* e) const { archive_entry_free(e); }
+};
+
+// libarchive hands its finished blocks to the device; a short write keeps the device's own reason.
+struct Sink {
+    QIODevice* device;
+    QString error;
+};
+
+la_ssize_t writeToDevice(archive*, void* clientData, const void* buffer, size_t length) {
+    auto* sink = static_cast<Sink*>(clientData);
+    const qint64 written = sink->device->write(static_cast<const char*>(buffer), static_cast<qint64>(length));
+    if (written == static_cast<qint64>(length)) return static_cast<la_ssize_t>(written);
+    sink->error = sink->device->errorString();
+    return -1;
+}
+
+QString native(const QString& path) {
+    return QDir::toNativeSeparators(path);
+}
+
+QString archiveError(archive* a, const Sink& sink) {
+    if (!sink.error.isEmpty()) return sink.error;
+    const char* text = archive_error_string(a);
+    return text ? QString::fromLocal8Bit(text) : QStringLiteral("write error");
+}
+
+} // namespace
+
+Status writeTarArchive(QIODevice& device, const QStringList& memberPaths) {
+    std::unique_ptr<archive, ArchiveDeleter> a(archive_write_new());
+    if (!a || archive_write_set_format_ustar(a.get()) != ARCHIVE_OK ||
+        archive_write_add_filter_none(a.get()) != ARCHIVE_OK)
+        return Status::failure(QStringLiteral("The tar writer could not be set up."));
+    Sink sink{&device, {}};
+    if (archive_write_open(a.get(), &sink, nullptr, writeToDevice, nullptr) != ARCHIVE_OK)
+        return Status::failure(
+            QStringLiteral("Cannot write the archive: %1").arg(archiveError(a.get(), sink)));
+
+    for (const QString& path : memberPaths) {
+        QFile member(path);
+        if (!member.open(QIODevice::ReadOnly))
+            return Status::failure(
+                QStringLiteral("Cannot read \"%1\": %2").arg(native(path), member.errorString()));
+        const QByteArray bytes = member.readAll();
+        const QFileInfo info(path);
+
+        std::unique_ptr<archive_entry, EntryDeleter> entry(archive_entry_new());
+        // Members live under bare names: the folder they were written in is of no interest to readers.
+        const QByteArray name = QFile::encodeName(CSlide::extractFileName(path));
+        archive_entry_set_pathname(entry.get(), name.constData());
+        archive_entry_set_filetype(entry.get(), AE_IFREG);
+        archive_entry_set_perm(entry.get(), 0644);
+        archive_entry_set_size(entry.get(), bytes.size());
+        archive_entry_set_mtime(entry.get(), info.lastModified().toSecsSinceEpoch(), 0);
+
+        if (archive_write_header(a.get(), entry.get()) != ARCHIVE_OK)
+            return Status::failure(QStringLiteral("Cannot add \"%1\" to the archive: %2")
+                                       .arg(native(path), archiveError(a.get(), sink)));
+        if (!bytes.isEmpty() &&
+            archive_write_data(a.get(), bytes.constData(), static_cast<size_t>(bytes.size())) !=
+                static_cast<la_ssize_t>(bytes.size()))
+            return Status::failure(QStringLiteral("Cannot add \"%1\" to the archive: %2")
+                                       .arg(native(path), archiveError(a.get(), sink)));
+    }
+    if (archive_write_close(a.get()) != ARCHIVE_OK)
+        return Status::failure(
+            QStringLiteral("Cannot write the archive: %1").arg(archiveError(a.get(), sink)));
+    return Status::ok();
+}
+
+Status writeTarArchive(const QString& archivePath, const QStringList& memberPaths) {
+    QSaveFile file(archivePath);
+    if (!file.open(QIODevice::WriteOnly))
+        return Status::failure(
+            QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
+    const Status written = writeTarArchive(file, memberPaths);
+    if (!written) {
+        file.cancelWriting();
+        return Status::failure(
+            QStringLiteral("%1 (while writing \"%2\")").arg(written.message(), native(archivePath)));
+    }
+    if (!file.commit())
+        return Status::failure(
+            QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
+    return Status::ok();
+}
+
+} // namespace mms

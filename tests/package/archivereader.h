@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <archive.h>
+#include <archive_entry.h>
+#include <utility>
+#include <vector>
+
+namespace mms::test {
+
+struct TarMember {
+    QString name;
+    QByteArray bytes;
+    friend bool operator==(const TarMember&, const TarMember&) = default;
+};
+
+// Reads a tar file back with libarchive; `format` receives libarchive's name of the header variant.
+inline std::vector<TarMember> readTar(const QString& path, QString* format = nullptr) {
+    std::vector<TarMember> members;
+    archive* a = archive_read_new();
+    archive_read_support_format_tar(a);
+    if (archive_read_open_filename(a, path.toLocal8Bit().constData(), 10240) == ARCHIVE_OK) {
+        archive_entry* entry = nullptr;
+        while (archive_read_next_header(a, &entry) == ARCHIVE_OK) {
+            if (format) *format = QString::fromLatin1(archive_format_name(a));
+            TarMember m{QString::fromUtf8(archive_entry_pathname(entry)), {}};
+            m.bytes.resize(archive_entry_size(entry));
+            if (!m.bytes.isEmpty()) archive_read_data(a, m.bytes.data(), static_cast<size_t>(m.bytes.size()));
+            members.push_back(std::move(m));
+        }
+    }
+    archive_read_free(a);
+    return members;
+}
+
+} // namespace mms::test
