@@ -1,0 +1,30 @@
+#pragma once
+
+#include "image/cdibsection.h"
+#include "model/status.h"
+
+#include <QByteArray>
+#include <QString>
+
+namespace mms {
+
+// The quality every conversion of the program uses.
+constexpr int kJpegQuality = 35;
+
+// Encodes the bitmap as a baseline JPEG of the same width and height: three colour components
+// (YCbCr), chroma halved both ways (4:2:0), quality 1..100.
+Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg);
+
+// Encodes and writes the JPEG to path. The file appears only when complete: on failure nothing is
+// left under that name and an existing file there is untouched.
+Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality);
+
+// Reads a picture file (its content decides the format; the stored pixels are taken as they are,
+// unrotated). The failure names the file and says why.
+Status loadPicture(const QString& path, QImage& picture);
+
+// The program's one conversion: loads source, converts it into a cDIBSection and writes it to target
+// as JPEG at the picture's own size. Nothing is written when the source cannot be loaded.
+Status reencodeAsJpeg(const QString& source, const QString& target, int quality = kJpegQuality);
+
+} // namespace mms

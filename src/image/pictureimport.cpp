@@ -1,0 +1,101 @@
+#include "image/pictureimport.h"
+
+#include "image/jpegwriter.h"
+#include "store/workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+
+namespace mms {
+
+namespace {
+
+// Draws for a free scratch name before giving up; a clash needs the same minute and number.
+constexpr int kNameDraws = 100;
+
+QString shown(const QString& path) {
+    return QDir::toNativeSeparators(path);
+}
+
+PictureImport refused(int errorNumber, QString detail, QString convertedPath = QString()) {
+    PictureImport result;
+    result.errorNumber = errorNumber;
+    result.detail = std::move(detail);
+    result.convertedPath = std::move(convertedPath);
+    return result;
+}
+
+PictureImport attached(QString path, QString convertedPath = QString()) {
+    PictureImport result;
+    result.picturePath = std::move(path);
+    result.convertedPath = std::move(convertedPath);
+    return result;
+}
+
+} // namespace
+
+bool matchesGifPattern(const QString& fileName) {
+    return fileName.endsWith(QLatin1String(".gif")) || fileName.endsWith(QLatin1String(".GIF"));
+}
+
+QString conversionStamp(const QDateTime& when) {
+    const QDate d = when.date();
+    const QTime t = when.time();
+    return QString::number(d.year()) + QString::number(d.month()) + QString::number(d.day()) +
+           QString::number(t.hour()) + QString::number(t.minute());
+}
+
+int conversionNumber(RandomSource& random) {
+    const int drawn = int(std::floor(random.uniform() * 90000.0)) + 10000;
+    return std::clamp(drawn, 10000, 99999); // guards a source that strays outside [0, 1)
+}
+
+QString convertedPicturePath(const QString& appFolder, const QDateTime& when, int number) {
+    return workspace::tmpJpg(appFolder) + QLatin1Char('/') + conversionStamp(when) + QString::number(number) +
+           QStringLiteral(".jpg");
+}
+
+QString PictureImport::errorText(const QString& localisedText) const {
+    return localisedText.contains(QLatin1String("%1")) ? localisedText.arg(detail) : localisedText;
+}
+
+PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
+                            const Clock& clock, RandomSource& random) {
+    qint64 length = 0;
+    {
+        QFile source(sourcePath);
+        if (!QFileInfo(sourcePath).isFile() || !source.open(QIODevice::ReadOnly))
+            return refused(
+                kErrPictureNotLoaded,
+                QStringLiteral("%1: %2").arg(shown(sourcePath), QFileInfo::exists(sourcePath)
+                                                                    ? source.errorString()
+                                                                    : QStringLiteral("no such file")));
+        length = source.size();
+    }
+    if (!listHasItems || !isTooLarge(length)) return attached(sourcePath);
+    if (matchesGifPattern(QFileInfo(sourcePath).fileName())) return refused(kErrPictureTooLarge, QString());
+
+    const QString scratch = workspace::tmpJpg(appFolder);
+    if (!QDir().mkpath(scratch))
+        return refused(kErrPictureNotConverted,
+                       QStringLiteral("%1: the folder cannot be created").arg(shown(scratch)));
+    const QDateTime now = clock.now();
+    QString target;
+    for (int draw = 0; draw < kNameDraws && target.isEmpty(); ++draw) {
+        const QString candidate = convertedPicturePath(appFolder, now, conversionNumber(random));
+        if (!QFileInfo::exists(candidate)) target = candidate;
+    }
+    if (target.isEmpty())
+        return refused(kErrPictureNotConverted,
+                       QStringLiteral("%1: no free name for the converted picture").arg(shown(scratch)));
+
+    if (Status converted = reencodeAsJpeg(sourcePath, target, kJpegQuality); !converted)
+        return refused(kErrPictureNotConverted, converted.message());
+    if (isTooLarge(QFileInfo(target).size())) return refused(kErrPictureTooLarge, QString(), target);
+    return attached(target, target);
+}
+
+} // namespace mms

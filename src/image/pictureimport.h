@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/clockrandom.h"
+
+#include <QDateTime>
+#include <QString>
+
+namespace mms {
+
+// A picture file of this many bytes or more is too large to attach.
+constexpr qint64 kAttachmentLimit = 102400;
+inline bool isTooLarge(qint64 bytes) {
+    return bytes >= kAttachmentLimit;
+}
+
+// Error texts the import shows (numbers of the language file's error list).
+constexpr int kErrPictureTooLarge = 0;
+constexpr int kErrPictureNotConverted = 27; // "...could not be converted to JPEG...\n%1"
+constexpr int kErrPictureNotLoaded = 31;    // "The picture could not be loaded.\n%1"
+
+// A large GIF is refused only when its name ends in ".gif" or ".GIF"; mixed case is converted.
+bool matchesGifPattern(const QString& fileName);
+
+// Year, month, day, hour and minute as decimal numbers in a row, without zero padding:
+// 7 March 2024 09:05 gives "20243795".
+QString conversionStamp(const QDateTime& when);
+// A whole number from 10000 to 99999 drawn from the random source.
+int conversionNumber(RandomSource& random);
+// appFolder + "/Temp/tmpJPG/" + stamp + number + ".jpg".
+QString convertedPicturePath(const QString& appFolder, const QDateTime& when, int number);
+
+// What the picture command does with the selected file.
+struct PictureImport {
+    // Attach: the path to put on the current slide (the source itself or its JPEG conversion).
+    QString picturePath;
+    // Otherwise the error text to show and what replaces its "%1"; the slide stays as it is.
+    int errorNumber = -1;
+    QString detail;
+    // The JPEG written to the scratch folder, if one was written (it stays there even when refused).
+    QString convertedPath;
+
+    bool attach() const { return errorNumber < 0; }
+    // The message to show, from the localised error text: "%1" is replaced by the detail.
+    QString errorText(const QString& localisedText) const;
+};
+
+// Decides the picture command for sourcePath (library folder + "/" + selected file name).
+// A file under the limit, or any file while the panel list is empty, is used as it is. A larger GIF
+// is refused; any other larger picture is re-encoded as JPEG at quality 35 into the scratch folder
+// and used when that JPEG is under the limit. The scratch name is drawn again while it names an
+// existing file, so an earlier conversion still on a slide is never overwritten.
+PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
+                            const Clock& clock, RandomSource& random);
+
+} // namespace mms
