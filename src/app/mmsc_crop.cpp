@@ -1,0 +1,49 @@
+#include "app/mmsc.h"
+
+#include "sound/midicrop.h"
+
+#include <QFileInfo>
+
+namespace mms::cli {
+namespace {
+
+// "12.5" or "12.5s" -> "12.5s", the form the crop takes; empty when it is not a number of seconds.
+QString secondsText(const QString& arg) {
+    QString number = arg.endsWith(QLatin1Char('s')) ? arg.chopped(1) : arg;
+    bool ok = false;
+    number.toDouble(&ok);
+    return ok ? number + QLatin1Char('s') : QString();
+}
+
+int crop(Context& context, const QStringList& args) {
+    if (args.size() != 4) return fail(context, QStringLiteral("crop needs IN START END OUT"));
+    const QString& in = args[0];
+    const QString& out = args[3];
+    const QString start = secondsText(args[1]);
+    const QString end = secondsText(args[2]);
+    if (start.isEmpty() || end.isEmpty())
+        return fail(context, QStringLiteral("START and END must be numbers of seconds, such as 2.5 or 2.5s"));
+    if (!QFileInfo(in).isFile() || !QFileInfo(in).isReadable())
+        return fail(context, QStringLiteral("cannot read %1").arg(in));
+    if (QFileInfo(out).absoluteFilePath() == QFileInfo(in).absoluteFilePath())
+        return fail(context, QStringLiteral("OUT must not be the tune itself"));
+
+    StderrSink sink;
+    MidiDecoder decoder(&sink);
+    if (!cropMidi(decoder, in, out, start, end, CropTexts::english(), sink)) {
+        if (!decoder.midiDecoded())
+            context.err << "mmsc: " << in << " is not a MIDI file that can be decoded" << Qt::endl;
+        return 1;
+    }
+    return 0;
+}
+
+const Registrar
+    registrar("crop",
+              "  crop IN START END OUT    writes the stretch from START to END seconds (\"s\" optional)\n"
+              "                           of the MIDI file IN as the MIDI file OUT; exit status 1 when\n"
+              "                           the crop is refused",
+              crop);
+
+} // namespace
+} // namespace mms::cli

@@ -1,0 +1,226 @@
+#include "package/mmsencoder.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <limits>
+
+namespace mms {
+
+namespace {
+
+constexpr int kShortLengthMax = 30;
+constexpr char kLengthQuote = 0x1F;
+const QByteArray kStartId = QByteArrayLiteral("AAAA"); // the header's start parameter names the SMIL part
+
+// A value length: one byte up to 30, else the length quote and a uintvar.
+QByteArray valueLength(qint64 length, bool alwaysQuoted = false) {
+    if (!alwaysQuoted && length <= kShortLengthMax) return QByteArray(1, char(length));
+    return QByteArray(1, kLengthQuote) + MmsEncoder::uintvar(quint64(length));
+}
+
+// The content type of a part (without its value length), empty for an unknown type.
+QByteArray contentType(const QString& type, const QByteArray& name) {
+    const QByteArray nameParameter = QByteArrayLiteral("\x85") + name + '\0';
+    auto byText = [&](const char* mime) { return QByteArray(mime) + '\0' + nameParameter; };
+    if (type == QLatin1String("gif")) return QByteArrayLiteral("\x9D") + nameParameter;
+    if (type == QLatin1String("jpg")) return byText("image/jpeg");
+    if (type == QLatin1String("bmp")) return byText("image/bmp");
+    if (type == QLatin1String("amr")) return byText("audio/amr");
+    if (type == QLatin1String("mid")) return byText("audio/midi");
+    if (type == QLatin1String("3gp")) return byText("video/3gpp");
+    if (type == QLatin1String("txt")) return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
+    if (type == QLatin1String("smil")) return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
+    return {};
+}
+
+bool seekTo(QIODevice& out, qint64 pos) {
+    return pos >= 1 && out.seek(pos - 1);
+}
+
+bool writeAll(QIODevice& out, const QByteArray& bytes) {
+    return out.write(bytes) == bytes.size();
+}
+
+QString join(const QString& folder, const QString& name) {
+    return folder + QLatin1Char('/') + name;
+}
+
+} // namespace
+
+QByteArray MmsEncoder::uintvar(quint64 value) {
+    QByteArray groups(1, char(value & 0x7F));
+    for (value >>= 7; value > 0; value >>= 7)
+        groups.prepend(char((value & 0x7F) | 0x80));
+    return groups;
+}
+
+void MmsEncoder::show(const QString& text, const QString& detail) {
+    lastFailure_ = detail;
+    if (sink_) sink_->inform(text);
+}
+
+bool MmsEncoder::calculateDataLen(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        show(QStringLiteral("Error"), path + QStringLiteral(": ") + file.errorString());
+        return false;
+    }
+    lengthBuffer_ = uintvar(quint64(file.size()));
+    return true;
+}
+
+qint32 MmsEncoder::generateMMSHeader(QIODevice& out, qint32 /*pos*/, const qint16& parts,
+                                     const QString& subject) {
+    if (parts < 0) {
+        show(QStringLiteral("Error"), QStringLiteral("a negative number of parts"));
+        return 0;
+    }
+    return writeHeader(out, quint32(parts), subject);
+}
+
+qint32 MmsEncoder::writeHeader(QIODevice& out, quint32 parts, const QString& subject) {
+    const QByteArray text = subject.toUtf8();
+    QByteArray header =
+        QByteArrayLiteral("\x8C\x80\x98") + "B1127540881" + '\0' + QByteArrayLiteral("\x8D\x90\x89\x01\x81");
+    header += '\x96' + valueLength(text.size() + 3) + QByteArrayLiteral("\xEA\x7F") + text + '\0';
+    header += QByteArrayLiteral("\x8A\x80\x8F\x81\x86\x81\x90\x81");
+    header += QByteArrayLiteral("\x84\x1B\xB3\x89") + "application/smil" + '\0' + '\x8A' + "<" + kStartId +
+              ">" + '\0';
+    header += uintvar(quint64(parts));
+    if (!seekTo(out, 1) || !writeAll(out, header)) {
+        show(QStringLiteral("Error"),
+             QStringLiteral("the header could not be written: ") + out.errorString());
+        return 0;
+    }
+    return 1 + qint32(header.size());
+}
+
+qint32 MmsEncoder::generateMsgElement(QIODevice& out, const QString& source, qint32 pos) {
+    const QString fileName = CSlide::extractFileName(source);
+    const QString type = CSlide::extractFileType(source).toLower();
+    const QByteArray name = fileName.toUtf8();
+    const bool smil = type == QLatin1String("smil");
+    const QString failed = fileName + QStringLiteral(": Error");
+
+    const QByteArray inner = contentType(type, name);
+    if (inner.isEmpty()) {
+        show(failed, source + QStringLiteral(": no content type for the extension \"%1\"").arg(type));
+        return 0;
+    }
+    QByteArray headers = valueLength(inner.size(), smil) + inner;
+    headers += QByteArrayLiteral("\xC0\x22<") + (smil ? kStartId : name) + ">" + '\0';
+    if (!smil) headers += '\x8E' + name + '\0';
+    if (headers.size() >= 256) {
+        show(QStringLiteral("ImgHeader: oversized"),
+             source + QStringLiteral(": the part's headers exceed 255 bytes"));
+        return 0;
+    }
+
+    if (!calculateDataLen(source)) {
+        show(failed, lastFailure_);
+        return 0;
+    }
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly)) {
+        show(failed, source + QStringLiteral(": ") + file.errorString());
+        return 0;
+    }
+    const QByteArray data = file.readAll();
+    if (lengthBuffer_ != uintvar(quint64(data.size()))) { // changed or unreadable since it was measured
+        show(failed, source + QStringLiteral(": the file changed or could not be read whole"));
+        return 0;
+    }
+    const QByteArray entry = uintvar(quint64(headers.size())) + lengthBuffer_ + headers;
+    const qint64 end = qint64(pos) + entry.size() + data.size();
+    if (end > std::numeric_limits<qint32>::max() || !seekTo(out, pos) || !writeAll(out, entry) ||
+        !writeAll(out, data)) {
+        show(failed, source + QStringLiteral(": the part could not be written: ") + out.errorString());
+        return 0;
+    }
+    return qint32(end);
+}
+
+int MmsEncoder::countParts(const CSlide& slides, qint16 count) {
+    int parts = 1;
+    int n = 0;
+    for (auto node = slides.firstItem(); node && n < count; node = node->NextNode, ++n)
+        parts += !node->DataImgPath.isEmpty() + !node->DataText.isEmpty() + !node->DataSoundPath.isEmpty();
+    return parts;
+}
+
+qint32 MmsEncoder::generateMMSBody(QIODevice& out, const CSlide& slides, const QString& packageFolder,
+                                   qint32 start, const qint16& count) {
+    qint32 pos = generateMsgElement(out, join(packageFolder, QStringLiteral("main.smil")), start);
+    int n = 0;
+    for (auto node = slides.firstItem(); node && n < count && pos != 0; node = node->NextNode) {
+        const QString number = QString::number(++n);
+        if (!node->DataImgPath.isEmpty()) {
+            const QString type = CSlide::extractFileType(node->DataImgPath).toLower();
+            QString member = QStringLiteral("pic") + number + QStringLiteral(".jpg");
+            if (type == QLatin1String("gif"))
+                member = QStringLiteral("pic") + number + QStringLiteral(".gif");
+            else if (type == QLatin1String("bmp"))
+                member = QStringLiteral("pic") + number + QStringLiteral(".bmp");
+            else if (type == QLatin1String("3gp"))
+                member = QStringLiteral("vdo") + number + QStringLiteral(".3gp");
+            pos = generateMsgElement(out, join(packageFolder, member), pos);
+        }
+        if (pos != 0 && !node->DataText.isEmpty())
+            pos = generateMsgElement(
+                out, join(packageFolder, QStringLiteral("text") + number + QStringLiteral(".txt")), pos);
+        if (pos != 0 && !node->DataSoundPath.isEmpty()) {
+            // The package writer stores every sound that is not MIDI as .amr; look for that file.
+            const bool midi = CSlide::extractFileType(node->DataSoundPath).toLower() == QLatin1String("mid");
+            const QString member =
+                QStringLiteral("sound") + number + (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
+            pos = generateMsgElement(out, join(packageFolder, member), pos);
+        }
+    }
+    return pos;
+}
+
+qint32 MmsEncoder::generateMMSHeader(const QString& outPath, qint32 pos, const qint16& parts,
+                                     const QString& subject) {
+    QFile file(outPath);
+    if (!file.open(QIODevice::ReadWrite)) {
+        show(QStringLiteral("Error"), outPath + QStringLiteral(": ") + file.errorString());
+        return 0;
+    }
+    return generateMMSHeader(file, pos, parts, subject);
+}
+
+qint32 MmsEncoder::generateMsgElement(const QString& outPath, const QString& source, qint32 pos) {
+    QFile file(outPath);
+    if (!file.open(QIODevice::ReadWrite)) {
+        show(CSlide::extractFileName(source) + QStringLiteral(": Error"),
+             outPath + QStringLiteral(": ") + file.errorString());
+        return 0;
+    }
+    return generateMsgElement(file, source, pos);
+}
+
+Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
+                        QIODevice& out, MessageSink* sink) {
+    MmsEncoder encoder(sink);
+    const int count = slides.getTotalSlide();
+    const qint32 bodyStart =
+        encoder.writeHeader(out, quint32(MmsEncoder::countParts(slides, qint16(count))), subject);
+    if (bodyStart == 0 || encoder.generateMMSBody(out, slides, packageFolder, bodyStart, qint16(count)) == 0)
+        return Status::failure(encoder.lastFailure());
+    return Status::ok();
+}
+
+Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
+                        const QString& outPath, MessageSink* sink) {
+    QSaveFile file(outPath);
+    if (!file.open(QIODevice::WriteOnly))
+        return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
+    if (Status s = writeSendRequest(slides, packageFolder, subject, file, sink); !s) {
+        file.cancelWriting();
+        return s;
+    }
+    if (!file.commit()) return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
+    return Status::ok();
+}
+
+} // namespace mms

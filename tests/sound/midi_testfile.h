@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <initializer_list>
+
+// Builds small Standard MIDI Files for the tests, event by event.
+namespace mms::test {
+
+inline QByteArray bytes(std::initializer_list<int> values) {
+    QByteArray out;
+    for (int v : values)
+        out.append(char(v));
+    return out;
+}
+
+inline QByteArray vlq(quint32 value) {
+    QByteArray out(1, char(value & 0x7F));
+    for (value >>= 7; value > 0; value >>= 7)
+        out.prepend(char((value & 0x7F) | 0x80));
+    return out;
+}
+
+inline QByteArray bigEndian(quint32 value, int bytes) {
+    QByteArray out;
+    for (int k = bytes - 1; k >= 0; --k)
+        out.append(char((value >> (8 * k)) & 0xFF));
+    return out;
+}
+
+class Track {
+public:
+    Track& raw(quint32 delta, const QByteArray& bytes) {
+        data_ += vlq(delta) + bytes;
+        return *this;
+    }
+    Track& on(quint32 delta, int channel, int note, int velocity = 100) {
+        return raw(delta, bytes({0x90 | channel, note, velocity}));
+    }
+    Track& off(quint32 delta, int channel, int note) { return raw(delta, bytes({0x80 | channel, note, 64})); }
+    Track& program(int channel, int program) { return raw(0, bytes({0xC0 | channel, program})); }
+    Track& meta(int type, const QByteArray& body) {
+        return raw(0, bytes({0xFF, type}) + vlq(quint32(body.size())) + body);
+    }
+    Track& tempo(quint32 micros) { return meta(0x51, bigEndian(micros, 3)); }
+    Track& timeSig(int numerator, int power) { return meta(0x58, bytes({numerator, power, 24, 8})); }
+    Track& end() { return meta(0x2F, {}); }
+    // A note of `length` ticks after a gap of `gap` ticks.
+    Track& note(quint32 gap, quint32 length, int channel, int note) {
+        return on(gap, channel, note).off(length, channel, note);
+    }
+    const QByteArray& data() const { return data_; }
+
+private:
+    QByteArray data_;
+};
+
+inline QByteArray midiFile(quint16 division, const QList<Track>& tracks) {
+    QByteArray file = "MThd" + bigEndian(6, 4) + bigEndian(1, 2) + bigEndian(quint32(tracks.size()), 2) +
+                      bigEndian(division, 2);
+    for (const Track& t : tracks)
+        file += "MTrk" + bigEndian(quint32(t.data().size()), 4) + t.data();
+    return file;
+}
+
+} // namespace mms::test

@@ -1,0 +1,234 @@
+#include "sound/midi_testfile.h"
+#include "sound/mididecoder.h"
+#include "support/qtprint.h"
+#include "support/recordingsink.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+using namespace mms;
+using namespace mms::test;
+
+namespace {
+
+class MidiDecoderTest : public ::testing::Test {
+protected:
+    MidiDecoderTest() : decoder(&sink) {}
+    void decode(const QByteArray& bytes) {
+        decoder.resetMidiTables();
+        decoder.decodeMidiData(bytes);
+    }
+    // One track at 480 ticks per quarter, 120 bpm, with the given time signature and events.
+    void decodeTrack(const Track& events, int numerator = 4, int power = 2) {
+        Track t;
+        t.tempo(500000).timeSig(numerator, power);
+        decode(midiFile(480, {t, events}));
+    }
+    QStringList bars(int channel) const {
+        QStringList out;
+        for (int b = 0; b < MidiDecoder::kBars && !decoder.noteTable(channel, b).isEmpty(); ++b)
+            out << decoder.noteTable(channel, b);
+        return out;
+    }
+    RecordingSink sink;
+    MidiDecoder decoder;
+};
+
+} // namespace
+
+TEST(MidiTables, NoteNamesInstrumentsAndCodes) {
+    EXPECT_EQ(MidiDecoder::noteName(61), QStringLiteral("C#5"));
+    EXPECT_EQ(MidiDecoder::noteName(0), QStringLiteral("C0"));
+    EXPECT_EQ(MidiDecoder::noteName(127), QStringLiteral("G10"));
+    EXPECT_EQ(MidiDecoder::gmInstrumentName(0), QStringLiteral("Acoustic Grand Piano"));
+    EXPECT_EQ(MidiDecoder::gmInstrumentName(24), QStringLiteral("Acoustic Guitar(nylon)"));
+    EXPECT_EQ(MidiDecoder::gmInstrumentName(127), QStringLiteral("Gunshot"));
+    EXPECT_FALSE(MidiDecoder::gmInstrumentName(128).has_value());
+    EXPECT_FALSE(MidiDecoder::gmInstrumentName(-1).has_value());
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({2, 4}), 0);
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({3, 4}), 1);
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({4, 4}), 2);
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({3, 8}), 3);
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({6, 8}), 4);
+    EXPECT_EQ(MidiDecoder::timeSignatureCode({5, 4}), 0);
+    EXPECT_EQ(MidiDecoder::leadingNumber(QStringLiteral("16F#4")), 16);
+    EXPECT_EQ(MidiDecoder::leadingNumber(QStringLiteral("1P")), 1);
+}
+
+TEST(MidiTables, LengthCodesAndRests) {
+    const auto note = [](int ticks) { return MidiDecoder::durationText(ticks, 480, true); };
+    EXPECT_EQ(note(480), QStringLiteral("4"));
+    EXPECT_EQ(note(960), QStringLiteral("2"));
+    EXPECT_EQ(note(1920), QStringLiteral("1"));
+    EXPECT_EQ(note(240), QStringLiteral("8"));
+    EXPECT_EQ(note(60), QStringLiteral("32"));
+    EXPECT_EQ(note(90), QStringLiteral("32")); // 3d/16 is still a thirty-second
+    EXPECT_EQ(note(91), QStringLiteral("16"));
+    EXPECT_EQ(note(721), QStringLiteral("2"));
+    EXPECT_EQ(note(1441), QStringLiteral("1"));
+    EXPECT_EQ(MidiDecoder::durationText(1200, 480, false), QStringLiteral("2P 8P "));
+    EXPECT_EQ(MidiDecoder::durationText(1920 + 480 + 60 + 10, 480, false), QStringLiteral("1P 4P 32P "));
+    EXPECT_EQ(MidiDecoder::durationText(0, 480, false), QString());
+    // 3 and 4 times the division are 16-bit numbers.
+    EXPECT_EQ(MidiDecoder::durationText(100, 10922, true), QStringLiteral("32"));
+    EXPECT_THROW(MidiDecoder::durationText(100, 10923, true), std::overflow_error);
+    EXPECT_THROW(MidiDecoder::durationText(100, 8192, false), std::overflow_error);
+    EXPECT_THROW(MidiDecoder::durationText(100, 0, false), std::domain_error);
+}
+
+TEST_F(MidiDecoderTest, DecodesTempoSignatureProgramsAndBars) {
+    Track t;
+    t.program(2, 40).note(0, 480, 2, 60).note(480, 480, 2, 62).note(0, 1440, 2, 64).note(0, 1920, 2, 61);
+    decodeTrack(t, 3, 2);
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_TRUE(sink.shown.empty());
+    EXPECT_EQ(decoder.ticksPerQuarter(), 480);
+    EXPECT_DOUBLE_EQ(decoder.secPerQuarter(), 0.5);
+    EXPECT_EQ(decoder.tempoBpm(), 120);
+    EXPECT_DOUBLE_EQ(decoder.barWholeNotes(), 0.75);
+    EXPECT_EQ(decoder.timeSignatureCode(), 1);
+    EXPECT_EQ(decoder.channelProgram(2), 40);
+    // Bars of three quarters; the dotted half is a "2", and the whole note that crosses the bar line
+    // stays whole in the bar it closes.
+    EXPECT_EQ(bars(2), (QStringList{QStringLiteral("4C5 4P 4D5"), QStringLiteral("2E5 1C#5")}));
+    EXPECT_DOUBLE_EQ(decoder.tuneLength(), 2 * 3 * 0.5);
+    EXPECT_TRUE(bars(0).isEmpty());
+}
+
+TEST_F(MidiDecoderTest, RunningStatusVelocityZeroAndChords) {
+    Track t;
+    // Note-on C5, then running status: E5 on (a chord note, passed over), C5 off by velocity 0,
+    // E5 off by velocity 0, then G5 with its own note-off.
+    t.raw(0, QByteArray("\x90\x3C\x64", 3))
+        .raw(0, QByteArray("\x40\x64", 2))
+        .raw(960, QByteArray("\x3C\x00", 2));
+    t.raw(0, QByteArray("\x40\x00", 2)).note(480, 240, 0, 67);
+    decodeTrack(t);
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(bars(0), QStringList{QStringLiteral("2C5 4P 8G5")});
+}
+
+TEST_F(MidiDecoderTest, BarsStopAtFortyAndAtThirtyThreeTokens) {
+    Track t;
+    for (int k = 0; k < 45; ++k)
+        t.note(0, 1920, 0, 60 + k % 12);
+    decodeTrack(t);
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(bars(0).size(), 40);
+    EXPECT_EQ(bars(0).last(), QStringLiteral("1D#5"));
+    EXPECT_DOUBLE_EQ(decoder.tuneLength(), 40 * 2.0);
+
+    Track crowded; // 34 thirty-seconds in a bar of three whole notes
+    for (int k = 0; k < 34; ++k)
+        crowded.note(0, 60, 1, 60);
+    decodeTrack(crowded, 3, 0);
+    EXPECT_FALSE(decoder.midiDecoded());
+}
+
+TEST_F(MidiDecoderTest, SelectTimeSpanKeepsOverlappingTokensWhole) {
+    Track t;
+    t.note(0, 1920, 0, 60).note(0, 480, 0, 62).note(0, 480, 0, 64).note(960, 480, 3, 67);
+    decodeTrack(t);
+    ASSERT_TRUE(decoder.midiDecoded());
+    auto span = decoder.selectTimeSpan(0, 2);
+    EXPECT_EQ(span[0], QStringLiteral(" 1C5"));
+    span = decoder.selectTimeSpan(2.2, 2.6);
+    EXPECT_EQ(span[0], QStringLiteral(" 4D5 4E5"));
+    EXPECT_TRUE(span[3].isEmpty());
+    // Channel 3's first delta counts from the last note event of the track, E5's note-off.
+    EXPECT_EQ(bars(3), QStringList{QStringLiteral("2P 4G5")});
+    EXPECT_EQ(decoder.selectTimeSpan(0, 1)[3], QStringLiteral(" 2P"));
+}
+
+TEST_F(MidiDecoderTest, MetaEventLengthsAreChecked) {
+    const struct {
+        int type;
+        int length;
+        const char* message;
+    } cases[] = {{0x00, 1, "Sequence Number Error\n"}, {0x20, 2, "MIDI Channel : Error"},
+                 {0x21, 0, "MIDI Port : Error"},       {0x2F, 1, "End of Track : Error"},
+                 {0x51, 2, "Tempo : Error"},           {0x54, 4, "SMPTE offset : Error"},
+                 {0x58, 3, "Time Signature: Error"},   {0x59, 1, "Key Signature: Error"},
+                 {0x60, 0, "Meta Event Error 60\n"},   {0x0A, 0, "Meta Event Error A\n"}};
+    for (const auto& c : cases) {
+        sink.shown.clear();
+        Track t;
+        t.meta(0x03, "a name").meta(0x7F, QByteArray(200, 'x')).meta(c.type, QByteArray(c.length, '\0'));
+        decode(midiFile(480, {t.note(0, 480, 0, 60)}));
+        EXPECT_FALSE(decoder.midiDecoded()) << c.message;
+        EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(c.message)});
+    }
+}
+
+TEST_F(MidiDecoderTest, DataBytesAboveSevenBitsStopTheDecode) {
+    const struct {
+        const char* bytes;
+        const char* message;
+    } cases[] = {{"\x90\x80\x10", "Decode Error(Note)"},
+                 {"\x90\x3C\x80", "Velocity: Decode Error(Velocity)"},
+                 {"\xA0\x80\x10", "Decode Error(Note)"},
+                 {"\xA0\x3C\x90", "Pressure Value: Decode Error(Pressure Value)"},
+                 {"\xB0\x80\x10", "Decode Error(Control Number)"},
+                 {"\xB0\x07\x80", "New Value: Decode Error(New Value)"},
+                 {"\xC0\x80\x00", "Decode Error(New Program Number)"},
+                 {"\xD0\x80\x00", "Decode Error(Pressure Value)"}};
+    for (const auto& c : cases) {
+        sink.shown.clear();
+        decode(midiFile(480, {Track().raw(0, QByteArray(c.bytes, 3)).end()}));
+        EXPECT_FALSE(decoder.midiDecoded());
+        EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(c.message)});
+    }
+}
+
+TEST_F(MidiDecoderTest, DamagedFilesFailQuietlyExceptForAMissingTrackChunk) {
+    QByteArray file = midiFile(480, {Track().note(0, 480, 0, 60).end()});
+    decode(file + "MTrx" + bigEndian(0, 4));
+    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral("Decode Error: MTrk\n")});
+    sink.shown.clear();
+
+    QList<QByteArray> quiet = {
+        QByteArray("RIFF....", 8),
+        file.left(file.size() - 3),                                           // track longer than the file
+        midiFile(480, {Track().raw(0, QByteArray("\x3C\x64", 2))}),           // running status with no status
+        midiFile(480, {Track().on(0, 0, 60)}),                                // a note that never ends
+        midiFile(480, {Track().raw(0, QByteArray("\xFF\x51\x03\0\0\0", 6))}), // tempo 0
+        midiFile(480, {Track().timeSig(4, 15)}),                              // denominator beyond 16 bits
+        midiFile(10923, {Track().note(0, 10, 0, 60)}),                        // 3 x division overflows
+    };
+    Track longWait; // nine maximal deltas pass the 32-bit tick count
+    for (int k = 0; k < 9; ++k)
+        longWait.raw(0x0FFFFFFF, QByteArray("\xFF\x01\x00", 3));
+    quiet << midiFile(480, {longWait.note(0, 480, 0, 60)});
+    for (const QByteArray& bytes : quiet) {
+        decode(bytes);
+        EXPECT_FALSE(decoder.midiDecoded());
+    }
+    EXPECT_TRUE(sink.shown.empty());
+    decoder.decodeMidiFile(QStringLiteral("/nonexistent/tune.mid"));
+    EXPECT_FALSE(decoder.midiDecoded());
+}
+
+TEST_F(MidiDecoderTest, TempoAndDivisionSurviveIntoTheNextDecode) {
+    const QByteArray noTempo = midiFile(480, {Track().note(0, 1920, 0, 60)});
+    decode(noTempo);
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(decoder.tuneLength(), 0.0); // no tempo read yet in this run
+
+    decodeTrack(Track().note(0, 480, 0, 60), 6, 3);
+    EXPECT_EQ(decoder.timeSignatureCode(), 4);
+    decode(midiFile(0x8000 | 0x1978, {Track().note(0, 1920, 0, 60)})); // frame-based division is not taken
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(decoder.ticksPerQuarter(), 480);
+    EXPECT_EQ(decoder.tempoBpm(), 120);
+    EXPECT_EQ(decoder.timeSig(), (std::array<qint16, 2>{4, 4})); // the signature is reset by every decode
+    EXPECT_DOUBLE_EQ(decoder.tuneLength(), 2.0);
+}
+
+TEST_F(MidiDecoderTest, HugeGapsStayCheap) {
+    // A gap of two hundred million ticks at one tick per quarter would be fifty million rest tokens;
+    // only the forty bars that can be kept are built.
+    decode(midiFile(1, {Track().note(200000000, 1, 0, 60)}));
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(bars(0).size(), 40);
+    EXPECT_EQ(bars(0).first(), QStringLiteral("1P"));
+}
