@@ -3,6 +3,7 @@
 #include "model/status.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -16,7 +17,10 @@ struct LanguageTexts {
 };
 
 // Language choice: registry code -> langIndex (0 English, 1 sch, 2 tch, 3 fra, 4 ger, 5 it, 6 spa, 7 ru).
+// Exact, case-sensitive; any other code gives 0.
 int langIndexForCode(const QString& code);
+// The codes langIndexForCode knows, in the order it tries them (for validating a --language option).
+QStringList languageCodes();
 // "English.lng" ... by langIndex; anything outside 1..7 counts as 0.
 QString languageFileName(int langIndex);
 // "Morvane.chm" ... by langIndex.
@@ -24,8 +28,15 @@ QString helpFileName(int langIndex);
 // The "Language" setting (QSettings, organisation "Morvane"); empty when absent or not a string.
 QString readLanguageSetting();
 
-// Parses a language file's bytes. Fails with a message saying what is wrong.
+// Parses a language file's bytes. Fails with a message saying what is wrong; out is then untouched.
 Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out);
+
+// The entries the program shows. A language file must hold every one of them.
+QList<int> usedPromptNumbers();
+QList<int> usedErrorNumbers();
+QList<int> usedInterfaceNumbers();
+// Fails naming the first used entry the texts lack.
+Status checkUsedEntries(const LanguageTexts& texts);
 
 // The loaded language: owned by the composer window, read by every window through these lookups.
 class Localisation {

@@ -1,0 +1,60 @@
+// The language files the build generates: each one loads and is a real translation.
+#include "composer/localisation.h"
+#include "support/qtprint.h"
+
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+using namespace mms;
+
+namespace {
+
+QString langDir() {
+    return qEnvironmentVariable("MMS_LANG_DIR", QStringLiteral(MMS_BIN_DIR));
+}
+
+struct Used {
+    const char* group;
+    QStringList LanguageTexts::*list;
+    QList<int> numbers;
+};
+
+QList<Used> usedEntries() {
+    return {{"prompt", &LanguageTexts::prompts, usedPromptNumbers()},
+            {"error", &LanguageTexts::errors, usedErrorNumbers()},
+            {"interface", &LanguageTexts::interface, usedInterfaceNumbers()}};
+}
+
+Localisation load(int langIndex) {
+    Localisation loc;
+    const Status s = loc.readLangFile(langIndex, langDir());
+    EXPECT_TRUE(s.isOk()) << s.message().toStdString();
+    return loc;
+}
+
+} // namespace
+
+TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
+    const Localisation english = load(0);
+    EXPECT_EQ(english.getMCrInterfaceStr(0), QStringLiteral("MMS Composer"));
+    EXPECT_EQ(english.getMCrErrStr(23),
+              QStringLiteral("The message could not be saved. The stored copy was left as it was.\n%1"));
+    static const QRegularExpression placeholder(QStringLiteral("%[1-9]"));
+    for (int lang = 0; lang < 8; ++lang) {
+        const Localisation loc = load(lang);
+        int sameAsEnglish = 0;
+        for (const Used& used : usedEntries()) {
+            for (int n : used.numbers) {
+                const QString text = (loc.texts().*used.list).at(n);
+                const QString en = (english.texts().*used.list).at(n);
+                const QString where =
+                    languageFileName(lang) + QStringLiteral(" %1.%2").arg(QLatin1String(used.group)).arg(n);
+                EXPECT_FALSE(text.isEmpty() || text == QStringLiteral("-") || text != text.trimmed())
+                    << where.toStdString();
+                EXPECT_EQ(text.count(placeholder), en.count(placeholder)) << where.toStdString();
+                sameAsEnglish += lang != 0 && text == en;
+            }
+        }
+        EXPECT_LE(sameAsEnglish, 5) << languageFileName(lang).toStdString();
+    }
+}

@@ -1,0 +1,151 @@
+#include "composer/localisation.h"
+#include "support/qtprint.h"
+#include "support/tempdir.h"
+
+#include <QLibraryInfo>
+#include <QSettings>
+#include <QStandardPaths>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace mms;
+
+namespace {
+
+// Bytes of a literal, embedded NULs included.
+template <std::size_t N> QByteArray b(const char (&s)[N]) {
+    return QByteArray(s, N - 1);
+}
+
+const QByteArray kSection = b("..\\\0");
+const QByteArray kGroup = b("\\\\\0");
+
+// Five ignored sections (here holding a whole other table, which must never be read) and then body.
+QByteArray languageFile(const QByteArray& body) {
+    const QByteArray decoy = b("x\0y") + kGroup + b("z\0w") + kGroup + "v";
+    return "head" + kSection + decoy + kSection + decoy + kSection + kSection + kSection + body;
+}
+
+// The example sixth section: "a" NUL "b" \\ NUL "c" \\ NUL "d" NUL "e".
+const QByteArray kExample = b("a\0b") + kGroup + "c" + kGroup + b("d\0e");
+
+LanguageTexts parsed(const QByteArray& bytes) {
+    LanguageTexts t;
+    EXPECT_TRUE(parseLanguageFile(bytes, t).isOk());
+    return t;
+}
+
+QStringList list(std::initializer_list<const char*> items) {
+    QStringList l;
+    for (const char* s : items)
+        l.append(QString::fromUtf8(s));
+    return l;
+}
+
+} // namespace
+
+TEST(LanguageFile, ReadsOnlyTheSixthSectionSplitIntoThreeGroups) {
+    for (const QByteArray& bytes :
+         {languageFile(kExample), QByteArray("\xEF\xBB\xBF") + languageFile(kExample),
+          languageFile(kExample + kGroup), languageFile(kExample + kSection + "junk"),
+          languageFile(kExample + kGroup + "more" + kGroup)}) {
+        const LanguageTexts t = parsed(bytes);
+        EXPECT_EQ(t.prompts, list({"a", "b"}));
+        EXPECT_EQ(t.errors, list({"c"}));
+        EXPECT_EQ(t.interface, list({"d", "e"}));
+    }
+}
+
+TEST(LanguageFile, TakesStringsExactlyAsTheyStand) {
+    const QByteArray body = b("\0 two \r\nlines\0") + kGroup + b("..\\ \\\\ ok\0\0") + kGroup +
+                            "d\xC3\xA9j\xC3\xA0" + b("\0") + kGroup;
+    const LanguageTexts t = parsed(languageFile(body));
+    EXPECT_EQ(t.prompts, list({"", " two \r\nlines", ""}));
+    EXPECT_EQ(t.errors, list({"..\\ \\\\ ok", "", ""}));
+    EXPECT_EQ(t.interface, list({"déjà", ""}));
+}
+
+TEST(LanguageFile, RefusesFilesCutShortAndLeavesTheResultAlone) {
+    LanguageTexts t;
+    t.prompts = list({"kept"});
+    const QByteArray fourSections = "a" + kSection + kSection + kSection + kSection + kExample;
+    const QByteArray twoGroups = languageFile(b("a\0b") + kGroup + "c");
+    const std::pair<QByteArray, const char*> cases[] = {{QByteArray(), "empty"},
+                                                        {fourSections, "4 of the 5 section markers"},
+                                                        {twoGroups, "2 of the 3 groups"}};
+    for (const auto& [bytes, why] : cases) {
+        const Status s = parseLanguageFile(bytes, t);
+        EXPECT_FALSE(s.isOk());
+        EXPECT_TRUE(s.message().contains(QLatin1String(why))) << s.message().toStdString();
+        EXPECT_EQ(t.prompts, list({"kept"}));
+    }
+}
+
+TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
+    const QStringList codes = list({"", "sch", "tch", "fra", "ger", "it", "spa", "ru"});
+    QStringList files, helps;
+    for (int i = -1; i <= 8; ++i) {
+        if (i >= 0 && i < 8) EXPECT_EQ(langIndexForCode(codes.at(i)), i);
+        files.append(languageFileName(i));
+        helps.append(helpFileName(i));
+    }
+    for (const char* other : {"IT", "en", " it", "Sch"})
+        EXPECT_EQ(langIndexForCode(QString::fromUtf8(other)), 0);
+    EXPECT_EQ(files,
+              list({"English.lng", "English.lng", "SimplifiedChinese.lng", "TraditionalChinese.lng",
+                    "French.lng", "German.lng", "Italian.lng", "Spanish.lng", "Russian.lng", "English.lng"}));
+    EXPECT_EQ(helps, list({"Morvane.chm", "Morvane.chm", "MorvaneSim.chm", "MorvaneChi.chm", "Morvane.chm",
+                           "Morvane.chm", "MorvaneIta.chm", "Morvane.chm", "Morvane.chm", "Morvane.chm"}));
+}
+
+TEST(LanguageChoice, ReadsTheSettingWithUserOverSystemAndIgnoresNonStrings) {
+    test::TempDir user, system;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, user.path());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, system.path());
+    const QString conf = QStringLiteral("Morvane.conf");
+    EXPECT_EQ(readLanguageSetting(), QString());
+    system.write(conf, "[General]\nLanguage=ru\n");
+    EXPECT_EQ(readLanguageSetting(), QStringLiteral("ru"));
+    user.write(conf, "[General]\nLanguage=fra\n");
+    EXPECT_EQ(readLanguageSetting(), QStringLiteral("fra"));
+    user.write(conf, "[General]\nLanguage=it, sch\n");
+    EXPECT_EQ(readLanguageSetting(), QString());
+    user.write(conf, "[General]\nLanguage=@ByteArray(it)\n");
+    EXPECT_EQ(readLanguageSetting(), QString());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope,
+                       QLibraryInfo::path(QLibraryInfo::SettingsPath));
+}
+
+TEST(Localisation, LoadFailuresNameTheFileAndKeepTheTexts) {
+    test::TempDir dir;
+    Localisation loc;
+    loc.setTexts(parsed(languageFile(kExample)));
+    EXPECT_TRUE(loc.readLangFile(5, dir.path()).message().endsWith(QLatin1String("Italian.lng is missing.")));
+    EXPECT_EQ(loc.helpFile(), dir.file(QStringLiteral("MorvaneIta.chm")));
+    dir.write(QStringLiteral("English.lng"), QByteArray());
+    EXPECT_TRUE(loc.readLangFile(9, dir.path())
+                    .message()
+                    .endsWith(QLatin1String("English.lng is not usable: the file is empty.")));
+    dir.write(QStringLiteral("English.lng"), languageFile(b("0\0a\0b") + kGroup + "c" + kGroup + "d"));
+    const QString lacks = loc.readLangFile(0, dir.path()).message();
+    EXPECT_TRUE(lacks.contains(QLatin1String("lacks prompt string 3 (it holds 3"))) << lacks.toStdString();
+    EXPECT_EQ(loc.getMCrPromptStr(1), QStringLiteral("b"));
+}
+
+TEST(Localisation, LookupsBeyondTheEndThrowAClearError) {
+    Localisation loc;
+    loc.setTexts(parsed(languageFile(kExample)));
+    EXPECT_EQ(loc.getMCrPromptStr(1) + loc.getMCrErrStr(0) + loc.getMCrInterfaceStr(1),
+              QStringLiteral("bce"));
+    try {
+        (void)loc.getMCrInterfaceStr(2);
+        FAIL();
+    } catch (const std::out_of_range& e) {
+        EXPECT_STREQ(e.what(), "The language file has no interface string 2 (it holds 2).");
+    }
+    EXPECT_THROW((void)loc.getMCrPromptStr(-1), std::out_of_range);
+    EXPECT_THROW((void)loc.getMCrErrStr(1), std::out_of_range);
+}
