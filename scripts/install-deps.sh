@@ -12,6 +12,7 @@ packages=(
   xvfb xauth
   clang-14 libclang-rt-14-dev
   python3-mido imagemagick
+  libsmf-dev
 )
 
 missing=()
