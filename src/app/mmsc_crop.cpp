@@ -1,6 +1,8 @@
 #include "app/mmsc.h"
 
+#include "composer/localisation.h"
 #include "sound/midicrop.h"
+#include "store/appfolder.h"
 
 #include <QFileInfo>
 
@@ -13,6 +15,13 @@ QString secondsText(const QString& arg) {
     bool ok = false;
     number.toDouble(&ok);
     return ok ? number + QLatin1Char('s') : QString();
+}
+
+// Errors 18, 20 and 21 of the English language file beside the program, else the built-in texts.
+CropTexts cropTexts() {
+    Localisation language;
+    if (!language.readLangFile(0, programFolder())) return CropTexts::english();
+    return {language.getMCrErrStr(18), language.getMCrErrStr(20), language.getMCrErrStr(21)};
 }
 
 int crop(Context& context, const QStringList& args) {
@@ -30,7 +39,7 @@ int crop(Context& context, const QStringList& args) {
 
     StderrSink sink;
     MidiDecoder decoder(&sink);
-    if (!cropMidi(decoder, in, out, start, end, CropTexts::english(), sink)) {
+    if (!cropMidi(decoder, in, out, start, end, cropTexts(), sink)) {
         if (!decoder.midiDecoded())
             context.err << "mmsc: " << in << " is not a MIDI file that can be decoded" << Qt::endl;
         return 1;
