@@ -1,0 +1,111 @@
+#include "sound/fluidsynthdevice.h"
+
+#include "sound/fluidsynthengine.h"
+#include "sound/midiplayer.h"
+
+#include <QRegularExpression>
+#include <functional>
+
+namespace mms {
+
+namespace {
+
+// Result codes of sendString; callers only tell 0 from the rest.
+enum Result : int {
+    kOk = 0,
+    kUnknownCommand = 1,
+    kNoSound = 2,
+    kNotOpen = 3,
+    kAlreadyOpen = 4,
+    kCannotOpen = 5,
+};
+
+const QString kPlay = QStringLiteral("play music from 0 notify");
+const QString kStop = QStringLiteral("stop music");
+const QString kClose = QStringLiteral("close music");
+
+} // namespace
+
+struct FluidSynthDevice::Impl {
+    // The engine is made on first use, so a composer that never previews never opens the audio output.
+    std::function<std::unique_ptr<SynthEngine>()> makeEngine;
+    std::unique_ptr<ElapsedClock> clock;
+    std::unique_ptr<MidiPlayer> player;
+    bool isOpen = false;
+    bool notifyPending = false; // a "play ... notify" whose outcome is still to be reported
+};
+
+FluidSynthDevice::FluidSynthDevice(const QString& soundfont) : impl_(std::make_unique<Impl>()) {
+    impl_->makeEngine = [soundfont] { return std::make_unique<FluidSynthEngine>(soundfont); };
+    impl_->clock = std::make_unique<SteadyClock>();
+}
+
+FluidSynthDevice::FluidSynthDevice(std::unique_ptr<SynthEngine> engine, std::unique_ptr<ElapsedClock> clock)
+    : impl_(std::make_unique<Impl>()) {
+    auto shared = std::make_shared<std::unique_ptr<SynthEngine>>(std::move(engine));
+    impl_->makeEngine = [shared] { return std::move(*shared); };
+    impl_->clock = std::move(clock);
+}
+
+FluidSynthDevice::~FluidSynthDevice() = default; // the player stops its tune; no notification is sent
+
+int FluidSynthDevice::sendString(const QString& command) {
+    static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
+    const QRegularExpressionMatch open = openCommand.match(command);
+    if (!open.hasMatch() && command != kPlay && command != kStop && command != kClose) return kUnknownCommand;
+
+    Impl& d = *impl_;
+    if (!d.player) {
+        d.player = std::make_unique<MidiPlayer>(d.makeEngine(), std::move(d.clock));
+        // The player's timer runs on this thread, so the notification reaches the GUI thread.
+        QObject::connect(d.player.get(), &PlayerControl::finished, d.player.get(), [this] {
+            if (!impl_->notifyPending) return;
+            impl_->notifyPending = false;
+            notify(Notify::Successful);
+        });
+    }
+    if (const QString reason = d.player->unavailableReason(); !reason.isEmpty()) {
+        reportSilenceOnce(reason);
+        return kNoSound;
+    }
+
+    // A pending notification is answered before the command takes effect, as the old play ends here.
+    auto endPending = [this](Notify how) {
+        if (!impl_->notifyPending) return;
+        impl_->notifyPending = false;
+        notify(how);
+    };
+
+    if (open.hasMatch()) {
+        if (d.isOpen) return kAlreadyOpen;
+        if (!d.player->open(open.captured(1))) return kCannotOpen;
+        if (!d.player->isAudible()) {
+            d.player->close(); // a tune that cannot be heard is not played on the clock here
+            return kNoSound;
+        }
+        d.isOpen = true;
+        return kOk;
+    }
+    if (!d.isOpen) return kNotOpen;
+    if (command == kPlay) {
+        endPending(Notify::Superseded);
+        d.player->setFrom(0);
+        if (!d.player->play() || !d.player->isAudible()) {
+            d.player->stop();
+            return kNoSound;
+        }
+        d.notifyPending = true;
+        return kOk;
+    }
+    if (command == kStop) {
+        d.player->stop();
+        endPending(Notify::Aborted);
+        return kOk;
+    }
+    d.player->close();
+    d.isOpen = false;
+    endPending(Notify::Aborted);
+    return kOk;
+}
+
+} // namespace mms
