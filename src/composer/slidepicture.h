@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+namespace mms {
+
+// Pictures of the composer: the strip thumbnails and the phone-screen preview. GUI-free (QImage).
+
+inline constexpr QSize kStripThumbnailSize{70, 70};
+inline constexpr QSize kPhonePictureSize{160, 110}; // the image region of the phone screen
+
+// The thumbnail of a slide without a picture: an empty page.
+QImage blankThumbnail();
+// `picture` fitted into `size`, aspect ratio kept, centred on a neutral background.
+QImage fittedThumbnail(const QImage& picture, QSize size = kStripThumbnailSize);
+// `picture` scaled down to fit the phone's image region (never enlarged), aspect ratio kept.
+QImage fitToPhoneScreen(const QImage& picture);
+
+// Whether `path` names a video clip rather than a picture (".3gp", exact case).
+bool isVideoClipPath(const QString& path);
+// Loads a picture file (GIF, JPEG, BMP, PNG); a null image when it cannot be read.
+QImage loadPicture(const QString& path);
+
+} // namespace mms

@@ -1,0 +1,67 @@
+// The sound preview: the play/stop toggle, its state switch and the end-of-playback notification.
+// Playing means the device alias "music" is open and playing and the button shows "stop".
+
+#include "composer/localisation.h"
+#include "composer/widgets/frmmmsmain.h"
+
+#include <QLabel>
+#include <QToolButton>
+
+namespace mms {
+
+namespace {
+const QString kStop = QStringLiteral("stop music");
+const QString kClose = QStringLiteral("close music");
+} // namespace
+
+int frmMMSMain::sendPreviewCommand(const QString& command) {
+    return platform_.device.sendString(command);
+}
+
+void frmMMSMain::soundPlayCmd_Click() {
+    if (!lblSoundName->text().toLower().endsWith(QLatin1String(".mid"))) {
+        platform_.dialogs.inform(loc_.getMCrErrStr(7));
+        return;
+    }
+    if (isPlaying_) {
+        switchMCICtrl();
+        return;
+    }
+    currentSlide_ = selectedSlide();
+    const NodePtr node = slides_.nodeAt(currentSlide_);
+    if (!node) return;
+    // The device's answers are not examined: a tune that cannot be opened still shows "stop", and
+    // the next click returns to "play".
+    sendPreviewCommand(QStringLiteral("open \"%1\" Alias music").arg(node->DataSoundPath));
+    sendPreviewCommand(QStringLiteral("play music from 0 notify"));
+    switchMCICtrl();
+}
+
+void frmMMSMain::switchMCICtrl() {
+    if (!isPlaying_) {
+        soundPlayCmd->setIcon(stopIcon_);
+        soundPlayCmd->setToolTip(loc_.getMCrInterfaceStr(27));
+        isPlaying_ = true;
+    } else {
+        soundPlayCmd->setIcon(playIcon_);
+        sendPreviewCommand(kStop);
+        sendPreviewCommand(kClose);
+        soundPlayCmd->setToolTip(loc_.getMCrInterfaceStr(28));
+        isPlaying_ = false;
+    }
+}
+
+void frmMMSMain::stopSoundPreview() {
+    if (!isPlaying_) return;
+    sendPreviewCommand(kStop);
+    sendPreviewCommand(kClose);
+    switchMCICtrl();
+}
+
+void frmMMSMain::onPreviewNotify(MultimediaDevice::Notify result) {
+    // Only a tune that played to its end flips the button. Aborted and failed playbacks (a stop
+    // sends one) change nothing, and neither does a late end report once the preview was stopped.
+    if (result == MultimediaDevice::Notify::Successful && isPlaying_) switchMCICtrl();
+}
+
+} // namespace mms

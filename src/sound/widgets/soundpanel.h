@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+class QComboBox;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QToolButton;
+
+namespace mms {
+
+class ComposerHost;
+
+// The sound tab of the composer: the sound files of one library folder, filtered by type, the
+// command that attaches the chosen sound to the current slide and the one that opens a MIDI file
+// in the crop window. Everything it changes in the message goes through the ComposerHost.
+class SoundPanel final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(SoundPanel)
+
+public:
+    explicit SoundPanel(ComposerHost& host, QWidget* parent = nullptr);
+
+    // Captions and tooltips from the language.
+    void applyLanguage();
+
+    // Start-up, in the composer's order: the library folder shown, then the type list filled; the
+    // file list gets a pattern and the folder, and entry 0 is chosen, which applies its pattern.
+    void setLibraryFolder(const QString& folder);
+    void fillTypeCombo();
+
+    // The file list fileBoxSound: a folder, a pattern ("*.amr;*.mid") and the matching names,
+    // sorted without regard to case. Setting a folder that is not a readable folder fails and
+    // leaves the list empty.
+    bool setFileListFolder(const QString& folder);
+    void setFileListPattern(const QString& pattern);
+    QString fileListFolder() const { return fileFolder_; }
+    QString fileListPattern() const { return filePattern_; }
+    // The selected file name (no folder), empty when nothing is selected.
+    QString selectedFileName() const;
+
+    void soundDirPath_Change();
+    void refresh2Cmd_Click();
+    void SoundChgDirBrowse_Click();
+    void soundTypeCombo_Click();
+    void fileBoxSound_Click();
+    void chgSoundCmd_Click();
+    void cropCmd_Click();
+
+    QLineEdit* soundDirPath = nullptr;
+    QToolButton* SoundChgDirBrowse = nullptr;
+    QPushButton* refresh2Cmd = nullptr;
+    QComboBox* soundTypeCombo = nullptr;
+    QListWidget* fileBoxSound = nullptr;
+    QPushButton* chgSoundCmd = nullptr;
+    QPushButton* cropCmd = nullptr;
+
+private:
+    bool refreshFileList();
+
+    ComposerHost& host_;
+    QString fileFolder_;
+    QString filePattern_;
+};
+
+} // namespace mms

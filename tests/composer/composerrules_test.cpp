@@ -1,0 +1,156 @@
+#include "composer/composertext.h"
+#include "composer/slidestripmodel.h"
+#include "composer/workspacefolders.h"
+#include "store/workspace.h"
+#include "support/qtprint.h"
+#include "support/tempdir.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace mms;
+
+namespace {
+
+TEST(ComposerText, RemoveTxtOccurrenceResumesBeyondEachCut) {
+    const struct {
+        const char* text;
+        const char* find;
+        const char* expected;
+    } cases[] = {
+        {"3s", "s", "3"},
+        {"ss", "s", "s"},
+        {"sss", "s", "s"},
+        {"5s5s", "s", "55"},
+        {"abcabc", "bc", "aabc"} /* the second "bc" now starts inside the skipped stretch */,
+        {"", "s", ""},
+        {"3s", "", "3s"},
+        {"sSs", "s", "S"},
+        {"aaaa", "aa", "aa"}, // the cut leaves "aa"; the search resumes beyond it
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(removeTxtOccurrence(QLatin1String(c.text), QLatin1String(c.find)),
+                  QLatin1String(c.expected))
+            << c.text << " - " << c.find;
+    }
+}
+
+TEST(ComposerText, DurationsAreWholeSecondsThatFitSixteenBits) {
+    EXPECT_EQ(stripLabel(12, QStringLiteral("3")), QStringLiteral("12.             3s"));
+    for (const char* numeric : {"0", "5", " 42 ", "32767", "40000", "000012"})
+        EXPECT_TRUE(isDurationNumeric(QLatin1String(numeric))) << numeric;
+    for (const char* other : {"", " ", "3s", "1.5", "-3", "+3", "1e3", "3 4", "x"})
+        EXPECT_FALSE(isDurationNumeric(QLatin1String(other))) << other;
+    EXPECT_EQ(durationSeconds(QStringLiteral("32767")), std::optional<qint16>(32767));
+    EXPECT_EQ(durationSeconds(QStringLiteral(" 7")), std::optional<qint16>(7));
+    EXPECT_EQ(durationSeconds(QStringLiteral("32768")), std::nullopt);
+    EXPECT_EQ(durationSeconds(QStringLiteral("99999999999999999999999")), std::nullopt);
+}
+
+TEST(ComposerText, SoundLabelAndMoveRule) {
+    EXPECT_EQ(soundLabelText(QStringLiteral("/a/UserData/MMS/temp/sound3.mid"), 3, QStringLiteral("trip")),
+              QStringLiteral("trip-sound3.mid"));
+    EXPECT_EQ(soundLabelText(QStringLiteral("/a/UserData/MMS/temp/sound13.mid"), 3, QStringLiteral("trip")),
+              QStringLiteral("sound13.mid"));
+    EXPECT_EQ(soundLabelText(QStringLiteral("C:\\lib\\bell.amr"), 1, QStringLiteral("trip")),
+              QStringLiteral("bell.amr"));
+    EXPECT_EQ(soundLabelText(QString(), 1, QStringLiteral("trip")), QString());
+
+    const auto rule = [](int position, int count) {
+        const MoveCommands m = moveCommandsFor(position, count);
+        return std::pair(m.towardsFront, m.towardsBack);
+    };
+    EXPECT_EQ(rule(1, 0), std::pair(false, false));
+    EXPECT_EQ(rule(1, 1), std::pair(false, false));
+    EXPECT_EQ(rule(1, 3), std::pair(false, true));
+    EXPECT_EQ(rule(3, 3), std::pair(true, false));
+    EXPECT_EQ(rule(2, 3), std::pair(true, true));
+}
+
+TEST(WorkspaceFolders, FirstStartMakesAllSevenParentsFirstAndLaterStartsTouchNothing) {
+    test::TempDir home;
+    QStringList created;
+    ASSERT_TRUE(createWorkspaceFolders(home.path(), &created).isOk());
+    EXPECT_EQ(created, workspace::folders(home.path()));
+
+    home.write(QStringLiteral("UserData/Picture/cat.gif"), "GIF89a");
+    created.clear();
+    ASSERT_TRUE(createWorkspaceFolders(home.path(), &created).isOk());
+    EXPECT_TRUE(created.isEmpty());
+    EXPECT_EQ(test::TempDir::read(home.file(QStringLiteral("UserData/Picture/cat.gif"))),
+              QByteArray("GIF89a"));
+}
+
+TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyButNeverFollowsLinksOut) {
+    test::TempDir home, outside;
+    ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
+    const QString precious = outside.write(QStringLiteral("precious.txt"), "keep");
+    ASSERT_TRUE(QFile::link(outside.path(), home.file(QStringLiteral("Temp/tmpJPG/link"))));
+    home.write(QStringLiteral("UserData/MMS/temp/pic1.jpg"), "x");
+    home.write(QStringLiteral("UserData/MMS/temp.mmt"), "\"\"\n");
+
+    ASSERT_TRUE(cleanUpWorkspace(home.path()).isOk());
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Temp"))));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("UserData/MMS/temp"))));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("UserData/MMS/temp.mmt"))));
+    EXPECT_TRUE(QFileInfo(home.file(QStringLiteral("UserData/MMS"))).isDir());
+    EXPECT_EQ(test::TempDir::read(precious), QByteArray("keep"));
+}
+
+TEST(WorkspaceFolders, CleanUpStopsAtTheFirstStepThatFails) {
+    test::TempDir home;
+    ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
+    home.write(QStringLiteral("Temp/tmpJPG/a.jpg"), "x");
+    ASSERT_TRUE(QDir(home.file(QStringLiteral("Temp/tmpMID"))).removeRecursively());
+    home.write(QStringLiteral("Temp/tmpMID"), "a file, not the folder");
+
+    const Status s = cleanUpWorkspace(home.path());
+    ASSERT_FALSE(s.isOk());
+    EXPECT_TRUE(s.message().contains(QStringLiteral("tmpMID"))) << s.message().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpJPG"))));
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpMID"))));
+}
+
+TEST(SlideStripModel, ChangesReportOnlyTheRowsWhoseLabelsChanged) {
+    SlideStripModel model;
+    QImage a(1, 1, QImage::Format_RGB32), b = a, c = a;
+    a.fill(Qt::red);
+    b.fill(Qt::green);
+    c.fill(Qt::blue);
+    model.appendSlide(a, SlideDur::fromText(QStringLiteral("3")));
+    model.appendSlide(b, SlideDur::fromNumber(5));
+    model.appendSlide(c, SlideDur::fromNumber(7));
+
+    std::vector<std::pair<int, int>> changed; // first and last row of each dataChanged
+    QObject::connect(&model, &SlideStripModel::dataChanged, &model,
+                     [&](const QModelIndex& first, const QModelIndex& last) {
+                         changed.emplace_back(first.row(), last.row());
+                     });
+    model.moveSlide(3, 1);
+    EXPECT_EQ(model.thumbnail(1), c);
+    EXPECT_EQ(model.label(1), QStringLiteral("1.             7s"));
+    EXPECT_EQ(model.label(3), QStringLiteral("3.             5s"));
+    EXPECT_EQ(changed, (std::vector<std::pair<int, int>>{{0, 2}}));
+
+    changed.clear();
+    model.removeSlide(1);
+    EXPECT_EQ(model.data(model.index(0), Qt::DisplayRole).toString(), QStringLiteral("1.             3s"));
+    EXPECT_EQ(model.data(model.index(1), Qt::DecorationRole).value<QImage>(), b);
+    model.moveSlide(1, 2);
+    EXPECT_EQ(model.thumbnail(2), a);
+
+    // Rebuilding from a list whose durations are those shown reports nothing.
+    CSlide list;
+    list.InsertAtBack(SlideDur::fromNumber(5), {}, {}, {});
+    list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
+    changed.clear();
+    model.refreshLabels(list);
+    EXPECT_TRUE(changed.empty());
+    list.lastItem()->DataSlideDur = SlideDur::fromNumber(9);
+    model.refreshLabels(list);
+    EXPECT_EQ(changed, (std::vector<std::pair<int, int>>{{1, 1}}));
+    EXPECT_EQ(model.label(2), QStringLiteral("2.             9s"));
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+#include "composerfixture.h"
+
+#include <QLabel>
+#include <QThread>
+
+using namespace mms;
+using namespace mms::test;
+
+namespace {
+
+const QStringList kStopClose = {QStringLiteral("stop music"), QStringLiteral("close music")};
+
+class PreviewTest : public ComposerTest {
+protected:
+    // Two slides; the first has a MIDI sound and is shown.
+    void SetUp() override {
+        ComposerTest::SetUp();
+        addSlides(QStringLiteral("AB"));
+        pick(1);
+        tune = home.write(QStringLiteral("UserData/Sound/Tune.MID"), "MThd");
+        w->updateCurrentSlide(QStringLiteral("soundPath"), tune);
+        w->lstSlide_ItemClick();
+        fake.device.sent.clear();
+    }
+    void expectStopped() {
+        EXPECT_FALSE(w->isPlaying());
+        EXPECT_EQ(w->soundPlayCmd->toolTip(), QStringLiteral("I28"));
+    }
+    QString tune;
+};
+
+TEST_F(PreviewTest, PlayThenStopSendsTheFourCommands) {
+    w->soundPlayCmd->click();
+    EXPECT_TRUE(w->isPlaying());
+    EXPECT_EQ(w->soundPlayCmd->toolTip(), QStringLiteral("I27"));
+    EXPECT_EQ(fake.device.sent, (QStringList{QStringLiteral("open \"%1\" Alias music").arg(tune),
+                                             QStringLiteral("play music from 0 notify")}));
+    fake.device.sent.clear();
+
+    w->soundPlayCmd->click();
+    expectStopped();
+    EXPECT_EQ(fake.device.sent, kStopClose);
+    // The stop makes the device report an aborted playback, which changes nothing.
+    fake.device.emitNotify(MultimediaDevice::Notify::Aborted);
+    expectStopped();
+    EXPECT_EQ(fake.device.sent, kStopClose);
+    EXPECT_TRUE(fake.dialogs.shown.empty());
+}
+
+TEST_F(PreviewTest, ATuneThatEndsReturnsTheButtonToPlay) {
+    w->soundPlayCmd->click();
+    fake.device.sent.clear();
+    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
+    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
+    EXPECT_TRUE(w->isPlaying());
+    EXPECT_TRUE(fake.device.sent.isEmpty());
+
+    fake.device.emitNotify(MultimediaDevice::Notify::Successful);
+    expectStopped();
+    EXPECT_EQ(fake.device.sent, kStopClose);
+    // A late end report for a preview already stopped changes nothing.
+    fake.device.emitNotify(MultimediaDevice::Notify::Successful);
+    expectStopped();
+}
+
+TEST_F(PreviewTest, TheEndReportFromThePlayerThreadIsHandledOnTheWindowThread) {
+    w->soundPlayCmd->click();
+    QThread* player =
+        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); });
+    player->start();
+    player->wait();
+    delete player;
+    EXPECT_TRUE(w->isPlaying()); // not yet: the report waits for the window's event loop
+    QCoreApplication::processEvents();
+    expectStopped();
+}
+
+TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreview) {
+    w->soundPlayCmd->click();
+    fake.device.sent.clear();
+    pick(2);
+    expectStopped();
+    EXPECT_EQ(fake.device.sent, kStopClose + kStopClose);
+    EXPECT_FALSE(w->soundPlayCmd->isEnabled());
+}
+
+TEST_F(PreviewTest, AnAmrSoundIsNeverPlayed) {
+    const QString amr = home.write(QStringLiteral("UserData/Sound/voice.amr"), "#!AMR\n");
+    w->updateCurrentSlide(QStringLiteral("soundPath"), amr);
+    w->lstSlide_ItemClick();
+    fake.device.sent.clear();
+    w->soundPlayCmd->click();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E7")});
+    EXPECT_TRUE(fake.device.sent.isEmpty());
+    expectStopped();
+}
+
+TEST_F(PreviewTest, AFailedOpenStillTogglesAndTheNextClickStops) {
+    fake.device.result = 263; // the device cannot open the file
+    w->soundPlayCmd->click();
+    EXPECT_TRUE(w->isPlaying());
+    w->soundPlayCmd->click();
+    expectStopped();
+}
+
+TEST_F(PreviewTest, ClosingTheWindowStopsThePreviewAndUnhooksTheDevice) {
+    w->soundPlayCmd->click();
+    fake.device.sent.clear();
+    fake.dialogs.answers = {Answer::No}; // the message was changed: do not save
+    ASSERT_TRUE(w->close());
+    EXPECT_EQ(fake.device.sent.mid(0, 2), kStopClose);
+    w.reset();
+    fake.device.emitNotify(MultimediaDevice::Notify::Successful); // nobody listens any more
+}
+
+} // namespace
