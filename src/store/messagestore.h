@@ -43,6 +43,9 @@ struct LoadedMessage {
 // A message name is one plain file name: not empty, not "." or "..", without '/', '\' or control
 // characters, and not "temp" (the working copy).
 bool isValidMessageName(const QString& name);
+// A name a message may be saved under: a valid name that does not start with "." (names starting with
+// "." are hidden and kept for the store's own staging while it saves, opens and deletes).
+bool isStorableMessageName(const QString& name);
 
 // The message store below the application folder A.
 class MessageStore {
@@ -52,22 +55,33 @@ public:
 
     // Stored messages by name (never the working copy), sorted by name.
     std::vector<StoredMessageInfo> list() const;
-    // A file or folder of that name exists in UserData/MMS.
+    // A file or folder of that name, or its index, exists in UserData/MMS (always false for an invalid
+    // name). An index whose folder went missing still counts, so that it can be opened or deleted.
     bool exists(const QString& name) const;
+    // The index file name + ".mmt" exists (always false for an invalid name).
+    bool hasIndex(const QString& name) const;
 
     // Stores `slides` under `name`, replacing any stored message of that name whole. The new package
     // is written beside the old one and swapped in only when complete: on failure the stored copy is
     // untouched and the message names what failed.
     Status save(const CSlide& slides, const QString& name, const QString& subject) const;
-    // Removes the stored message's folder and index.
+    // Removes the stored message's folder and index. A folder whose entries cannot be removed is
+    // reported before anything is deleted.
     Status remove(const QString& name) const;
 
     // Copies the stored message into the working copy UserData/MMS/temp (+ temp.mmt), replacing any
-    // earlier working copy.
+    // earlier working copy. The copy is made beside it first: on failure the earlier working copy is
+    // left as it was.
     Status copyToWorkingCopy(const QString& name) const;
-    // Removes the working copy when temp.mmt exists.
+    // Copies the files of the stored message's folder into `folder`, which must not exist yet (a
+    // private working copy, for tools that must leave the composer's one alone).
+    Status copyPackage(const QString& name, const QString& folder) const;
+    // Removes the working copy (folder UserData/MMS/temp and temp.mmt, whichever exists).
     Status removeWorkingCopy() const;
     // Reads the index of `name` and resolves every part against `folder` (normally the working copy).
+    // A flagged part whose file is missing is left empty and listed in missingFiles; a 3GP clip
+    // ("vdo" + N + ".3gp") comes back as the picture. An index that cannot be read or is malformed
+    // fails with a message naming the file and line, and `out` is left as it was.
     Status load(const QString& name, const QString& folder, LoadedMessage& out) const;
 
 private:

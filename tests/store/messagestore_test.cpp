@@ -1,0 +1,203 @@
+#include "store/messageindex.h"
+#include "store/storefixture.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace mms;
+using namespace Qt::StringLiterals;
+using mms::test::TempDir;
+
+namespace {
+
+const SlideDur kThree = SlideDur::fromText(u"3"_s);
+
+class MessageStoreTest : public mms::test::StoreFixture {
+protected:
+    // Picture + text, sound only, picture + sound.
+    void fill(CSlide& slides) {
+        slides.InsertAtBack(kThree, media(u"a.gif"_s, "GIF-1"), u"Hi"_s, {});
+        slides.InsertAtBack(SlideDur::fromNumber(5), {}, {}, media(u"b.mid"_s, "MThd-2"));
+        slides.InsertAtBack(kThree, media(u"c.jpg"_s, "JPG-3"), {}, media(u"d.amr"_s, "AMR-4"));
+    }
+    QStringList hiddenLeftovers() const {
+        return QDir(messages())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
+            .filter(QRegularExpression(u"^\\."_s));
+    }
+    void readOnly(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x5555)); }
+    void writable(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x7777)); }
+};
+
+TEST_F(MessageStoreTest, SaveReplacesTheStoredMessageWholeAndLeavesOthersAlone) {
+    CSlide slides;
+    fill(slides);
+    ASSERT_TRUE(store.save(slides, u"trip"_s, u"Summer"_s).isOk());
+    ASSERT_TRUE(store.save(slides, u"other"_s, u"Other"_s).isOk());
+    const auto before = snapshot();
+
+    // Slides pointing into the stored folder itself, reordered: the old files are read before the swap.
+    CSlide reopened;
+    reopened.InsertAtBack(kThree, folder(u"trip"_s) + u"/pic3.jpg"_s, {}, {});
+    reopened.InsertAtBack(kThree, folder(u"trip"_s) + u"/pic1.gif"_s, u"only"_s, {});
+    ASSERT_TRUE(store.save(reopened, u"trip"_s, u"Winter"_s).isOk());
+    auto after = snapshot();
+    EXPECT_EQ(after.keys().filter(u"trip"_s),
+              QStringList({u"trip.mmt"_s, u"trip/main.smil"_s, u"trip/pic1.jpg"_s, u"trip/pic2.gif"_s,
+                           u"trip/text2.txt"_s, u"trip/texts.xml"_s}));
+    EXPECT_EQ(after[u"trip/pic1.jpg"_s], "JPG-3");
+    EXPECT_EQ(after[u"trip.mmt"_s], "Winter\r\n\"3\",\"I\",\"N\",\"N\"\r\n\"3\",\"I\",\"T\",\"N\"\r\n");
+    for (const QString& key : before.keys().filter(u"other"_s))
+        EXPECT_EQ(after[key], before[key]);
+    EXPECT_TRUE(hiddenLeftovers().isEmpty());
+}
+
+TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
+    CSlide slides;
+    fill(slides);
+    ASSERT_TRUE(store.save(slides, u"trip"_s, u"S"_s).isOk());
+    const auto before = snapshot();
+
+    ASSERT_TRUE(QFile::remove(tmp.file(u"media/d.amr"_s))); // removed after it was attached
+    const Status s = store.save(slides, u"trip"_s, u"new"_s);
+    EXPECT_TRUE(!s.isOk() && s.message().contains(u"d.amr"_s)) << s.message().toStdString();
+    EXPECT_EQ(snapshot(), before);
+    media(u"d.amr"_s, "AMR-4");
+
+    readOnly(messages());
+    const auto save = [&] { return store.save(slides, u"trip"_s, u"new"_s).message(); };
+    auto failure = mms::test::runUnprivileged(save);
+    if (!failure) GTEST_SKIP() << "cannot drop privileges";
+    EXPECT_FALSE(failure->isEmpty());
+    writable(messages());
+    readOnly(folder(u"trip"_s));
+    failure = mms::test::runUnprivileged(save);
+    EXPECT_TRUE(failure && failure->contains(u"read-only"_s));
+    EXPECT_EQ(snapshot(), before);
+    EXPECT_TRUE(hiddenLeftovers().isEmpty());
+}
+
+TEST_F(MessageStoreTest, RemoveAndHostileNames) {
+    CSlide slides;
+    fill(slides);
+    ASSERT_TRUE(store.save(slides, u"a"_s, {}).isOk());
+    ASSERT_TRUE(store.save(slides, u"b"_s, {}).isOk());
+    const QString outside = tmp.write(u"UserData/keep.mmt"_s, "keep");
+    const auto before = snapshot();
+    for (const QString& name : {QString(), u"."_s, u".."_s, u"../keep"_s, u"a\\b"_s, u"temp"_s, u"TEMP"_s,
+                                u".hidden"_s, u"bell\a"_s}) {
+        LoadedMessage out;
+        EXPECT_FALSE(store.save(slides, name, {}).isOk() || store.exists(name) || store.remove(name).isOk() ||
+                     store.load(name, messages(), out).isOk())
+            << name.toStdString();
+    }
+    EXPECT_FALSE(store.remove(u"nothing"_s).isOk());
+    EXPECT_EQ(snapshot(), before);
+    EXPECT_TRUE(QFileInfo::exists(outside));
+
+    // A link named like a message loses only itself, never what it points to.
+    ASSERT_TRUE(QFile::link(QFileInfo(outside).absolutePath(), folder(u"link"_s)));
+    EXPECT_TRUE(store.remove(u"link"_s).isOk());
+    EXPECT_TRUE(QFileInfo::exists(outside));
+
+    writable(messages());
+    readOnly(folder(u"a"_s));
+    const auto failure = mms::test::runUnprivileged([&] { return store.remove(u"a"_s).message(); });
+    if (!failure) GTEST_SKIP() << "cannot drop privileges";
+    EXPECT_TRUE(failure->contains(u"read-only"_s)) << failure->toStdString();
+    EXPECT_TRUE(store.remove(u"b"_s).isOk());
+    auto expected = before;
+    for (const QString& key : before.keys().filter(QRegularExpression(u"^b[/.]"_s)))
+        expected.remove(key);
+    EXPECT_EQ(snapshot(), expected);
+}
+
+TEST_F(MessageStoreTest, LoadFollowsTheIndexAndTreatsMissingFilesAsAbsent) {
+    tmp.write(u"UserData/MMS/m.mmt"_s, "  Subject line\r\n\"3\",\"I\",\"T\",\"S\"\r\n5,\"N\",\"N\",\"N\"\n"
+                                       "\"7\",\"I\",\"T\",\"S\"\r\n" +
+                                           QByteArray(" 2 ,\"N\",\"N\",\"N\"\r\n").repeated(6) +
+                                           "4,\"I\",\"N\",\"N\"\r\n\r\n");
+    const QString w = tmp.file(u"work"_s);
+    for (const char* name : {"sound1.amr", "vdo3.3gp", "sound3.mid", "pic10.jpg"})
+        tmp.write(u"work/"_s + QLatin1String(name), name);
+    tmp.write(u"work/text1.txt"_s, "caf\xc3\xa9\r\nx");
+    LoadedMessage out;
+    ASSERT_TRUE(store.load(u"m"_s, w, out).isOk());
+    EXPECT_EQ(out.subject, u"Subject line"_s);
+    ASSERT_EQ(out.slides.size(), 10u);
+    EXPECT_EQ(out.slides[0].duration, kThree);
+    EXPECT_EQ(out.slides[0].text, u"café\r\nx"_s);
+    EXPECT_EQ(out.slides[0].soundPath, w + u"/sound1.amr"_s);
+    EXPECT_EQ(out.slides[1].duration, SlideDur::fromNumber(5));
+    EXPECT_EQ(out.slides[2].picturePath, w + u"/vdo3.3gp"_s);
+    EXPECT_EQ(out.slides[3].duration, SlideDur::fromNumber(2));
+    EXPECT_EQ(out.slides[9].picturePath, w + u"/pic10.jpg"_s);
+    // Slide 1's picture and slide 3's text are missing: absent, and never slide 10's picture.
+    EXPECT_TRUE(out.slides[0].picturePath.isEmpty() && out.slides[2].text.isEmpty());
+    EXPECT_EQ(out.missingFiles, QStringList({u"pic1.*"_s, u"text3.txt"_s}));
+
+    tmp.write(u"UserData/MMS/empty.mmt"_s, "Nothing\r\n");
+    ASSERT_TRUE(store.load(u"empty"_s, w, out).isOk());
+    EXPECT_TRUE(out.subject == u"Nothing"_s && out.slides.empty() && out.missingFiles.isEmpty());
+}
+
+TEST_F(MessageStoreTest, AMalformedOrUnreadableIndexChangesNothing) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"S\r\n\"3\",\"I\",\"N\"\r\n", "line 2"},
+        {"S\r\n\"3\",\"N\",\"N\",\"N\"\r\nx,\"N\",\"N\",\"N\"", "line 3"},
+        {"S\r\n40000,\"N\",\"N\",\"N\"\r\n", "40000"},
+        {"", "empty"}};
+    LoadedMessage out;
+    out.subject = u"kept"_s;
+    for (const auto& [bytes, detail] : cases) {
+        tmp.write(u"UserData/MMS/bad.mmt"_s, bytes);
+        const Status s = store.load(u"bad"_s, messages(), out);
+        EXPECT_TRUE(!s.isOk() && s.message().contains(QLatin1String(detail))) << s.message().toStdString();
+    }
+    EXPECT_FALSE(store.load(u"absent"_s, messages(), out).isOk());
+    EXPECT_EQ(out.subject, u"kept"_s);
+
+    QList<bool> quoted;
+    EXPECT_EQ(splitIndexFields(u"  \"a, b\" junk, c ,\"open"_s, &quoted),
+              QStringList({u"a, b"_s, u"c "_s, u"open"_s}));
+    EXPECT_EQ(quoted, QList<bool>({true, false, true}));
+}
+
+TEST_F(MessageStoreTest, RoundTripThroughTheWorkingCopyKeepsEverySlide) {
+    CSlide slides;
+    fill(slides);
+    slides.InsertAtBack(SlideDur::fromNumber(12), media(u"e.GIF"_s, "GIF-5"), u"Привет \\ \t end"_s, {});
+    slides.InsertAtBack(kThree, media(u"f.3gp"_s, QByteArray(70000, 'v')), {}, {});
+    slides.InsertAtBack(kThree, {}, {}, {});
+    ASSERT_TRUE(store.save(slides, u"trip"_s, u"Grüße"_s).isOk());
+
+    // An earlier working copy with a stray file is replaced whole, and only by a complete copy.
+    tmp.write(u"UserData/MMS/temp/pic2.bmp"_s, "stale");
+    tmp.write(u"UserData/MMS/temp.mmt"_s, "old\r\n");
+    EXPECT_FALSE(store.copyToWorkingCopy(u"absent"_s).isOk());
+    EXPECT_TRUE(QFileInfo::exists(messages() + u"/temp/pic2.bmp"_s));
+    ASSERT_TRUE(store.copyToWorkingCopy(u"trip"_s).isOk());
+    EXPECT_FALSE(QFileInfo::exists(messages() + u"/temp/pic2.bmp"_s));
+    EXPECT_EQ(store.list().size(), 1u);
+
+    LoadedMessage out;
+    const QString work = workspace::workingCopy(tmp.path());
+    ASSERT_TRUE(store.load(u"trip"_s, work, out).isOk());
+    EXPECT_EQ(out.subject, u"Grüße"_s);
+    ASSERT_EQ(out.slides.size(), 6u);
+    const auto bytes = [](const QString& path) {
+        return path.isEmpty() ? QByteArray("-") : TempDir::read(path);
+    };
+    int n = 0;
+    for (auto node = slides.firstItem(); node; node = node->NextNode, ++n) {
+        const LoadedSlide& back = out.slides[n];
+        EXPECT_TRUE(back.duration == node->DataSlideDur && back.text == node->DataText) << n;
+        EXPECT_EQ(bytes(back.picturePath), bytes(node->DataImgPath)) << n;
+        EXPECT_EQ(bytes(back.soundPath), bytes(node->DataSoundPath)) << n;
+        EXPECT_TRUE(back.picturePath.isEmpty() || back.picturePath.startsWith(work));
+    }
+    ASSERT_TRUE(store.removeWorkingCopy().isOk());
+    EXPECT_FALSE(QFileInfo::exists(work) || QFileInfo::exists(workspace::workingCopyIndex(tmp.path())));
+}
+
+} // namespace
