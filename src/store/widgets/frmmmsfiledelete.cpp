@@ -1,0 +1,13 @@
+#include "store/widgets/frmmmsfiledelete.h"
+
+#include <QPushButton>
+
+namespace mms {
+
+frmMMSFileDelete::frmMMSFileDelete(QWidget* parent, const Localisation& texts, MessageSink& sink,
+                                   const MessageStore& store, MessageState& state)
+    : MessageNameDialog(parent, texts, sink, store, state, {37, 43}, false), cmdDelete(actionButton()) {
+    connect(cmdDelete, &QPushButton::clicked, this, &frmMMSFileDelete::cmdDelete_Click);
+}
+
+} // namespace mms

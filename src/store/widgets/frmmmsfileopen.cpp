@@ -1,0 +1,13 @@
+#include "store/widgets/frmmmsfileopen.h"
+
+#include <QPushButton>
+
+namespace mms {
+
+frmMMSFileOpen::frmMMSFileOpen(QWidget* parent, const Localisation& texts, MessageSink& sink,
+                               const MessageStore& store, MessageState& state)
+    : MessageNameDialog(parent, texts, sink, store, state, {38, 42}, true), cmdOpen(actionButton()) {
+    connect(cmdOpen, &QPushButton::clicked, this, &frmMMSFileOpen::cmdOpen_Click);
+}
+
+} // namespace mms

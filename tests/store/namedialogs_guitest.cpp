@@ -1,0 +1,150 @@
+#include "composer/localisation.h"
+#include "store/storefixture.h"
+#include "store/widgets/frmmmsfiledelete.h"
+#include "store/widgets/frmmmsfileopen.h"
+#include "store/widgets/frmmmsfilesave.h"
+#include "support/recordingsink.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+
+using namespace mms;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class NameDialogsTest : public mms::test::StoreFixture {
+protected:
+    void SetUp() override {
+        // Every text is its group letter and number, so a test sees which entry was used.
+        LanguageTexts numbered;
+        for (int i = 0; i < 80; ++i) {
+            numbered.prompts << u"P%1"_s.arg(i);
+            numbered.errors << u"E%1"_s.arg(i);
+            numbered.interface << u"I%1"_s.arg(i);
+        }
+        texts.setTexts(numbered);
+        CSlide none;
+        for (const QString& name : {u"zeta"_s, u"Alpha"_s, u"current"_s})
+            ASSERT_TRUE(store.save(none, name, {}).isOk());
+        ASSERT_TRUE(store.copyToWorkingCopy(u"zeta"_s).isOk());
+        state.currentFile = u"current"_s;
+        state.isCancel = true;
+    }
+    static void type(QWidget* target, const QString& keys) {
+        for (QChar c : keys) {
+            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+            QApplication::sendEvent(target, &press);
+        }
+    }
+    static QString captions(const MessageNameDialog& d, const QPushButton* action) {
+        return QStringList{d.windowTitle(),
+                           action->text(),
+                           d.cmdCancel->text(),
+                           d.Label1->text(),
+                           d.lstFile->headerItem()->text(0),
+                           d.lstFile->headerItem()->text(1)}
+            .join(u' ');
+    }
+    Localisation texts;
+    mms::test::RecordingSink sink;
+    MessageState state;
+};
+
+TEST_F(NameDialogsTest, SaveDialogListsMessagesAndAsksBeforeReplacing) {
+    frmMMSFileSave dialog(nullptr, texts, sink, store, state);
+    EXPECT_FALSE(state.isCancel);
+    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowCloseButtonHint);
+    EXPECT_EQ(captions(dialog, dialog.cmdSave), u"I39 I5 I41 I40 I44 I45"_s);
+    QStringList rows;
+    for (int i = 0; i < dialog.lstFile->topLevelItemCount(); ++i)
+        rows << dialog.lstFile->topLevelItem(i)->text(0);
+    EXPECT_EQ(rows, QStringList({u"Alpha"_s, u"current"_s, u"zeta"_s}));
+    EXPECT_FALSE(dialog.lstFile->topLevelItem(0)->text(1).isEmpty());
+
+    // Spaces are dropped as they are typed; the button follows the box.
+    EXPECT_FALSE(dialog.cmdSave->isEnabled());
+    type(dialog.txtName, u"n w"_s);
+    EXPECT_EQ(dialog.txtName->text(), u"nw"_s);
+    EXPECT_TRUE(dialog.cmdSave->isEnabled());
+
+    for (const QString& name : {u"temp"_s, u".."_s, u"a/b"_s, u"a\\b"_s, u".hidden"_s, u"tab\there"_s}) {
+        dialog.txtName->setText(name);
+        dialog.cmdSave->click();
+        EXPECT_EQ(sink.texts().last(), u"E22"_s) << name.toStdString();
+    }
+    sink.shown.clear();
+
+    // An existing name: No stays in the dialog, Yes replaces.
+    emit dialog.lstFile->itemClicked(dialog.lstFile->topLevelItem(2), 0);
+    EXPECT_EQ(dialog.txtName->text(), u"zeta"_s);
+    sink.answers = {Answer::No, Answer::Yes};
+    dialog.cmdSave->click();
+    EXPECT_TRUE(state.currentFile == u"current"_s && dialog.result() == QDialog::Rejected);
+    dialog.cmdSave->click();
+    ASSERT_EQ(sink.shown.size(), 2u);
+    EXPECT_TRUE(sink.shown[0].text == u"P9"_s && sink.shown[0].title == u"E15"_s);
+    EXPECT_EQ(sink.shown[0].defaultAnswer, Answer::No);
+    EXPECT_TRUE(state.isOverwrite && !state.isCancel);
+    EXPECT_TRUE(state.currentFile == u"zeta"_s && dialog.result() == QDialog::Accepted);
+
+    frmMMSFileSave fresh(nullptr, texts, sink, store, state);
+    fresh.txtName->setText(u"new one"_s);
+    fresh.cmdSave->click();
+    EXPECT_TRUE(state.currentFile == u"new one"_s && !state.isOverwrite && sink.shown.size() == 2u);
+}
+
+TEST_F(NameDialogsTest, EveryWayOutButTheActionCountsAsCancel) {
+    frmMMSFileSave save(nullptr, texts, sink, store, state);
+    save.txtName->setText(u"x"_s);
+    save.cmdCancel->click();
+    EXPECT_TRUE(state.isCancel);
+
+    frmMMSFileOpen open(nullptr, texts, sink, store, state);
+    EXPECT_FALSE(state.isCancel);
+    open.show();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(&open, &escape);
+    EXPECT_TRUE(state.isCancel && !open.isVisible());
+
+    frmMMSFileDelete remove(nullptr, texts, sink, store, state);
+    remove.show();
+    remove.close();
+    EXPECT_TRUE(state.isCancel && sink.shown.empty());
+    EXPECT_EQ(state.currentFile, u"current"_s);
+}
+
+TEST_F(NameDialogsTest, OpenAndDeleteRefuseInOrderAndHandBackTheName) {
+    frmMMSFileOpen open(nullptr, texts, sink, store, state);
+    frmMMSFileDelete remove(nullptr, texts, sink, store, state);
+    EXPECT_EQ(captions(open, open.cmdOpen), u"I38 I42 I41 I40 I44 I45"_s);
+    EXPECT_EQ(captions(remove, remove.cmdDelete), u"I37 I43 I41 I40 I44 I45"_s);
+    const auto refusal = [&](const QString& name, bool opening) {
+        (opening ? open.txtName : remove.txtName)->setText(name);
+        opening ? open.cmdOpen_Click() : remove.cmdDelete_Click();
+        return sink.shown.empty() ? QString() : sink.shown.back().text;
+    };
+    const std::tuple<QString, const char*, const char*> cases[] = {
+        {u"current"_s, "E14", "E11"}, {QString(), "E12", "E12"},   {u"absent"_s, "E13", "E13"},
+        {u"temp"_s, "E22", "E22"},    {u"../MMS"_s, "E22", "E22"}, {u"Alpha "_s, "E13", "E13"}};
+    for (const auto& [name, openError, deleteError] : cases) {
+        EXPECT_EQ(refusal(name, true), QLatin1String(openError)) << name.toStdString();
+        EXPECT_EQ(refusal(name, false), QLatin1String(deleteError)) << name.toStdString();
+    }
+    EXPECT_EQ(state.currentFile, u"current"_s);
+
+    // Only the delete dialog lets a space through.
+    type(open.txtName, u" "_s);
+    type(remove.txtName, u" "_s);
+    EXPECT_TRUE(open.txtName->text() == u"Alpha "_s && remove.txtName->text() == u"Alpha  "_s);
+
+    open.txtName->setText(u"zeta"_s);
+    open.cmdOpen->click();
+    EXPECT_TRUE(state.currentFile == u"zeta"_s && open.result() == QDialog::Accepted && !state.isCancel);
+}
+
+} // namespace
