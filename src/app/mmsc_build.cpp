@@ -47,8 +47,8 @@ bool isInside(const QString& path, const QString& folder) {
     return clean.startsWith(QDir::cleanPath(folder) + QLatin1Char('/'));
 }
 
-// Stores the message as Save does: the old message of that name goes first, then the package is
-// written. Kept as one function so that the store's safe save can take its place.
+// Stores the message as Save does, through the store's safe save: the old message of that name is
+// replaced only by a complete new one.
 Status saveMessage(CSlide& slides, const QString& home, const QString& name, const QString& subject) {
     const QString folder = workspace::messageFolder(home, name);
     for (auto node = slides.firstItem(); node; node = node->NextNode)
@@ -56,14 +56,7 @@ Status saveMessage(CSlide& slides, const QString& home, const QString& name, con
             if (!media.isEmpty() && isInside(media, folder))
                 return Status::failure(
                     QStringLiteral("\"%1\" lies inside the stored message it would replace").arg(media));
-    if (QFileInfo::exists(folder) && !QDir(folder).removeRecursively())
-        return Status::failure(QStringLiteral("Cannot remove \"%1\"").arg(QDir::toNativeSeparators(folder)));
-    const QString index = workspace::messageIndex(home, name);
-    if (QFileInfo::exists(index) && !QFile::remove(index))
-        return Status::failure(QStringLiteral("Cannot remove \"%1\"").arg(QDir::toNativeSeparators(index)));
-    slides.setfolderpath(name);
-    slides.setfilename(name);
-    return generateSMIL(slides, home, subject);
+    return MessageStore(home).save(slides, name, subject);
 }
 
 // Moves the finished archive to its destination, replacing a file there. A rename replaces in one

@@ -1,0 +1,119 @@
+#include "package/packagewriter.h"
+#include "store/storefixture.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <archive.h>
+#include <archive_entry.h>
+
+using namespace mms;
+using namespace Qt::StringLiterals;
+using mms::test::TempDir;
+
+namespace {
+
+struct MmscRun {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+// Member names and bytes of a tar archive, in archive order.
+std::vector<std::pair<QString, QByteArray>> members(const QString& path) {
+    std::vector<std::pair<QString, QByteArray>> result;
+    archive* a = archive_read_new();
+    archive_read_support_format_tar(a);
+    if (archive_read_open_filename(a, QFile::encodeName(path).constData(), 10240) == ARCHIVE_OK) {
+        archive_entry* entry = nullptr;
+        while (archive_read_next_header(a, &entry) == ARCHIVE_OK) {
+            QByteArray bytes(archive_entry_size(entry), '\0');
+            archive_read_data(a, bytes.data(), bytes.size());
+            result.emplace_back(QString::fromUtf8(archive_entry_pathname(entry)), bytes);
+        }
+    }
+    archive_read_free(a);
+    return result;
+}
+
+class MmscStoreTest : public mms::test::StoreFixture {
+protected:
+    MmscRun mmsc(QStringList args) {
+        QProcess process;
+        process.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), QStringList{u"--home"_s, tmp.path()} + args);
+        process.waitForFinished(60000);
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+    void SetUp() override {
+        slides.InsertAtBack(SlideDur::fromText(u"3"_s), media(u"p.gif"_s, "GIF89a"), u"a\\b\tc\r\nd"_s, {});
+        slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd"));
+        ASSERT_TRUE(store.save(slides, u"beta"_s, u"Hello"_s).isOk());
+        CSlide none;
+        ASSERT_TRUE(store.save(none, u"Alpha"_s, u"Empty"_s).isOk());
+        // The composer's working copy of another message must survive every command.
+        ASSERT_TRUE(store.copyToWorkingCopy(u"Alpha"_s).isOk());
+    }
+    CSlide slides;
+};
+
+TEST_F(MmscStoreTest, ListAndShowPrintExactLines) {
+    const auto before = snapshot();
+    const auto stamp = [&](const char* name) {
+        return QFileInfo(messages() + QLatin1Char('/') + QLatin1String(name) + u".mmt"_s)
+            .lastModified()
+            .toString(u"yyyy-MM-dd'T'HH:mm:ss"_s);
+    };
+    MmscRun r = mmsc({u"list"_s});
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta")));
+
+    r = mmsc({u"show"_s, u"beta"_s});
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, QStringLiteral(
+                         "subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"));
+    r = mmsc({u"show"_s, u"Alpha"_s});
+    EXPECT_EQ(r.out, u"subject: Empty\n"_s);
+    EXPECT_EQ(snapshot(), before);
+}
+
+TEST_F(MmscStoreTest, ExportMatchesTheExportOfTheOriginalSlides) {
+    const auto before = snapshot();
+    const QString target = tmp.file(u"out.tpl"_s);
+    tmp.write(u"out.tpl"_s, "old");
+    const MmscRun r = mmsc({u"export"_s, u"beta"_s, target});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"upload.tpl"_s)));
+    EXPECT_EQ(snapshot(), before);
+
+    TempDir reference;
+    slides.setfolderpath(QString());
+    slides.setfilename(reference.file(u"upload"_s));
+    ASSERT_TRUE(generateSMIL(slides, reference.path(), u"Hello"_s).isOk());
+    const auto expected = members(reference.file(u"upload.tpl"_s));
+    ASSERT_EQ(expected.size(), 4u);
+    EXPECT_EQ(members(target), expected);
+}
+
+TEST_F(MmscStoreTest, BadInputGetsOneLineAndWritesNothing) {
+    const auto before = snapshot();
+    const QString target = tmp.file(u"never.tpl"_s);
+    const QStringList cases[] = {{u"list"_s, u"extra"_s},
+                                 {u"show"_s},
+                                 {u"show"_s, u"absent"_s},
+                                 {u"show"_s, u"../MMS"_s},
+                                 {u"show"_s, u"temp"_s},
+                                 {u"export"_s, u"absent"_s, target},
+                                 {u"export"_s, u"beta"_s, tmp.path()},
+                                 {u"export"_s, u"beta"_s, tmp.file(u"no/such.tpl"_s)}};
+    for (const QStringList& args : cases) {
+        const MmscRun r = mmsc(args);
+        EXPECT_EQ(r.exitCode, 2) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(r.out.isEmpty());
+        EXPECT_TRUE(r.err.startsWith(QLatin1String("mmsc: ")) && r.err.count(QLatin1Char('\n')) == 1)
+            << r.err.toStdString();
+    }
+    EXPECT_FALSE(QFileInfo::exists(target));
+    EXPECT_EQ(snapshot(), before);
+}
+
+} // namespace
