@@ -3,13 +3,13 @@
 #include "model/cslide.h"
 #include "package/packagewriter.h"
 #include "store/messagestore.h"
-#include "store/workspace.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 
@@ -38,24 +38,13 @@ std::optional<qint16> parseDuration(const QString& text) {
     for (QChar c : text)
         if (c < QLatin1Char('0') || c > QLatin1Char('9')) return std::nullopt;
     const int value = text.toInt();
-    if (value > CSlide::kMaxSlides) return std::nullopt;
+    if (value > std::numeric_limits<qint16>::max()) return std::nullopt;
     return static_cast<qint16>(value);
-}
-
-bool isInside(const QString& path, const QString& folder) {
-    const QString clean = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    return clean.startsWith(QDir::cleanPath(folder) + QLatin1Char('/'));
 }
 
 // Stores the message as Save does, through the store's safe save: the old message of that name is
 // replaced only by a complete new one.
-Status saveMessage(CSlide& slides, const QString& home, const QString& name, const QString& subject) {
-    const QString folder = workspace::messageFolder(home, name);
-    for (auto node = slides.firstItem(); node; node = node->NextNode)
-        for (const QString& media : {node->DataImgPath, node->DataSoundPath})
-            if (!media.isEmpty() && isInside(media, folder))
-                return Status::failure(
-                    QStringLiteral("\"%1\" lies inside the stored message it would replace").arg(media));
+Status saveMessage(const CSlide& slides, const QString& home, const QString& name, const QString& subject) {
     return MessageStore(home).save(slides, name, subject);
 }
 
