@@ -1,6 +1,8 @@
 #include "image/jpegwriter.h"
 
+#include <QBuffer>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QSaveFile>
@@ -21,6 +23,33 @@ struct TjBufferFree {
 
 QString shown(const QString& path) {
     return QDir::toNativeSeparators(path);
+}
+
+// A JPEG source is decoded straight into the bitmap's bottom-up BGR rows, sparing a full-size copy
+// and a conversion. Leaves the bitmap empty (and succeeds) when the bytes are not a JPEG this path
+// can turn into BGR (CMYK, or damaged beyond its reach): the general reader takes over then.
+Status decodeJpegInto(const QByteArray& bytes, cDIBSection& dib) {
+    if (bytes.size() < 4 || quint8(bytes[0]) != 0xFF || quint8(bytes[1]) != 0xD8) return Status::ok();
+    std::unique_ptr<void, TjHandleCloser> handle(tjInitDecompress());
+    if (!handle) return Status::ok();
+    const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
+    const auto size = static_cast<unsigned long>(bytes.size());
+    int width = 0, height = 0, subsampling = 0, colourspace = 0;
+    if (tjDecompressHeader3(handle.get(), data, size, &width, &height, &subsampling, &colourspace) != 0)
+        return Status::ok();
+    if (colourspace == TJCS_CMYK || colourspace == TJCS_YCCK) return Status::ok();
+    // The same ceiling as the general reader's, so a hostile header cannot claim gigabytes.
+    const qint64 limit = qint64(QImageReader::allocationLimit()) * 1024 * 1024;
+    if (limit > 0 && qint64(width) * height * 3 > limit)
+        return Status::failure(
+            QStringLiteral("the picture is too large to convert (%1 by %2 pixels)").arg(width).arg(height));
+    if (!dib.Create(width, height)) return Status::ok();
+    if (tjDecompress2(handle.get(), data, size, dib.DIBSectionBitsPtr(), width, dib.BytesPerScanLine(),
+                      height, TJPF_BGR, TJFLAG_BOTTOMUP) != 0 &&
+        tjGetErrorCode(handle.get()) !=
+            TJERR_WARNING) // a warning (say, data cut short) still gives a picture
+        dib.ClearUp();
+    return Status::ok();
 }
 
 } // namespace
@@ -68,30 +97,35 @@ Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality) {
     return Status::ok();
 }
 
-Status loadPicture(const QString& path, QImage& picture) {
-    if (!QFileInfo(path).isFile())
-        return Status::failure(QStringLiteral("%1: no such file").arg(shown(path)));
-    QImageReader reader(path);
-    // A picture whose name says one type and whose bytes another is read by its bytes.
-    reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(false);
-    QImage loaded = reader.read();
-    if (loaded.isNull())
-        return Status::failure(QStringLiteral("%1: %2").arg(shown(path), reader.errorString()));
-    picture = std::move(loaded);
-    return Status::ok();
-}
-
 Status reencodeAsJpeg(const QString& source, const QString& target, int quality) {
-    QImage picture;
-    if (Status loaded = loadPicture(source, picture); !loaded) return loaded;
+    QFile file(source);
+    if (!QFileInfo(source).isFile())
+        return Status::failure(QStringLiteral("%1: no such file").arg(shown(source)));
+    if (!file.open(QIODevice::ReadOnly))
+        return Status::failure(QStringLiteral("%1: %2").arg(shown(source), file.errorString()));
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return Status::failure(QStringLiteral("%1: %2").arg(shown(source), file.errorString()));
+    file.close();
+
     cDIBSection dib;
-    if (!dib.CreateFromPicture(picture))
-        return Status::failure(QStringLiteral("%1: the picture is too large to convert (%2 by %3 pixels)")
-                                   .arg(shown(source))
-                                   .arg(picture.width())
-                                   .arg(picture.height()));
-    picture = QImage(); // the bitmap holds the pixels now
+    if (Status direct = decodeJpegInto(bytes, dib); !direct)
+        return Status::failure(QStringLiteral("%1: %2").arg(shown(source), direct.message()));
+    if (dib.isNull()) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QImageReader reader(&buffer);
+        reader.setAutoTransform(false); // the stored pixels as they are, unrotated
+        QImage picture = reader.read();
+        if (picture.isNull())
+            return Status::failure(QStringLiteral("%1: %2").arg(shown(source), reader.errorString()));
+        bytes.clear();
+        if (!dib.CreateFromPicture(picture))
+            return Status::failure(QStringLiteral("%1: the picture is too large to convert (%2 by %3 pixels)")
+                                       .arg(shown(source))
+                                       .arg(picture.width())
+                                       .arg(picture.height()));
+    }
     return writeJpegFile(dib, target, quality);
 }
 

@@ -19,12 +19,9 @@ Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg);
 // left under that name and an existing file there is untouched.
 Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality);
 
-// Reads a picture file (its content decides the format; the stored pixels are taken as they are,
-// unrotated). The failure names the file and says why.
-Status loadPicture(const QString& path, QImage& picture);
-
-// The program's one conversion: loads source, converts it into a cDIBSection and writes it to target
-// as JPEG at the picture's own size. Nothing is written when the source cannot be loaded.
+// The program's one conversion: loads source (its content decides the format; the stored pixels are
+// taken unrotated), converts it into a cDIBSection and writes it to target as JPEG at the picture's
+// own size. Nothing is written when the source cannot be loaded; the failure names the file.
 Status reencodeAsJpeg(const QString& source, const QString& target, int quality = kJpegQuality);
 
 } // namespace mms

@@ -137,6 +137,29 @@ TEST(JpegWriter, WritesABaselineThreeComponentJpegOfTheSourceSizeAtQuality35) {
     EXPECT_EQ(layoutOf(process.readAllStandardOutput()).quantTables, layout.quantTables);
 }
 
+TEST(JpegWriter, ReencodingKeepsTheSourceUprightAndInColour) {
+    test::TempDir dir;
+    const QImage grey = orientationPicture(QImage::Format_Grayscale8);
+    const struct {
+        const char* name;
+        QByteArray bytes;
+    } sources[] = {{"colour.jpg", test::encoded(orientationPicture(), "JPG", 95)},
+                   {"grey.jpg", test::encoded(grey, "JPG", 95)},
+                   {"palette.gif.png", test::encoded(orientationPicture(QImage::Format_Indexed8), "PNG")}};
+    for (const auto& source : sources) {
+        const QString out = dir.file(QStringLiteral("out.jpg"));
+        ASSERT_TRUE(reencodeAsJpeg(dir.write(QLatin1String(source.name), source.bytes), out).isOk())
+            << source.name;
+        const QByteArray jpeg = test::TempDir::read(out);
+        EXPECT_EQ(layoutOf(jpeg).components, 3) << source.name;
+        const QImage back = QImage::fromData(jpeg);
+        const QImage original = QImage::fromData(source.bytes);
+        EXPECT_EQ(back.size(), original.size());
+        for (const QPoint p : {QPoint(20, 2), QPoint(20, 17), QPoint(0, 5)})
+            EXPECT_LT(qAbs(qGray(back.pixel(p)) - qGray(original.pixel(p))), 40) << source.name;
+    }
+}
+
 TEST(JpegWriter, AFailureLeavesNoFileAndAnExistingOneUntouched) {
     test::TempDir dir;
     cDIBSection dib;

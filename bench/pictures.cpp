@@ -1,0 +1,199 @@
+// Picture panel listing and JPEG re-encoding against the usual command-line tools, on camera-sized
+// pictures generated once into the build folder (bench_data/pictures, or $MMS_BENCH_DATA).
+//
+//   panel/ours             the panel's thumbnail loader over 100 pictures of 3000 by 2000
+//   panel/imagemagick      `convert FILE -thumbnail 40x40 OUT.png` for each of the same files
+//   reencode/ours          one 4000 by 3000 photograph re-encoded at quality 35 (decode, bitmap, encode)
+//   reencode/djpeg_cjpeg   `djpeg IN | cjpeg -quality 35 > OUT` on the same photograph
+//
+// The ratios (tool time / our time) are printed at the end.
+
+#include "image/jpegwriter.h"
+#include "image/thumbnailloader.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTimer>
+#include <atomic>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <map>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int kPictures = 100;
+const QSize kCameraSize(3000, 2000);
+const QSize kPhotographSize(4000, 3000);
+
+QString dataFolder() {
+    const QString env = qEnvironmentVariable("MMS_BENCH_DATA");
+    return env.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/../bench_data") : env;
+}
+QString pictureFolder() {
+    return dataFolder() + QStringLiteral("/pictures");
+}
+QString photograph() {
+    return dataFolder() + QStringLiteral("/photograph.jpg");
+}
+QString scratchFolder() {
+    return dataFolder() + QStringLiteral("/scratch");
+}
+
+// Smooth colour fields with sensor-like noise: compresses like a photograph, not like a flat fill.
+QImage cameraPicture(QSize size, quint32 seed) {
+    QImage image(size, QImage::Format_RGB32);
+    quint32 state = seed * 2654435761u + 1;
+    const int w = size.width(), h = size.height();
+    for (int y = 0; y < h; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < w; ++x) {
+            state = state * 1664525u + 1013904223u;
+            const int n = int(state >> 28) - 8;
+            const int r = (x * 255 / w + int(seed * 37)) % 256;
+            const int g = (y * 255 / h + int(seed * 11)) % 256;
+            const int b = ((x + y) * 255 / (w + h) + int(seed * 53)) % 256;
+            line[x] = qRgb(qBound(0, r + n, 255), qBound(0, g + n, 255), qBound(0, b + n, 255));
+        }
+    }
+    return image;
+}
+
+void ensureData() {
+    QDir().mkpath(pictureFolder());
+    QDir().mkpath(scratchFolder());
+    std::atomic<int> next{0};
+    auto work = [&next] {
+        for (int i = next++; i < kPictures; i = next++) {
+            const QString path =
+                pictureFolder() + QStringLiteral("/camera%1.jpg").arg(i, 3, 10, QLatin1Char('0'));
+            if (!QFileInfo::exists(path)) cameraPicture(kCameraSize, quint32(i)).save(path, "JPG", 90);
+        }
+    };
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 2; ++t)
+        workers.emplace_back(work);
+    for (auto& worker : workers)
+        worker.join();
+    if (!QFileInfo::exists(photograph())) cameraPicture(kPhotographSize, 1000).save(photograph(), "JPG", 92);
+}
+
+QString tool(const char* name) {
+    // The real ImageMagick binary, not a wrapper earlier in PATH.
+    const QString system = QStringLiteral("/usr/bin/") + QLatin1String(name);
+    return QFileInfo::exists(system) ? system : QStandardPaths::findExecutable(QLatin1String(name));
+}
+
+bool runTool(const QString& program, const QStringList& args) {
+    QProcess process;
+    process.start(program, args);
+    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
+           process.exitCode() == 0;
+}
+
+void panelOurs(benchmark::State& state) {
+    mms::ThumbnailLoader loader;
+    int delivered = 0;
+    QObject context;
+    QObject::connect(&loader, &mms::ThumbnailLoader::finished, &context,
+                     [&delivered](int n) { delivered = n; });
+    for (auto _ : state) {
+        QEventLoop loop;
+        QObject::connect(&loader, &mms::ThumbnailLoader::finished, &loop, &QEventLoop::quit);
+        loader.start(pictureFolder(), 0);
+        loop.exec();
+    }
+    if (delivered != kPictures) state.SkipWithError("not every picture was listed");
+    state.counters["pictures"] = delivered;
+}
+
+void panelImageMagick(benchmark::State& state) {
+    const QString convert = tool("convert");
+    if (convert.isEmpty()) return state.SkipWithError("ImageMagick's convert is not installed");
+    const QStringList files =
+        QDir(pictureFolder()).entryList({QStringLiteral("*.jpg")}, QDir::Files, QDir::Name);
+    for (auto _ : state) {
+        for (int i = 0; i < files.size(); ++i) {
+            const QString out = scratchFolder() + QStringLiteral("/thumb%1.png").arg(i);
+            if (!runTool(convert, {QDir(pictureFolder()).filePath(files[i]), QStringLiteral("-thumbnail"),
+                                   QStringLiteral("40x40"), out}))
+                return state.SkipWithError("convert failed");
+        }
+    }
+    state.counters["pictures"] = double(files.size());
+}
+
+void reencodeOurs(benchmark::State& state) {
+    const QString out = scratchFolder() + QStringLiteral("/ours.jpg");
+    for (auto _ : state)
+        if (!mms::reencodeAsJpeg(photograph(), out, mms::kJpegQuality).isOk())
+            return state.SkipWithError("re-encoding failed");
+    state.counters["bytes"] = double(QFileInfo(out).size());
+}
+
+void reencodeDjpegCjpeg(benchmark::State& state) {
+    const QString djpeg = tool("djpeg"), cjpeg = tool("cjpeg");
+    if (djpeg.isEmpty() || cjpeg.isEmpty())
+        return state.SkipWithError("libjpeg-turbo-progs is not installed");
+    const QString out = scratchFolder() + QStringLiteral("/tools.jpg");
+    const QString pipeline =
+        QStringLiteral("'%1' '%2' | '%3' -quality 35 > '%4'").arg(djpeg, photograph(), cjpeg, out);
+    for (auto _ : state)
+        if (!runTool(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), pipeline}))
+            return state.SkipWithError("djpeg | cjpeg failed");
+    state.counters["bytes"] = double(QFileInfo(out).size());
+}
+
+// Keeps each benchmark's mean wall time for the ratios.
+class RatioReporter final : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs)
+            if (!run.error_occurred && run.run_type == Run::RT_Iteration)
+                seconds[run.run_name.function_name] = run.real_accumulated_time / double(run.iterations);
+        ConsoleReporter::ReportRuns(runs);
+    }
+    void printRatio(const char* what, const std::string& ours, const std::string& theirs) const {
+        const auto a = seconds.find(ours), b = seconds.find(theirs);
+        if (a == seconds.end() || b == seconds.end() || a->second <= 0) return;
+        std::printf("%-44s %8.3f s vs %8.3f s: %.2fx\n", what, a->second, b->second, b->second / a->second);
+    }
+    std::map<std::string, double> seconds;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    ensureData();
+    benchmark::RegisterBenchmark("panel/ours", panelOurs)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(5);
+    benchmark::RegisterBenchmark("panel/imagemagick", panelImageMagick)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(1);
+    benchmark::RegisterBenchmark("reencode/ours", reencodeOurs)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(5);
+    benchmark::RegisterBenchmark("reencode/djpeg_cjpeg", reencodeDjpegCjpeg)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(5);
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\nRatios (tool time / our time; above 1 means we are faster):\n");
+    reporter.printRatio("100 thumbnails vs convert -thumbnail 40x40", "panel/ours", "panel/imagemagick");
+    reporter.printRatio("re-encode vs djpeg | cjpeg -quality 35", "reencode/ours", "reencode/djpeg_cjpeg");
+    benchmark::Shutdown();
+    return 0;
+}
