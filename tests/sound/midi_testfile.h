@@ -5,7 +5,7 @@
 #include <initializer_list>
 
 // Builds small Standard MIDI Files for the tests, event by event.
-namespace mms::test {
+namespace mms::test::midifile {
 
 inline QByteArray bytes(std::initializer_list<int> values) {
     QByteArray out;
@@ -63,4 +63,4 @@ inline QByteArray midiFile(quint16 division, const QList<Track>& tracks) {
     return file;
 }
 
-} // namespace mms::test
+} // namespace mms::test::midifile

@@ -10,6 +10,7 @@
 
 using namespace mms;
 using namespace mms::test;
+using namespace mms::test::midifile;
 
 namespace {
 
