@@ -162,6 +162,11 @@ QWidget* frmMMSMain::buildStripColumn() {
     lstSlide->setSelectionMode(QAbstractItemView::SingleSelection);
     lstSlide->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstSlide->setMinimumWidth(200);
+    lstSlide->setStyleSheet(
+        QStringLiteral("QListView#lstSlide { background: #ffffff; outline: 0; }"
+                       "QListView#lstSlide::item { padding: 3px; border-radius: 6px; }"
+                       "QListView#lstSlide::item:hover { background: #f1f3f4; }"
+                       "QListView#lstSlide::item:selected { background: #d2e3fc; color: #174ea6; }"));
     connect(lstSlide->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this] { onStripCurrentChanged(); });
     // A Ctrl-click can deselect the only selected item; the strip always keeps one.
@@ -235,8 +240,12 @@ QWidget* frmMMSMain::buildSlideColumn() {
     addBigCmd->setIconSize(QSize(24, 24));
     addBigCmd->setMinimumHeight(44);
     connect(addBigCmd, &QPushButton::clicked, this, [this] { addBigCmd_Click(); });
+    auto* emptyPicture = new QLabel(emptyPage);
+    emptyPicture->setPixmap(icon("app").pixmap(96, 96));
     auto* emptyLayout = new QVBoxLayout(emptyPage);
+    emptyLayout->setSpacing(16);
     emptyLayout->addStretch(1);
+    emptyLayout->addWidget(emptyPicture, 0, Qt::AlignHCenter);
     emptyLayout->addWidget(addBigCmd, 0, Qt::AlignHCenter);
     emptyLayout->addStretch(2);
 

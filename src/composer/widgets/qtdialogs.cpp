@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QFileDialog>
+#include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
 #include <stdexcept>
@@ -62,6 +63,7 @@ Answer QtDialogs::show(const Message& message) {
     }
     for (const Choice& choice : choices) {
         QPushButton* button = box.addButton(choice.standard);
+        button->setIcon(QIcon());
         if (const QString text = buttonText(choice.textIndex); !text.isEmpty()) button->setText(text);
         if (choice.answer == message.defaultAnswer) box.setDefaultButton(button);
     }

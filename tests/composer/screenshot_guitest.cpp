@@ -1,0 +1,83 @@
+#include "composer/localisation.h"
+#include "composer/widgets/frmmmsmain.h"
+#include "support/fakeplatform.h"
+#include "support/tempdir.h"
+
+#include <QApplication>
+#include <QLinearGradient>
+#include <QListView>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+using namespace mms;
+
+namespace {
+
+QString drawPicture(const test::TempDir& dir, const QString& name, QColor sky, QColor ground) {
+    QImage image(320, 240, QImage::Format_RGB32);
+    QPainter p(&image);
+    QLinearGradient gradient(0, 0, 0, 240);
+    gradient.setColorAt(0, sky.lighter(140));
+    gradient.setColorAt(1, sky);
+    p.fillRect(image.rect(), gradient);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setBrush(QColor(0xfb, 0xbc, 0x04));
+    p.setPen(Qt::NoPen);
+    p.drawEllipse(QPointF(240, 70), 28, 28);
+    p.setBrush(ground);
+    p.drawEllipse(QRectF(-80, 150, 300, 200));
+    p.drawEllipse(QRectF(120, 170, 320, 200));
+    p.end();
+    const QString path = dir.file(name);
+    image.save(path);
+    return path;
+}
+
+// Starts the real window with the English texts, fills a small message and shows it. With
+// MMS_SCREENSHOT set to a file name the window is saved there as a PNG, to look at.
+TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
+    test::TempDir home;
+    test::FakePlatform fake;
+    Localisation loc;
+    frmMMSMain::Options options;
+    options.appFolder = home.path();
+    options.languageFolder = QStringLiteral(MMS_BIN_DIR);
+    options.languageCode = QStringLiteral("en");
+    frmMMSMain w(fake.platform, loc, options);
+    const Status started = w.Form_Load();
+    ASSERT_TRUE(started.isOk()) << started.message().toStdString();
+
+    const QString pictures[] = {
+        drawPicture(home, QStringLiteral("beach.png"), QColor(0x42, 0x85, 0xf4), QColor(0xf6, 0xd7, 0x8b)),
+        drawPicture(home, QStringLiteral("hills.png"), QColor(0x8a, 0xb4, 0xf8), QColor(0x34, 0xa8, 0x53)),
+        drawPicture(home, QStringLiteral("dusk.png"), QColor(0xa1, 0x42, 0xf4), QColor(0x20, 0x21, 0x24)),
+    };
+    const char* texts[] = {"Happy birthday, Anna!", "See you at the lake on Saturday", "Bring a torch"};
+    for (int i = 0; i < 3; ++i) {
+        w.addCmd->click();
+        w.updateCurrentSlide(QStringLiteral("imgPath"), pictures[i]);
+        w.txtText_Click();
+        w.txtText->setPlainText(QString::fromUtf8(texts[i]));
+    }
+    w.addCmd->click();
+    w.updateCurrentSlide(QStringLiteral("soundPath"),
+                         home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd"));
+    w.selectSlide(2);
+    w.lstSlide_ItemClick();
+    w.updateCurrentSlide(QStringLiteral("soundPath"),
+                         home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd"));
+    w.lstSlide_ItemClick();
+
+    w.show();
+    QApplication::processEvents();
+    const QImage shot = w.grab().toImage();
+    ASSERT_FALSE(shot.isNull());
+    EXPECT_GE(shot.width(), 900);
+    if (const QString target = qEnvironmentVariable("MMS_SCREENSHOT"); !target.isEmpty()) shot.save(target);
+    w.Form_Unload();
+}
+
+} // namespace
