@@ -1,15 +1,24 @@
 #include "image/imageprobe.h"
 
 #include <QFile>
-#include <array>
-#include <cstring>
-#include <memory>
+#include <algorithm>
 
 namespace mms {
 
 namespace {
 
-using Buffer = std::array<quint8, kImageProbeBytes>;
+// The first 64 KiB of the file as the probe sees them: bytes past the end of a shorter file read as
+// zero. Every index used is below kImageProbeBytes.
+class Buffer {
+public:
+    explicit Buffer(QByteArrayView head)
+        : data_(head.data()), size_(std::min<qsizetype>(head.size(), kImageProbeBytes)) {}
+    quint8 operator[](int k) const { return k < size_ ? quint8(data_[k]) : 0; }
+
+private:
+    const char* data_;
+    qsizetype size_;
+};
 
 // Every scan position stays below this, so reads up to nine bytes further never leave the buffer.
 constexpr int kScanLimit = 65525;
@@ -112,10 +121,7 @@ ImageProbe probeBuffer(const Buffer& b) {
 } // namespace
 
 ImageProbe checkValidImg(QByteArrayView head) {
-    auto buffer = std::make_unique<Buffer>(); // zero-filled; 64 KiB is too much for some stacks
-    const qsizetype n = std::min<qsizetype>(head.size(), kImageProbeBytes);
-    if (n > 0) std::memcpy(buffer->data(), head.data(), size_t(n));
-    return probeBuffer(*buffer);
+    return probeBuffer(Buffer(head));
 }
 
 Status checkValidImg(const QString& path, ImageProbe& result) {
