@@ -10,9 +10,10 @@ namespace mms::cli {
 namespace {
 
 const char kUsage[] =
-    "  jpeg IN OUT    re-encodes the picture IN (GIF, JPEG, BMP, PNG) as a JPEG of the same size at\n"
-    "               quality 35, as the composer converts large pictures (no size limit),\n"
-    "               and writes it to OUT, replacing it. Prints OUT and its size in bytes.";
+    "  jpeg IN OUT\n"
+    "               re-encodes the picture IN (GIF, JPEG, BMP or PNG) as a JPEG of the same size\n"
+    "               at quality 35, as the composer converts large pictures but without the size\n"
+    "               limit, and writes it to OUT, replacing it; prints OUT and its size in bytes";
 
 int runJpeg(Context& context, const QStringList& args) {
     if (args.size() != 2) return fail(context, QStringLiteral("jpeg takes two arguments: IN OUT"));
