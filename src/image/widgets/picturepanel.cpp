@@ -2,20 +2,41 @@
 
 #include "composer/localisation.h"
 #include "composer/widgets/composerhost.h"
+#include "image/folderpaths.h"
+#include "image/pictureimport.h"
+#include "image/thumbnailloader.h"
+#include "image/widgets/browsefolder.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPixmap>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace mms {
 
-PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent) : QWidget(parent), host_(host) {
+namespace {
+
+// The wait cursor for as long as a conversion runs.
+class BusyCursor {
+public:
+    BusyCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyCursor() { QGuiApplication::restoreOverrideCursor(); }
+    BusyCursor(const BusyCursor&) = delete;
+    BusyCursor& operator=(const BusyCursor&) = delete;
+};
+
+} // namespace
+
+PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
+    : QWidget(parent), host_(host), loader_(new ThumbnailLoader(this)) {
     setObjectName(QStringLiteral("picturePanel"));
 
     imgDirPath = new QLineEdit(this);
@@ -69,7 +90,24 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent) : QWidget(parent
     connect(refreshcmd, &QPushButton::clicked, this, [this] { refreshcmd_Click(); });
     connect(imgChgDirBrowse, &QToolButton::clicked, this, [this] { imgChgDirBrowse_Click(); });
     connect(lstPicView, &QListWidget::itemClicked, this, [this] { lstPicView_ItemClick(); });
+    // Choosing with the keyboard counts as a click; a double click or Enter also attaches.
+    connect(lstPicView, &QListWidget::itemSelectionChanged, this, [this] {
+        if (selectedPicture())
+            lstPicView_ItemClick();
+        else
+            chgImgCmd->setEnabled(false); // a Ctrl-click took the selection away
+    });
+    connect(lstPicView, &QListWidget::itemActivated, this, [this] {
+        lstPicView_ItemClick();
+        if (chgImgCmd->isEnabled()) chgImgCmd_Click();
+    });
     connect(chgImgCmd, &QPushButton::clicked, this, [this] { chgImgCmd_Click(); });
+    // Typing a folder changes nothing by itself; Enter in the box is the refresh command.
+    connect(imgDirPath, &QLineEdit::returnPressed, this, [this] { refreshcmd_Click(); });
+    connect(loader_, &ThumbnailLoader::thumbnailReady, this,
+            [this](int row, const QString& name, const QImage& thumbnail) {
+                addThumbnail(row, name, thumbnail);
+            });
 }
 
 void PicturePanel::applyLanguage() {
@@ -80,6 +118,7 @@ void PicturePanel::applyLanguage() {
 }
 
 void PicturePanel::clearThumbnails() {
+    loader_->cancel();
     lstPicView->clear();
     lstPicView->setIconSize(kThumbnailSize);
 }
@@ -102,11 +141,26 @@ void PicturePanel::fillTypeCombo() {
     imgTypeCombo_Click();
 }
 
-// Not wired yet: listing the folder's pictures between clearing and disabling.
 void PicturePanel::refreshImgList() {
     clearThumbnails();
+    listedFolder_ = QDir::fromNativeSeparators(imgDirPath->text());
+    const int typeEntry = imgTypeCombo->currentIndex();
+    // A missing folder or one without pictures simply gives an empty list.
+    if (!listedFolder_.isEmpty() && typeEntry >= 0) loader_->start(listedFolder_, typeEntry);
     // Nothing is selected after a refill.
     chgImgCmd->setEnabled(false);
+}
+
+bool PicturePanel::isListing() const {
+    return loader_->isRunning();
+}
+
+void PicturePanel::addThumbnail(int row, const QString& fileName, const QImage& thumbnail) {
+    // Rows come in order, each once; anything else would pair a name with another file's picture.
+    if (row != lstPicView->count()) return;
+    auto* item = new QListWidgetItem(QIcon(QPixmap::fromImage(thumbnail)), fileName);
+    item->setToolTip(fileName);
+    lstPicView->addItem(item);
 }
 
 void PicturePanel::imgTypeCombo_Click() {
@@ -117,14 +171,50 @@ void PicturePanel::refreshcmd_Click() {
     refreshImgList();
 }
 
-// Not wired yet: the folder chooser of the library.
-void PicturePanel::imgChgDirBrowse_Click() {}
-
-void PicturePanel::lstPicView_ItemClick() {
-    if (lstPicView->count() > 0 && lstPicView->currentItem()) chgImgCmd->setEnabled(true);
+void PicturePanel::imgChgDirBrowse_Click() {
+    const QString chosen =
+        browseFolder(host_, browseStartPath(QDir::fromNativeSeparators(imgDirPath->text())));
+    if (chosen.isEmpty()) return;
+    imgDirPath->setText(QDir::toNativeSeparators(chosen));
+    refreshImgList();
 }
 
-// Not wired yet: putting the picture on the slide.
-void PicturePanel::chgImgCmd_Click() {}
+void PicturePanel::lstPicView_ItemClick() {
+    if (lstPicView->count() == 0) return;
+    QListWidgetItem* item = lstPicView->currentItem() ? lstPicView->currentItem() : selectedPicture();
+    if (!item) return;
+    if (!item->isSelected()) item->setSelected(true);
+    chgImgCmd->setEnabled(true);
+}
+
+QListWidgetItem* PicturePanel::selectedPicture() const {
+    const QList<QListWidgetItem*> selected = lstPicView->selectedItems();
+    return selected.isEmpty() ? nullptr : selected.first();
+}
+
+void PicturePanel::chgImgCmd_Click() {
+    const QListWidgetItem* item = selectedPicture();
+    if (!item) return;
+    // The file is taken from the folder the list shows, not from a folder typed since.
+    const QString source = QDir(listedFolder_).filePath(item->text());
+    Platform& platform = host_.platform();
+    PictureImport import;
+    {
+        const BusyCursor busy;
+        import = importPicture(source, lstPicView->count() > 0, host_.appFolder(), platform.clock,
+                               platform.random);
+    }
+    if (!import.attach()) {
+        const QString text = import.errorText(host_.localisation().getMCrErrStr(import.errorNumber));
+        platform.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
+        return;
+    }
+    if (host_.IsEmpty()) host_.addCmd_Click();
+    const qint16 cur = host_.selectedSlide();
+    host_.updateCurrentSlide(QStringLiteral("imgPath"), import.picturePath);
+    host_.selectSlide(cur);
+    host_.lstSlide_ItemClick();
+    host_.setModified(true);
+}
 
 } // namespace mms

@@ -4,14 +4,17 @@
 #include <QWidget>
 
 class QComboBox;
+class QImage;
 class QLineEdit;
 class QListWidget;
+class QListWidgetItem;
 class QPushButton;
 class QToolButton;
 
 namespace mms {
 
 class ComposerHost;
+class ThumbnailLoader;
 
 // The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails,
 // filtered by type, and the command that puts the chosen picture on the current slide.
@@ -34,8 +37,14 @@ public:
     void setLibraryFolder(const QString& folder);
     void fillTypeCombo();
 
-    // Refills lstPicView from the folder in imgDirPath and the type in imgTypeCombo.
+    // Refills lstPicView from the folder in imgDirPath and the type in imgTypeCombo. The thumbnails
+    // are decoded off the window's thread and fill the view in listing order as they arrive; a new
+    // refill drops the one under way.
     void refreshImgList();
+    // A refill is still delivering thumbnails.
+    bool isListing() const;
+    // The folder the list shows (the text of imgDirPath at the last refill, "/" separators).
+    QString listedFolder() const { return listedFolder_; }
 
     void imgTypeCombo_Click();
     void refreshcmd_Click();
@@ -51,7 +60,12 @@ public:
     QPushButton* chgImgCmd = nullptr;
 
 private:
+    void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
+    QListWidgetItem* selectedPicture() const;
+
     ComposerHost& host_;
+    ThumbnailLoader* loader_ = nullptr;
+    QString listedFolder_;
 };
 
 } // namespace mms
