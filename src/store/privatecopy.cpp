@@ -8,14 +8,22 @@ namespace mms {
 
 Status PrivateCopy::open(const MessageStore& store, const QString& name, LoadedMessage& out) {
     const QString scratch = workspace::temp(store.appFolder());
-    if (QDir().mkpath(scratch))
-        dir_ = std::make_unique<QTemporaryDir>(scratch + QStringLiteral("/message-XXXXXX"));
-    if (!dir_ || !dir_->isValid()) dir_ = std::make_unique<QTemporaryDir>();
-    if (!dir_->isValid())
-        return Status::failure(QStringLiteral("Cannot create a scratch folder: %1").arg(dir_->errorString()));
-    folder_ = dir_->filePath(QStringLiteral("message"));
-    if (Status s = store.copyPackage(name, folder_); !s) return s;
-    return store.load(name, folder_, out);
+    // The workspace's Temp first; when it is full or read-only, reading must still work.
+    Status result = Status::failure(QStringLiteral("Cannot create a scratch folder"));
+    for (const QString& parent : {scratch, QDir::tempPath()}) {
+        if (!QDir().mkpath(parent)) continue;
+        dir_ = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/message-XXXXXX"));
+        if (!dir_->isValid()) {
+            result = Status::failure(
+                QStringLiteral("Cannot create a scratch folder: %1").arg(dir_->errorString()));
+            continue;
+        }
+        folder_ = dir_->filePath(QStringLiteral("message"));
+        result = store.copyPackage(name, folder_);
+        if (result) return store.load(name, folder_, out);
+    }
+    dir_.reset();
+    return result;
 }
 
 void appendLoadedSlides(const LoadedMessage& message, CSlide& slides) {
