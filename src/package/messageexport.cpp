@@ -1,0 +1,75 @@
+#include "package/messageexport.h"
+
+#include "package/mmsencoder.h"
+#include "package/packagewriter.h"
+#include "store/workspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+#include <QTemporaryDir>
+#include <filesystem>
+
+namespace mms {
+
+namespace {
+
+QString native(const QString& path) {
+    return QDir::toNativeSeparators(path);
+}
+
+} // namespace
+
+QString uploadArchiveBase(const QString& appFolder) {
+    return appFolder + QStringLiteral("/upload");
+}
+
+Status moveArchive(const QString& archive, const QString& destination) {
+    if (destination.isEmpty()) return Status::failure(QStringLiteral("No file name was given to export to"));
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(archive).toStdString(),
+                            QFile::encodeName(destination).toStdString(), error);
+    if (!error) return Status::ok();
+
+    // Another file system, most likely: copy instead.
+    QFile in(archive);
+    if (!in.open(QIODevice::ReadOnly))
+        return Status::failure(
+            QStringLiteral("Cannot read \"%1\": %2").arg(native(archive), in.errorString()));
+    const QByteArray bytes = in.readAll();
+    if (in.error() != QFileDevice::NoError)
+        return Status::failure(
+            QStringLiteral("Cannot read \"%1\": %2").arg(native(archive), in.errorString()));
+    in.close();
+    QSaveFile out(destination);
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+        return Status::failure(
+            QStringLiteral("Cannot write \"%1\": %2").arg(native(destination), out.errorString()));
+    // The copy is complete; an archive left behind is replaced by the next export.
+    QFile::remove(archive);
+    return Status::ok();
+}
+
+Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QString& subject,
+                    const QString& outPath) {
+    const QString temp = workspace::temp(appFolder);
+    if (!QDir().mkpath(temp))
+        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(native(temp)));
+    QTemporaryDir scratch(temp + QStringLiteral("/mms-XXXXXX"));
+    if (!scratch.isValid())
+        return Status::failure(
+            QStringLiteral("Cannot create a folder in \"%1\": %2").arg(native(temp), scratch.errorString()));
+
+    // The package is written in store mode, below the scratch folder as if it were the application
+    // folder; the slides still point at their own files, which are only read.
+    const QString name = QStringLiteral("message");
+    CSlide copy;
+    for (const CSlideNode* node = slides.firstItem().get(); node; node = node->NextNode.get())
+        copy.InsertAtBack(node->DataSlideDur, node->DataImgPath, node->DataText, node->DataSoundPath);
+    copy.setfolderpath(name);
+    copy.setfilename(name);
+    if (Status s = generateSMIL(copy, scratch.path(), subject); !s) return s;
+    return writeSendRequest(copy, workspace::messageFolder(scratch.path(), name), subject, outPath);
+}
+
+} // namespace mms

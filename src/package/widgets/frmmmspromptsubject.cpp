@@ -1,0 +1,105 @@
+#include "package/widgets/frmmmspromptsubject.h"
+
+#include "composer/localisation.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace mms {
+
+namespace {
+
+constexpr QStringView kForbidden = u"~!@#$%^&*()+|\\?><,.";
+
+// The subject becomes line 1 of the message index and a zero-terminated header field of an MMS, so
+// a line break or other control character pasted into the box is taken as a space.
+QString singleLine(QString text) {
+    for (QChar& c : text)
+        if (c.category() == QChar::Other_Control) c = QLatin1Char(' ');
+    return text;
+}
+
+// Characters as the user counts them: a character outside the Basic Multilingual Plane is one.
+qsizetype characterCount(const QString& text) {
+    return text.toUcs4().size();
+}
+
+} // namespace
+
+frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink& sink, MessageState& state,
+                                         QWidget* parent)
+    : QDialog(parent), subject(new QLineEdit(this)), Label1(new QLabel(this)),
+      cmdUpload(new QPushButton(this)), texts_(texts), sink_(sink), state_(state) {
+    setObjectName(QStringLiteral("frmMMSPromptSubject"));
+    subject->setObjectName(QStringLiteral("subject"));
+    Label1->setObjectName(QStringLiteral("Label1"));
+    cmdUpload->setObjectName(QStringLiteral("cmdUpload"));
+    setModal(true);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+
+    Label1->setBuddy(subject);
+    cmdUpload->setDefault(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdUpload);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(Label1);
+    layout->addWidget(subject);
+    layout->addSpacing(6);
+    layout->addLayout(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    // Room for a full-length subject in a wide font.
+    subject->setMinimumWidth(subject->fontMetrics().horizontalAdvance(QLatin1Char('W')) * 16);
+
+    connect(cmdUpload, &QPushButton::clicked, this, [this] { cmdUpload_Click(); });
+    subject->installEventFilter(this);
+    Form_Load();
+    subject->setFocus();
+}
+
+bool frmMMSPromptSubject::isForbiddenSubjectChar(QChar c) {
+    return kForbidden.contains(c);
+}
+
+void frmMMSPromptSubject::Form_Load() {
+    subject->clear();
+    setWindowTitle(texts_.getMCrInterfaceStr(63));
+    Label1->setText(texts_.getMCrInterfaceStr(60));
+    cmdUpload->setText(texts_.getMCrInterfaceStr(63));
+    validflag = false;
+}
+
+bool frmMMSPromptSubject::subject_KeyPress(QChar typed) {
+    if (!isForbiddenSubjectChar(typed)) return true;
+    showError(10);
+    return false;
+}
+
+void frmMMSPromptSubject::cmdUpload_Click() {
+    const QString text = singleLine(subject->text());
+    if (text.isEmpty()) return showError(16);
+    if (characterCount(text) > kMaxSubjectLength) return showError(17);
+    state_.txtsubject = text;
+    validflag = true;
+    accept();
+}
+
+bool frmMMSPromptSubject::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == subject && event->type() == QEvent::KeyPress) {
+        // Shortcuts such as Ctrl+V carry control characters, never a forbidden one, so pasting passes.
+        for (QChar c : static_cast<QKeyEvent*>(event)->text())
+            if (!subject_KeyPress(c)) return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmMMSPromptSubject::showError(int number) const {
+    sink_.show(
+        Message{texts_.getMCrErrStr(number), applicationTitle(), Buttons::Ok, Icon::Warning, Answer::Ok});
+}
+
+} // namespace mms

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "model/messagesink.h"
+#include "store/messagestore.h"
+
+#include <QDialog>
+#include <QString>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace mms {
+
+class Localisation;
+
+// Asks for the subject of the message before an export. A valid subject is handed back through the
+// composer's txtsubject, and validflag is true only then; any other way out leaves it false.
+class frmMMSPromptSubject final : public QDialog {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(frmMMSPromptSubject)
+
+public:
+    // The longest subject accepted, in characters.
+    static constexpr int kMaxSubjectLength = 25;
+
+    frmMMSPromptSubject(const Localisation& texts, MessageSink& sink, MessageState& state,
+                        QWidget* parent = nullptr);
+
+    // The characters a subject may not be typed with.
+    static bool isForbiddenSubjectChar(QChar c);
+
+    void Form_Load();
+    // Whether a typed character is kept; a forbidden one is refused with error text 10. Only typed
+    // keys come here: text pasted into the box is taken as it is.
+    bool subject_KeyPress(QChar typed);
+    void cmdUpload_Click();
+
+    bool validflag = false;
+
+    QLineEdit* subject;
+    QLabel* Label1;
+    QPushButton* cmdUpload;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void showError(int number) const;
+
+    const Localisation& texts_;
+    MessageSink& sink_;
+    MessageState& state_;
+};
+
+} // namespace mms
