@@ -46,6 +46,7 @@ class SoundPanel;
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
+//   package/widgets/frmmmsmain_export.cpp  Export, Export as MMS
 class frmMMSMain final : public QMainWindow, public ComposerHost {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmMMSMain)
