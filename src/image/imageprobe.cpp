@@ -7,6 +7,9 @@ namespace mms {
 
 namespace {
 
+// Every scan position stays below this, so reads up to nine bytes further never leave the buffer.
+constexpr int kScanLimit = 65525;
+
 // The first 64 KiB of the file as the probe sees them: bytes past the end of a shorter file read as
 // zero. Every index used is below kImageProbeBytes.
 class Buffer {
@@ -14,14 +17,14 @@ public:
     explicit Buffer(QByteArrayView head)
         : data_(head.data()), size_(std::min<qsizetype>(head.size(), kImageProbeBytes)) {}
     quint8 operator[](int k) const { return k < size_ ? quint8(data_[k]) : 0; }
+    // Where the scans give up: position 65525, or the end of a shorter file, since the zero bytes
+    // after it hold no 255 and so no marker.
+    int scanLimit() const { return int(std::min<qsizetype>(size_, kScanLimit)); }
 
 private:
     const char* data_;
     qsizetype size_;
 };
-
-// Every scan position stays below this, so reads up to nine bytes further never leave the buffer.
-constexpr int kScanLimit = 65525;
 
 qint32 bigEndianAt(const Buffer& b, int k) {
     return bytesToWord(b[k + 1], b[k]);
@@ -87,19 +90,20 @@ void probeBmp(const Buffer& b, ImageProbe& r) {
 // their declared length. Every failing exit clears the answer.
 void scanJpeg(const Buffer& b, ImageProbe& r) {
     r.answer = false;
+    const int limit = b.scanLimit();
     int i = 0;
     while (!(b[i] == 255 && b[i + 1] == 216 && b[i + 2] == 255)) {
-        if (++i >= kScanLimit) return;
+        if (++i >= limit) return;
     }
     int j = i + 2;
-    if (j >= kScanLimit) return;
+    if (j >= limit) return;
     for (;;) {
         while (!(b[j] == 255 && b[j + 1] != 255)) {
-            if (++j >= kScanLimit) return;
+            if (++j >= limit) return;
         }
         if (isStartOfFrame(b[j + 1])) break;
         j = j + 1 + bigEndianAt(b, j + 2);
-        if (j >= kScanLimit) return;
+        if (j >= limit) return;
     }
     r.imgType = ImageProbe::Jpeg;
     r.answer = true;
