@@ -24,6 +24,9 @@ namespace mms {
 
 namespace {
 
+// One cell of the thumbnail grid: the icon with a line of its name below.
+constexpr QSize kGridSize{96, 72};
+
 // The wait cursor for as long as a conversion runs.
 class BusyCursor {
 public:
@@ -56,10 +59,12 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
     lstPicView->setObjectName(QStringLiteral("lstPicView"));
     lstPicView->setViewMode(QListView::IconMode);
     lstPicView->setIconSize(kThumbnailSize);
-    lstPicView->setGridSize(QSize(92, 76));
+    lstPicView->setGridSize(kGridSize);
+    // Keeps the first row of icons off the frame.
+    lstPicView->setStyleSheet(
+        QStringLiteral("QListWidget#lstPicView { padding-top: 6px; background: palette(base); }"));
     lstPicView->setResizeMode(QListView::Adjust);
     lstPicView->setMovement(QListView::Static);
-    lstPicView->setUniformItemSizes(true);
     lstPicView->setWordWrap(true);
     lstPicView->setSelectionMode(QAbstractItemView::SingleSelection);
 
@@ -90,14 +95,15 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
     connect(refreshcmd, &QPushButton::clicked, this, [this] { refreshcmd_Click(); });
     connect(imgChgDirBrowse, &QToolButton::clicked, this, [this] { imgChgDirBrowse_Click(); });
     connect(lstPicView, &QListWidget::itemClicked, this, [this] { lstPicView_ItemClick(); });
-    // Choosing with the keyboard counts as a click; a double click or Enter also attaches.
+    // Choosing with the keyboard counts as a click; a double click also attaches. (Not "activated",
+    // which some desktops send on a single click.)
     connect(lstPicView, &QListWidget::itemSelectionChanged, this, [this] {
         if (selectedPicture())
             lstPicView_ItemClick();
         else
             chgImgCmd->setEnabled(false); // a Ctrl-click took the selection away
     });
-    connect(lstPicView, &QListWidget::itemActivated, this, [this] {
+    connect(lstPicView, &QListWidget::itemDoubleClicked, this, [this] {
         lstPicView_ItemClick();
         if (chgImgCmd->isEnabled()) chgImgCmd_Click();
     });
@@ -159,7 +165,7 @@ void PicturePanel::addThumbnail(int row, const QString& fileName, const QImage& 
     // Rows come in order, each once; anything else would pair a name with another file's picture.
     if (row != lstPicView->count()) return;
     auto* item = new QListWidgetItem(QIcon(QPixmap::fromImage(thumbnail)), fileName);
-    item->setToolTip(fileName);
+    item->setToolTip(fileName); // the whole name, where the grid elides it
     lstPicView->addItem(item);
 }
 
