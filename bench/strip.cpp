@@ -1,0 +1,224 @@
+// The composer window with a large message: adding, removing and moving a slide in the middle of
+// the strip, showing a slide, and one keystroke in the text box (its commit and the size recount),
+// at 2,000 slides. Argument 0: slides without media. Argument 1: every slide carries a picture and a
+// sound file, so every size recount reads 4,000 file lengths (BM_SizeRecount shows that part alone).
+// Each figure includes the window's own event processing (strip layout and repaint) after the
+// command; the window is shown on the offscreen platform.
+#include "composer/localisation.h"
+#include "composer/widgets/frmmmsmain.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <ctime>
+#include <memory>
+
+namespace {
+
+class SilentDialogs final : public mms::Dialogs {
+public:
+    mms::Answer show(const mms::Message& m) override { return m.defaultAnswer; }
+    QString chooseFolder(QWidget*, const QString&, const QString&) override { return {}; }
+    QString chooseSaveFile(QWidget*, const QString&, const QString&, const QString&) override { return {}; }
+    void runModal(QDialog&) override {}
+};
+
+class NullDevice final : public mms::MultimediaDevice {
+public:
+    int sendString(const QString&) override { return 0; }
+};
+
+struct Composer {
+    QTemporaryDir home;
+    SilentDialogs dialogs;
+    mms::SystemClock clock;
+    mms::SystemRandom random;
+    NullDevice device;
+    mms::Platform platform{dialogs, clock, random, device};
+    mms::Localisation loc;
+    std::unique_ptr<mms::frmMMSMain> window;
+
+    Composer(int slides, bool media) {
+        mms::LanguageTexts texts;
+        for (int i = 0; i < 12; ++i)
+            texts.prompts << QStringLiteral("prompt");
+        for (int i = 0; i < 32; ++i)
+            texts.errors << QStringLiteral("error");
+        for (int i = 0; i < 70; ++i)
+            texts.interface << QStringLiteral("text %1").arg(i);
+        loc.setTexts(texts);
+        mms::frmMMSMain::Options options;
+        options.appFolder = home.path();
+        window = std::make_unique<mms::frmMMSMain>(platform, loc, options);
+        (void)window->Form_Load();
+
+        QStringList pictures;
+        for (int i = 0; i < 10; ++i) {
+            QImage image(64, 48, QImage::Format_RGB32);
+            image.fill(QColor::fromHsv(i * 36, 160, 220));
+            pictures << home.filePath(QStringLiteral("pic%1.png").arg(i));
+            image.save(pictures.back());
+        }
+        const QString sound = home.filePath(QStringLiteral("tune.mid"));
+        QFile f(sound);
+        f.open(QIODevice::WriteOnly);
+        f.write(QByteArray(2000, 'x'));
+        f.close();
+        for (int i = 0; i < slides; ++i) {
+            window->addCmd_Click();
+            if (!media) continue;
+            window->updateCurrentSlide(QStringLiteral("imgPath"), pictures.at(i % pictures.size()));
+            window->updateCurrentSlide(QStringLiteral("soundPath"), sound);
+        }
+        window->show();
+        QApplication::processEvents();
+    }
+    void pick(int position) {
+        window->selectSlide(static_cast<qint16>(position));
+        window->lstSlide_ItemClick();
+    }
+};
+
+constexpr int kSlides = 2000;
+constexpr int kMiddle = kSlides / 2;
+
+double threadCpuSeconds() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / 1e9;
+}
+
+// Times one call plus the event processing it causes: wall time as the figure, and the window
+// thread's own CPU time for the same stretch in the counter "cmd_cpu_ms" (on a busy machine the
+// wall time includes waiting for a processor).
+template <typename F> double timed(benchmark::State& state, F&& f) {
+    QElapsedTimer timer;
+    const double cpuStart = threadCpuSeconds();
+    timer.start();
+    f();
+    QApplication::processEvents();
+    const double wall = static_cast<double>(timer.nsecsElapsed()) / 1e9;
+    state.counters["cmd_cpu_ms"] += (threadCpuSeconds() - cpuStart) * 1e3;
+    return wall;
+}
+
+void finish(benchmark::State& state) {
+    state.counters["cmd_cpu_ms"] =
+        benchmark::Counter(state.counters["cmd_cpu_ms"], benchmark::Counter::kAvgIterations);
+}
+
+// One window of each kind for all figures: filling it takes seconds, and every figure leaves
+// 2,000 slides behind.
+Composer& composer(const benchmark::State& state) {
+    if (state.range(0) == 0) {
+        static Composer plain(kSlides, false);
+        return plain;
+    }
+    static Composer withMedia(kSlides, true);
+    return withMedia;
+}
+
+void BM_AddSlideInTheMiddle(benchmark::State& state) {
+    Composer& c = composer(state);
+    for (auto _ : state) {
+        c.pick(kMiddle);
+        state.SetIterationTime(timed(state, [&] { c.window->addCmd_Click(); }));
+        c.window->removeCmd_Click();
+    }
+    finish(state);
+}
+
+void BM_RemoveSlideInTheMiddle(benchmark::State& state) {
+    Composer& c = composer(state);
+    for (auto _ : state) {
+        c.pick(kMiddle);
+        state.SetIterationTime(timed(state, [&] { c.window->removeCmd_Click(); }));
+        c.pick(kMiddle - 1);
+        c.window->addCmd_Click();
+    }
+    finish(state);
+}
+
+void BM_MoveForwardAndBackward(benchmark::State& state) {
+    Composer& c = composer(state);
+    c.pick(kMiddle);
+    bool forward = true;
+    for (auto _ : state) {
+        state.SetIterationTime(
+            timed(state, [&] { forward ? c.window->fCmd_Click() : c.window->rCmd_Click(); }));
+        forward = !forward;
+    }
+    finish(state);
+}
+
+void BM_MoveToTheFrontAndTheBack(benchmark::State& state) {
+    Composer& c = composer(state);
+    bool front = true;
+    for (auto _ : state) {
+        c.pick(kMiddle);
+        state.SetIterationTime(
+            timed(state, [&] { front ? c.window->ffCmd_Click() : c.window->rrCmd_Click(); }));
+        front = !front;
+    }
+    finish(state);
+}
+
+void BM_KeystrokeInTheTextBox(benchmark::State& state) {
+    Composer& c = composer(state);
+    c.pick(kMiddle);
+    c.window->txtText_Click();
+    int typed = 0;
+    for (auto _ : state) {
+        const bool erase = ++typed % 40 == 0;
+        QKeyEvent key(QEvent::KeyPress, erase ? Qt::Key_Backspace : Qt::Key_A, Qt::NoModifier,
+                      erase ? QString() : QStringLiteral("a"));
+        state.SetIterationTime(timed(state, [&] { QApplication::sendEvent(c.window->txtText, &key); }));
+    }
+    finish(state);
+}
+
+void BM_ShowAnotherSlide(benchmark::State& state) {
+    Composer& c = composer(state);
+    int position = 1;
+    for (auto _ : state) {
+        position = position % kSlides + 997;
+        if (position > kSlides) position -= kSlides;
+        c.window->selectSlide(static_cast<qint16>(position));
+        state.SetIterationTime(timed(state, [&] { c.window->lstSlide_ItemClick(); }));
+    }
+    finish(state);
+}
+
+// The part of every commit that reads the disk: the size estimate over all slides.
+void BM_SizeRecount(benchmark::State& state) {
+    Composer& c = composer(state);
+    for (auto _ : state) {
+        state.SetIterationTime(
+            timed(state, [&] { benchmark::DoNotOptimize(c.window->message().getTotalSize({}, {}, {})); }));
+    }
+    finish(state);
+}
+
+BENCHMARK(BM_SizeRecount)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AddSlideInTheMiddle)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RemoveSlideInTheMiddle)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveForwardAndBackward)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveToTheFrontAndTheBack)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeystrokeInTheTextBox)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ShowAnotherSlide)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
