@@ -39,7 +39,6 @@ frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink&
     Label1->setObjectName(QStringLiteral("Label1"));
     cmdUpload->setObjectName(QStringLiteral("cmdUpload"));
     setModal(true);
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
     Label1->setBuddy(subject);
     cmdUpload->setDefault(true);
@@ -52,8 +51,8 @@ frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink&
     layout->addSpacing(6);
     layout->addLayout(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    // Room for a full-length subject in a wide font.
-    subject->setMinimumWidth(subject->fontMetrics().horizontalAdvance(QLatin1Char('W')) * 16);
+    // Room for a full-length subject.
+    subject->setMinimumWidth(subject->fontMetrics().averageCharWidth() * (kMaxSubjectLength + 20));
 
     connect(cmdUpload, &QPushButton::clicked, this, [this] { cmdUpload_Click(); });
     subject->installEventFilter(this);
