@@ -229,6 +229,15 @@ private:
     void styleTextHint();
     QString textHint() const;
 
+    // Store helpers.
+    MessageStore store() const;
+    Answer ask(int prompt, int title, Buttons buttons, Answer defaultAnswer);
+    void showStoreError(int error, const QString& detail);
+    // Empties the message, the strip and the panel (New, Open).
+    void clearMessage();
+    // Rebuilds the slides, thumbnails and strip items of an opened message and shows slide 1.
+    void loadMessage(const LoadedMessage& loaded);
+
     // Preview helpers.
     void stopSoundPreview();
     void onPreviewNotify(MultimediaDevice::Notify result);
@@ -253,6 +262,7 @@ private:
     bool stripFromCode_ = false;
     bool textHintStyled_ = false;
     bool hookInstalled_ = false;
+    bool saveFailed_ = false; // the last Save or Save as hit a store error (not a cancel)
     bool unloaded_ = false;
 };
 
