@@ -1,21 +1,19 @@
 #pragma once
 
+#include "sound/midi_testfile.h"
 #include "sound/midiplayer.h"
-#include "sound/synthengine.h"
 
 #include <vector>
 
 namespace mms::test {
 
-// What a test wants the engine to do; the test keeps this while the player owns the engine.
+// A scripted engine: the test keeps the script while the player owns the engine.
 struct EngineScript {
     QString unavailable;        // non-empty: the engine cannot be heard
     bool acceptTunes = true;    // false: load() refuses
     std::optional<qint64> tick; // what currentTick() reports
     std::vector<qint64> plays;  // ticks passed to play()
-    int stops = 0;
-    int loads = 0;
-    int unloads = 0;
+    int stops = 0, loads = 0, unloads = 0;
     bool loaded = false;
 };
 
@@ -25,8 +23,7 @@ public:
     QString unavailableReason() const override { return s_.unavailable; }
     bool load(const QByteArray&) override {
         ++s_.loads;
-        s_.loaded = s_.acceptTunes;
-        return s_.loaded;
+        return s_.loaded = s_.acceptTunes;
     }
     bool play(qint64 fromTick) override {
         s_.plays.push_back(fromTick);
@@ -51,5 +48,21 @@ public:
 private:
     qint64& ms_;
 };
+
+inline midifile::Track& tempoAt(midifile::Track& t, quint32 delta, quint32 usPerQuarter) {
+    return t.raw(delta, midifile::bytes({0xFF, 0x51, 3}) + midifile::bigEndian(usPerQuarter, 3));
+}
+
+// 96 ticks per quarter; the tempo track changes tempo twice: 120 bpm for two beats (1 s), 240 bpm
+// for two beats (0.5 s), 60 bpm for four beats (4 s). Eight quarter notes: 768 ticks, 5.5 s.
+inline QByteArray threeTempoTune() {
+    midifile::Track tempos, notes;
+    tempoAt(tempoAt(tempos, 0, 500000), 192, 250000);
+    tempoAt(tempos, 192, 1000000).end();
+    for (int i = 0; i < 8; ++i)
+        notes.note(0, 96, 0, 60 + i);
+    notes.end();
+    return midifile::midiFile(96, {tempos, notes});
+}
 
 } // namespace mms::test

@@ -1,7 +1,6 @@
 #include "sound/widgets/frmmmscropmidi.h"
 
 #include "composer/localisation.h"
-#include "composer/widgets/composerhost.h"
 #include "composer/widgets/platform.h"
 #include "model/filelength.h"
 #include "sound/midicrop.h"
@@ -342,13 +341,11 @@ QString cropOutputPath(const QString& appFolder, double uniform) {
     return workspace::tmpMid(appFolder) + QLatin1Char('/') + QString::number(number) + QStringLiteral(".mid");
 }
 
-QString runCropWindow(ComposerHost& host, const QString& inputPath, PlayerControl* player) {
-    Platform& platform = host.platform();
-    const Localisation& texts = host.localisation();
-    const QString output = cropOutputPath(host.appFolder(), platform.random.uniform());
-    auto window = player
-                      ? std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, *player, host.hostWindow())
-                      : std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, host.hostWindow());
+QString runCropWindow(Platform& platform, const Localisation& texts, const QString& appFolder,
+                      const QString& inputPath, QWidget* parent, PlayerControl* player) {
+    const QString output = cropOutputPath(appFolder, platform.random.uniform());
+    auto window = player ? std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, *player, parent)
+                         : std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, parent);
     window->txtName->setText(inputPath);
     window->outfilename = output;
     window->validflag = false;

@@ -13,10 +13,10 @@ class QToolButton;
 
 namespace mms {
 
-class ComposerHost;
 class Dialogs;
 class Localisation;
 class PlayerControl;
+struct Platform;
 
 // The MIDI crop window: plays a tune, takes a start and an end mark from the playing position,
 // plays the marked stretch and writes it as a new MIDI file at `outfilename`. The composer fills
@@ -92,11 +92,12 @@ private:
 };
 
 // The window part of the composer's crop command: runs the crop window modally on `inputPath`
-// with a fresh output name below the workspace's "Temp/tmpMID" and returns the path of the cropped
+// with a fresh output name below appFolder's "Temp/tmpMID" and returns the path of the cropped
 // tune to attach, or an empty string when there is nothing to attach (the user closed the window,
 // the crop failed, or the result is too large, which is reported with error string 1). `player`
 // defaults to a FluidSynth player.
-QString runCropWindow(ComposerHost& host, const QString& inputPath, PlayerControl* player = nullptr);
+QString runCropWindow(Platform& platform, const Localisation& texts, const QString& appFolder,
+                      const QString& inputPath, QWidget* parent = nullptr, PlayerControl* player = nullptr);
 
 // appFolder + "/Temp/tmpMID/" + a random number from 10000 to 99999 + ".mid".
 QString cropOutputPath(const QString& appFolder, double uniform);
