@@ -2,9 +2,14 @@
 
 #include "composer/localisation.h"
 #include "composer/widgets/composerhost.h"
+#include "image/folderpaths.h"
+#include "image/widgets/browsefolder.h"
+#include "sound/widgets/frmmmscropmidi.h"
+#include "store/workspace.h"
 
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -15,6 +20,13 @@
 #include <QVBoxLayout>
 
 namespace mms {
+
+namespace {
+
+// A sound on a slide must stay below this many bytes.
+constexpr qint64 kSizeLimit = 102400;
+
+} // namespace
 
 SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), host_(host) {
     setObjectName(QStringLiteral("soundPanel"));
@@ -36,6 +48,8 @@ SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), h
     fileBoxSound->setObjectName(QStringLiteral("fileBoxSound"));
     fileBoxSound->setSelectionMode(QAbstractItemView::SingleSelection);
     fileBoxSound->setUniformItemSizes(true);
+    fileBoxSound->setSpacing(1);
+    fileBoxSound->setIconSize(QSize(16, 16));
 
     cropCmd = new QPushButton(this);
     cropCmd->setObjectName(QStringLiteral("cropCmd"));
@@ -70,6 +84,14 @@ SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), h
     connect(SoundChgDirBrowse, &QToolButton::clicked, this, [this] { SoundChgDirBrowse_Click(); });
     connect(soundTypeCombo, &QComboBox::currentIndexChanged, this, [this] { soundTypeCombo_Click(); });
     connect(fileBoxSound, &QListWidget::itemSelectionChanged, this, [this] { fileBoxSound_Click(); });
+    // A click on the file that is already selected enables the commands again after a slide reset
+    // disabled them.
+    connect(fileBoxSound, &QListWidget::itemClicked, this, [this] { fileBoxSound_Click(); });
+    // Double-click or Enter on a file uses it, as the attach command does.
+    connect(fileBoxSound, &QListWidget::itemActivated, this, [this] {
+        fileBoxSound_Click();
+        if (chgSoundCmd->isEnabled()) chgSoundCmd_Click();
+    });
     connect(chgSoundCmd, &QPushButton::clicked, this, [this] { chgSoundCmd_Click(); });
     connect(cropCmd, &QPushButton::clicked, this, [this] { cropCmd_Click(); });
 }
@@ -111,20 +133,36 @@ bool SoundPanel::setFileListFolder(const QString& folder) {
 
 void SoundPanel::setFileListPattern(const QString& pattern) {
     filePattern_ = pattern;
-    refreshFileList();
+    refreshFileList(true);
 }
 
-bool SoundPanel::refreshFileList() {
+bool SoundPanel::refreshFileList(bool keepSelection) {
+    const QString kept = keepSelection ? selectedFileName() : QString();
     const QSignalBlocker quiet(fileBoxSound);
     fileBoxSound->clear();
     if (fileFolder_.isEmpty()) return true;
     const QFileInfo info(fileFolder_);
     if (!info.isDir() || !info.isReadable()) return false;
     const QStringList patterns = filePattern_.split(QLatin1Char(';'), Qt::SkipEmptyParts);
+    // Without QDir::CaseSensitive the patterns match in any case, so "*.mid" lists TUNE.MID.
     const QStringList names =
         QDir(fileFolder_).entryList(patterns, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
-    fileBoxSound->addItems(names);
+    const QIcon icon(QStringLiteral(":/composer/icons/sound.svg"));
+    for (const QString& name : names)
+        new QListWidgetItem(icon, name, fileBoxSound);
+    if (!kept.isEmpty()) {
+        const QList<QListWidgetItem*> same = fileBoxSound->findItems(kept, Qt::MatchExactly);
+        if (!same.isEmpty()) fileBoxSound->setCurrentItem(same.front());
+    }
     return true;
+}
+
+void SoundPanel::showFolderOrNothing(const QString& folder, bool keepSelection) {
+    fileFolder_ = folder;
+    if (!refreshFileList(keepSelection)) {
+        fileFolder_.clear();
+        refreshFileList();
+    }
 }
 
 QString SoundPanel::selectedFileName() const {
@@ -132,32 +170,52 @@ QString SoundPanel::selectedFileName() const {
     return selected.isEmpty() ? QString() : selected.front()->text();
 }
 
+QString SoundPanel::selectedFilePath() const {
+    const QString name = selectedFileName();
+    if (name.isEmpty() || fileFolder_.isEmpty()) return QString();
+    return QFileInfo(QDir(fileFolder_), name).absoluteFilePath();
+}
+
 void SoundPanel::soundDirPath_Change() {
     cropCmd->setEnabled(false);
     chgSoundCmd->setEnabled(false);
-    if (!setFileListFolder(soundDirPath->text())) setFileListFolder(QString());
+    showFolderOrNothing(soundDirPath->text(), false);
 }
 
+// Lists the folder again; a file that is still there stays selected, so the commands keep their
+// state unless the selected file has gone.
 void SoundPanel::refresh2Cmd_Click() {
-    if (!setFileListFolder(soundDirPath->text())) setFileListFolder(QString());
+    showFolderOrNothing(soundDirPath->text(), true);
+    if (selectedFileName().isEmpty()) fileBoxSound_Click();
 }
 
-// Not wired yet: the folder chooser of the library.
-void SoundPanel::SoundChgDirBrowse_Click() {}
+void SoundPanel::SoundChgDirBrowse_Click() {
+    const QString chosen = browseFolder(host_, browseStartPath(soundDirPath->text()));
+    if (!chosen.isEmpty()) {
+        soundDirPath->setText(QDir::toNativeSeparators(chosen));
+        // The same folder again changes no text; the list is read anew all the same.
+        showFolderOrNothing(soundDirPath->text(), false);
+    }
+    // Cancelled or not, the commands rest until a file is clicked; a file left highlighted would
+    // look ready to use.
+    fileBoxSound->clearSelection();
+    cropCmd->setEnabled(false);
+    chgSoundCmd->setEnabled(false);
+}
 
 void SoundPanel::soundTypeCombo_Click() {
     switch (soundTypeCombo->currentIndex()) {
     case 0:
-        setFileListPattern(QStringLiteral("*.amr;*.mid"));
+        filePattern_ = QStringLiteral("*.amr;*.mid");
         break;
     case 1:
-        setFileListPattern(QStringLiteral("*.amr"));
+        filePattern_ = QStringLiteral("*.amr");
         break;
     default:
-        setFileListPattern(QStringLiteral("*.mid"));
+        filePattern_ = QStringLiteral("*.mid");
         break;
     }
-    if (!setFileListFolder(soundDirPath->text())) setFileListFolder(QString());
+    showFolderOrNothing(soundDirPath->text(), true);
     fileBoxSound_Click();
 }
 
@@ -167,10 +225,46 @@ void SoundPanel::fileBoxSound_Click() {
     cropCmd->setEnabled(name.toLower().endsWith(QLatin1String(".mid")));
 }
 
-// Not wired yet: attaching the chosen sound to the slide.
-void SoundPanel::chgSoundCmd_Click() {}
+void SoundPanel::chgSoundCmd_Click() {
+    const QString path = selectedFilePath();
+    if (path.isEmpty()) return;
+    Dialogs& dialogs = host_.platform().dialogs;
+    const Localisation& loc = host_.localisation();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        dialogs.inform(loc.getMCrErrStr(28).replace(QStringLiteral("%1"), QDir::toNativeSeparators(path) +
+                                                                              QStringLiteral(": ") +
+                                                                              file.errorString()));
+        return;
+    }
+    const qint64 length = file.size();
+    file.close();
+    if (length >= kSizeLimit) {
+        dialogs.inform(loc.getMCrErrStr(1));
+        return;
+    }
+    attachSound(path);
+}
 
-// Not wired yet: the crop window.
-void SoundPanel::cropCmd_Click() {}
+void SoundPanel::cropCmd_Click() {
+    const QString path = selectedFilePath();
+    if (path.isEmpty()) return;
+    // The cropped tune goes below Temp; should the folder have gone since start-up, it is made again.
+    QDir().mkpath(workspace::tmpMid(host_.appFolder()));
+    const QString cropped = runCropWindow(host_.platform(), host_.localisation(), host_.appFolder(), path,
+                                          host_.hostWindow(), cropPlayer_);
+    if (!cropped.isEmpty()) attachSound(cropped);
+}
+
+void SoundPanel::attachSound(const QString& path) {
+    if (host_.IsEmpty()) host_.addCmd_Click();
+    const qint16 current = host_.selectedSlide();
+    host_.updateCurrentSlide(QStringLiteral("soundPath"), path);
+    host_.lstSlide_ItemClick();
+    host_.selectSlide(current);
+    host_.setModified(true);
+    host_.sendPreviewCommand(QStringLiteral("stop music"));
+    host_.sendPreviewCommand(QStringLiteral("close music"));
+}
 
 } // namespace mms

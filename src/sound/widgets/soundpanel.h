@@ -12,6 +12,7 @@ class QToolButton;
 namespace mms {
 
 class ComposerHost;
+class PlayerControl;
 
 // The sound tab of the composer: the sound files of one library folder, filtered by type, the
 // command that attaches the chosen sound to the current slide and the one that opens a MIDI file
@@ -41,6 +42,10 @@ public:
     // The selected file name (no folder), empty when nothing is selected.
     QString selectedFileName() const;
 
+    // The player the crop window plays tunes with; null (the default) gives the window its own
+    // FluidSynth player. The panel does not own it.
+    void setCropPlayer(PlayerControl* player) { cropPlayer_ = player; }
+
     void soundDirPath_Change();
     void refresh2Cmd_Click();
     void SoundChgDirBrowse_Click();
@@ -58,9 +63,17 @@ public:
     QPushButton* cropCmd = nullptr;
 
 private:
-    bool refreshFileList();
+    // Lists the folder again; keeps the selected name when asked to and it is still listed.
+    bool refreshFileList(bool keepSelection = false);
+    // The file list's folder, or the empty folder when the text names no readable folder.
+    void showFolderOrNothing(const QString& folder, bool keepSelection);
+    // The selected file with the folder the list shows; empty when nothing is selected.
+    QString selectedFilePath() const;
+    // Puts `path` on the current slide (a first slide when there is none) and shows the slide.
+    void attachSound(const QString& path);
 
     ComposerHost& host_;
+    PlayerControl* cropPlayer_ = nullptr;
     QString fileFolder_;
     QString filePattern_;
 };
