@@ -4,6 +4,9 @@
 #include "support/tempdir.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLinearGradient>
 #include <QListView>
 #include <QPainter>
@@ -32,6 +35,7 @@ QString drawPicture(const test::TempDir& dir, const QString& name, QColor sky, Q
     p.drawEllipse(QRectF(120, 170, 320, 200));
     p.end();
     const QString path = dir.file(name);
+    QDir().mkpath(QFileInfo(path).absolutePath());
     image.save(path);
     return path;
 }
@@ -46,15 +50,22 @@ TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
     options.appFolder = home.path();
     options.languageFolder = QStringLiteral(MMS_BIN_DIR);
     options.languageCode = QStringLiteral("en");
+    // A small library, in place before start-up lists it.
+    const QString pictures[] = {
+        drawPicture(home, QStringLiteral("UserData/Picture/beach.jpg"), QColor(0x42, 0x85, 0xf4),
+                    QColor(0xf6, 0xd7, 0x8b)),
+        drawPicture(home, QStringLiteral("UserData/Picture/hills.jpg"), QColor(0x8a, 0xb4, 0xf8),
+                    QColor(0x34, 0xa8, 0x53)),
+        drawPicture(home, QStringLiteral("UserData/Picture/dusk.jpg"), QColor(0xa1, 0x42, 0xf4),
+                    QColor(0x20, 0x21, 0x24)),
+    };
+    home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd");
+    home.write(QStringLiteral("UserData/Sound/voice.amr"), "#!AMR\n");
+
     frmMMSMain w(fake.platform, loc, options);
     const Status started = w.Form_Load();
     ASSERT_TRUE(started.isOk()) << started.message().toStdString();
 
-    const QString pictures[] = {
-        drawPicture(home, QStringLiteral("beach.png"), QColor(0x42, 0x85, 0xf4), QColor(0xf6, 0xd7, 0x8b)),
-        drawPicture(home, QStringLiteral("hills.png"), QColor(0x8a, 0xb4, 0xf8), QColor(0x34, 0xa8, 0x53)),
-        drawPicture(home, QStringLiteral("dusk.png"), QColor(0xa1, 0x42, 0xf4), QColor(0x20, 0x21, 0x24)),
-    };
     const char* texts[] = {"Happy birthday, Anna!", "See you at the lake on Saturday", "Bring a torch"};
     for (int i = 0; i < 3; ++i) {
         w.addCmd->click();
@@ -72,7 +83,11 @@ TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
     w.lstSlide_ItemClick();
 
     w.show();
-    QApplication::processEvents();
+    // The library panels may fill in the background; give them a moment.
+    QElapsedTimer settle;
+    settle.start();
+    while (settle.elapsed() < 500)
+        QApplication::processEvents();
     const QImage shot = w.grab().toImage();
     ASSERT_FALSE(shot.isNull());
     EXPECT_GE(shot.width(), 900);
