@@ -1,14 +1,11 @@
 #include "app/mmsc.h"
 
 #include "model/cslide.h"
-#include "package/packagewriter.h"
+#include "package/messageexport.h"
 #include "store/messagestore.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <filesystem>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -46,42 +43,6 @@ std::optional<qint16> parseDuration(const QString& text) {
 // replaced only by a complete new one.
 Status saveMessage(const CSlide& slides, const QString& home, const QString& name, const QString& subject) {
     return MessageStore(home).save(slides, name, subject);
-}
-
-// Moves the finished archive to its destination, replacing a file there. A rename replaces in one
-// step; across file systems the archive is copied through a save file, so the old destination stays
-// whole until the new one is complete.
-Status moveArchive(const QString& from, const QString& to) {
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(from).toStdString(), QFile::encodeName(to).toStdString(),
-                            error);
-    if (!error) return Status::ok();
-    QFile in(from);
-    QSaveFile out(to);
-    if (!in.open(QIODevice::ReadOnly))
-        return Status::failure(
-            QStringLiteral("Cannot read \"%1\": %2").arg(QDir::toNativeSeparators(from), in.errorString()));
-    const QByteArray bytes = in.readAll();
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
-        return Status::failure(
-            QStringLiteral("Cannot write \"%1\": %2").arg(QDir::toNativeSeparators(to), out.errorString()));
-    in.close();
-    QFile::remove(from);
-    return Status::ok();
-}
-
-Status exportMessage(CSlide& slides, const QString& home, const QString& subject,
-                     const QString& destination) {
-    if (!QDir().mkpath(home))
-        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(QDir::toNativeSeparators(home)));
-    const QString base = home + QStringLiteral("/upload");
-    slides.setfolderpath(QString());
-    slides.setfilename(base);
-    if (Status s = generateSMIL(slides, home, subject); !s) return s;
-    const QString archive = base + QStringLiteral(".tpl");
-    Status moved = moveArchive(archive, destination);
-    if (!moved) QFile::remove(archive);
-    return moved;
 }
 
 int build(Context& context, const QStringList& args) {
@@ -174,7 +135,7 @@ int build(Context& context, const QStringList& args) {
         if (Status s = saveMessage(slides, context.home, *request.saveName, request.subject); !s)
             return fail(context, s.message());
     } else if (request.exportFile) {
-        if (Status s = exportMessage(slides, context.home, request.subject, *request.exportFile); !s)
+        if (Status s = exportArchive(slides, context.home, request.subject, *request.exportFile); !s)
             return fail(context, s.message());
     }
     if (request.info) context.out << "slides: " << count << "\nsize: " << size << "\n";

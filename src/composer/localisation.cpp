@@ -167,7 +167,8 @@ Status checkUsedEntries(const LanguageTexts& texts) {
         {&texts.interface, usedInterfaceNumbers()},
     };
     for (int g = 0; g < 3; ++g) {
-        const auto& [list, used] = groups[g];
+        const QStringList* list = groups[g].first;
+        const QList<int>& used = groups[g].second;
         // The numbers are ascending, so the last one tells whether all are there.
         if (used.last() >= list->size()) {
             const int missing =

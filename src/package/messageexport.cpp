@@ -50,6 +50,20 @@ Status moveArchive(const QString& archive, const QString& destination) {
     return Status::ok();
 }
 
+Status exportArchive(CSlide& slides, const QString& appFolder, const QString& subject,
+                     const QString& destination) {
+    if (!QDir().mkpath(appFolder))
+        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(QDir::toNativeSeparators(appFolder)));
+    const QString base = uploadArchiveBase(appFolder);
+    slides.setfolderpath(QString());
+    slides.setfilename(base);
+    if (Status s = generateSMIL(slides, appFolder, subject); !s) return s;
+    const QString archive = base + QStringLiteral(".tpl");
+    Status moved = moveArchive(archive, destination);
+    if (!moved) QFile::remove(archive);
+    return moved;
+}
+
 Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QString& subject,
                     const QString& outPath) {
     const QString temp = workspace::temp(appFolder);

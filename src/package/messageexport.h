@@ -18,6 +18,11 @@ QString uploadArchiveBase(const QString& appFolder);
 // destination has changed and `archive` is still there.
 Status moveArchive(const QString& archive, const QString& destination);
 
+// The export without questions, for scripts: builds A/upload.tpl from `slides` and moves it to
+// `destination`. Unlike the composer, which keeps the archive for another try, a failure removes it.
+Status exportArchive(CSlide& slides, const QString& appFolder, const QString& subject,
+                     const QString& destination);
+
 // Writes `slides` as one MMS send request to `outPath`, which is replaced only by a complete request.
 // The package the request is made from is written into a scratch folder below A/Temp and removed
 // again, so nothing in the message store changes.

@@ -86,7 +86,9 @@ TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
     const QStringList codes = list({"", "sch", "tch", "fra", "ger", "it", "spa", "ru"});
     QStringList files, helps;
     for (int i = -1; i <= 8; ++i) {
-        if (i >= 0 && i < 8) EXPECT_EQ(langIndexForCode(codes.at(i)), i);
+        if (i >= 0 && i < 8) {
+            EXPECT_EQ(langIndexForCode(codes.at(i)), i);
+        }
         files.append(languageFileName(i));
         helps.append(helpFileName(i));
     }

@@ -8,6 +8,7 @@
 #include "store/workspace.h"
 
 #include <QAction>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -343,7 +344,10 @@ QString cropOutputPath(const QString& appFolder, double uniform) {
 
 QString runCropWindow(Platform& platform, const Localisation& texts, const QString& appFolder,
                       const QString& inputPath, QWidget* parent, PlayerControl* player) {
-    const QString output = cropOutputPath(appFolder, platform.random.uniform());
+    // A cropped tune already on a slide may hold the drawn name: draw again rather than replace it.
+    QString output = cropOutputPath(appFolder, platform.random.uniform());
+    for (int attempt = 0; attempt < 100 && QFileInfo::exists(output); ++attempt)
+        output = cropOutputPath(appFolder, platform.random.uniform());
     auto window = player ? std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, *player, parent)
                          : std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, parent);
     window->txtName->setText(inputPath);
