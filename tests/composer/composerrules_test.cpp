@@ -1,5 +1,4 @@
 #include "composer/composertext.h"
-#include "composer/slidestripmodel.h"
 #include "composer/workspacefolders.h"
 #include "store/workspace.h"
 #include "support/qtprint.h"
@@ -48,26 +47,6 @@ TEST(ComposerText, DurationsAreWholeSecondsThatFitSixteenBits) {
     EXPECT_EQ(durationSeconds(QStringLiteral("99999999999999999999999")), std::nullopt);
 }
 
-TEST(ComposerText, SoundLabelAndMoveRule) {
-    EXPECT_EQ(soundLabelText(QStringLiteral("/a/UserData/MMS/temp/sound3.mid"), 3, QStringLiteral("trip")),
-              QStringLiteral("trip-sound3.mid"));
-    EXPECT_EQ(soundLabelText(QStringLiteral("/a/UserData/MMS/temp/sound13.mid"), 3, QStringLiteral("trip")),
-              QStringLiteral("sound13.mid"));
-    EXPECT_EQ(soundLabelText(QStringLiteral("C:\\lib\\bell.amr"), 1, QStringLiteral("trip")),
-              QStringLiteral("bell.amr"));
-    EXPECT_EQ(soundLabelText(QString(), 1, QStringLiteral("trip")), QString());
-
-    const auto rule = [](int position, int count) {
-        const MoveCommands m = moveCommandsFor(position, count);
-        return std::pair(m.towardsFront, m.towardsBack);
-    };
-    EXPECT_EQ(rule(1, 0), std::pair(false, false));
-    EXPECT_EQ(rule(1, 1), std::pair(false, false));
-    EXPECT_EQ(rule(1, 3), std::pair(false, true));
-    EXPECT_EQ(rule(3, 3), std::pair(true, false));
-    EXPECT_EQ(rule(2, 3), std::pair(true, true));
-}
-
 TEST(WorkspaceFolders, FirstStartMakesAllSevenParentsFirstAndLaterStartsTouchNothing) {
     test::TempDir home;
     QStringList created;
@@ -110,47 +89,6 @@ TEST(WorkspaceFolders, CleanUpStopsAtTheFirstStepThatFails) {
     EXPECT_TRUE(s.message().contains(QStringLiteral("tmpMID"))) << s.message().toStdString();
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpJPG"))));
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpMID"))));
-}
-
-TEST(SlideStripModel, ChangesReportOnlyTheRowsWhoseLabelsChanged) {
-    SlideStripModel model;
-    QImage a(1, 1, QImage::Format_RGB32), b = a, c = a;
-    a.fill(Qt::red);
-    b.fill(Qt::green);
-    c.fill(Qt::blue);
-    model.appendSlide(a, SlideDur::fromText(QStringLiteral("3")));
-    model.appendSlide(b, SlideDur::fromNumber(5));
-    model.appendSlide(c, SlideDur::fromNumber(7));
-
-    std::vector<std::pair<int, int>> changed; // first and last row of each dataChanged
-    QObject::connect(&model, &SlideStripModel::dataChanged, &model,
-                     [&](const QModelIndex& first, const QModelIndex& last) {
-                         changed.emplace_back(first.row(), last.row());
-                     });
-    model.moveSlide(3, 1);
-    EXPECT_EQ(model.thumbnail(1), c);
-    EXPECT_EQ(model.label(1), QStringLiteral("1.             7s"));
-    EXPECT_EQ(model.label(3), QStringLiteral("3.             5s"));
-    EXPECT_EQ(changed, (std::vector<std::pair<int, int>>{{0, 2}}));
-
-    changed.clear();
-    model.removeSlide(1);
-    EXPECT_EQ(model.data(model.index(0), Qt::DisplayRole).toString(), QStringLiteral("1.             3s"));
-    EXPECT_EQ(model.data(model.index(1), Qt::DecorationRole).value<QImage>(), b);
-    model.moveSlide(1, 2);
-    EXPECT_EQ(model.thumbnail(2), a);
-
-    // Rebuilding from a list whose durations are those shown reports nothing.
-    CSlide list;
-    list.InsertAtBack(SlideDur::fromNumber(5), {}, {}, {});
-    list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
-    changed.clear();
-    model.refreshLabels(list);
-    EXPECT_TRUE(changed.empty());
-    list.lastItem()->DataSlideDur = SlideDur::fromNumber(9);
-    model.refreshLabels(list);
-    EXPECT_EQ(changed, (std::vector<std::pair<int, int>>{{1, 1}}));
-    EXPECT_EQ(model.label(2), QStringLiteral("2.             9s"));
 }
 
 } // namespace

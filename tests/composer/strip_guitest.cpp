@@ -137,18 +137,6 @@ TEST_F(StripTest, MovesCarryTextDurationAndThumbnailAndSelectTheMovedSlide) {
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
 
-TEST_F(StripTest, MoveButtonsFollowTheSelection) {
-    w->addCmd->click();
-    EXPECT_EQ(moves(), (Moves{false, false}));
-    addSlides(QStringLiteral("BC"));
-    pick(1);
-    EXPECT_EQ(moves(), (Moves{false, true}));
-    pick(2);
-    EXPECT_EQ(moves(), (Moves{true, true}));
-    pick(3);
-    EXPECT_EQ(moves(), (Moves{true, false}));
-}
-
 TEST_F(StripTest, ShowingASlideIsNoChangeButEveryCommandIs) {
     addSlides(QStringLiteral("AB"));
     w->setModified(false);
