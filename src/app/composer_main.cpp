@@ -82,6 +82,16 @@ int main(int argc, char** argv) {
     const QString home = mms::takeHomeOption(arguments);
     bool languageGiven = false;
     const QString languageCode = takeLanguageOption(arguments, languageGiven);
+    if (arguments == QStringList{QStringLiteral("--help")}) {
+        std::fprintf(stdout, "%s\n",
+                     "Usage: mms-composer [--home DIR] [--language CODE]\n"
+                     "  --home DIR       the application folder holding UserData/ and Temp/ (default:\n"
+                     "                   $MMS_COMPOSER_HOME, else the folder of the executable)\n"
+                     "  --language CODE  the interface language for this run: en, fra, ger, it, spa, ru,\n"
+                     "                   sch (Simplified Chinese) or tch (Traditional Chinese); by default\n"
+                     "                   the \"Language\" setting of the organisation \"Morvane\"");
+        return 0;
+    }
     if (!arguments.isEmpty()) {
         printError(
             QStringLiteral("unknown argument \"%1\"; usage: mms-composer [--home DIR] [--language CODE]")

@@ -49,9 +49,9 @@ int crop(Context& context, const QStringList& args) {
 
 const Registrar
     registrar("crop",
-              "  crop IN START END OUT    writes the stretch from START to END seconds (\"s\" optional)\n"
-              "                           of the MIDI file IN as the MIDI file OUT; exit status 1 when\n"
-              "                           the crop is refused",
+              "  crop IN START END OUT\n"
+              "               writes the stretch from START to END seconds (\"s\" optional) of the MIDI\n"
+              "               file IN as the MIDI file OUT; exit status 1 when the crop is refused",
               crop);
 
 } // namespace

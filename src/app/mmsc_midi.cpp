@@ -48,9 +48,9 @@ int midi(Context& context, const QStringList& args) {
 
 const Registrar
     registrar("midi",
-              "  midi FILE                decodes a MIDI file: tempo, time signature, tune length and the\n"
-              "                           note text of every channel by bars; exit status 1 when it\n"
-              "                           could not be decoded",
+              "  midi FILE\n"
+              "               decodes a MIDI file: tempo, time signature, tune length and the note text\n"
+              "               of every channel by bars; exit status 1 when it could not be decoded",
               midi);
 
 } // namespace

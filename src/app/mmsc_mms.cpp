@@ -48,8 +48,9 @@ int mms(Context& context, const QStringList& args) {
 
 const Registrar
     registrar("mms",
-              "  mms NAME OUT             writes the stored message NAME as one binary MMS send request\n"
-              "                           (m-send-req) to the file OUT",
+              "  mms NAME OUT\n"
+              "               writes the stored message NAME as one binary MMS send request (m-send-req)\n"
+              "               to the file OUT",
               mms);
 
 } // namespace

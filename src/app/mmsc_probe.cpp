@@ -22,9 +22,10 @@ int probe(Context& context, const QStringList& args) {
 
 const Registrar
     registrar("probe",
-              "  probe FILE...            one line per file: answer (1/0), type (0 unknown, 1 GIF, 2 JPEG,\n"
-              "                           3 PNG, 4 BMP), width, height, depth, file, tab-separated;\n"
-              "                           exit status 1 when a file could not be read",
+              "  probe FILE...\n"
+              "               one line per file: answer (1/0), type (0 unknown, 1 GIF, 2 JPEG, 3 PNG, 4 BMP),\n"
+              "               width, height, depth and file, tab-separated; exit status 1 when a file\n"
+              "               could not be read",
               probe);
 
 } // namespace
