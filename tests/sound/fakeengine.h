@@ -49,16 +49,11 @@ private:
     qint64& ms_;
 };
 
-inline midifile::Track& tempoAt(midifile::Track& t, quint32 delta, quint32 usPerQuarter) {
-    return t.raw(delta, midifile::bytes({0xFF, 0x51, 3}) + midifile::bigEndian(usPerQuarter, 3));
-}
-
 // 96 ticks per quarter; the tempo track changes tempo twice: 120 bpm for two beats (1 s), 240 bpm
 // for two beats (0.5 s), 60 bpm for four beats (4 s). Eight quarter notes: 768 ticks, 5.5 s.
 inline QByteArray threeTempoTune() {
     midifile::Track tempos, notes;
-    tempoAt(tempoAt(tempos, 0, 500000), 192, 250000);
-    tempoAt(tempos, 192, 1000000).end();
+    tempos.tempo(500000).tempo(250000, 192).tempo(1000000, 192).end();
     for (int i = 0; i < 8; ++i)
         notes.note(0, 96, 0, 60 + i);
     notes.end();

@@ -11,24 +11,24 @@
 
 using namespace mms;
 using namespace mms::test;
+using namespace Qt::StringLiterals;
 
 TEST(FluidSynthEngine, SoundfontComesFromTheArgumentThenTheEnvironmentThenDebian) {
     const QByteArray saved = qgetenv("MMS_SOUNDFONT");
     auto restore =
         qScopeGuard([&] { saved.isNull() ? qunsetenv("MMS_SOUNDFONT") : qputenv("MMS_SOUNDFONT", saved); });
     qunsetenv("MMS_SOUNDFONT");
-    EXPECT_EQ(soundfontPath(), QStringLiteral("/usr/share/sounds/sf2/FluidR3_GM.sf2"));
+    EXPECT_EQ(soundfontPath(), u"/usr/share/sounds/sf2/FluidR3_GM.sf2"_s);
     qputenv("MMS_SOUNDFONT", "/tmp/other.sf2");
-    EXPECT_EQ(soundfontPath(), QStringLiteral("/tmp/other.sf2"));
-    EXPECT_EQ(soundfontPath(QStringLiteral("/x.sf2")), QStringLiteral("/x.sf2"));
+    EXPECT_EQ(soundfontPath(), u"/tmp/other.sf2"_s);
+    EXPECT_EQ(soundfontPath(u"/x.sf2"_s), u"/x.sf2"_s);
 
     TempDir dir;
-    FluidSynthEngine missing(dir.file(QStringLiteral("none.sf2")), FluidSynthEngine::Output::Offline);
-    EXPECT_TRUE(missing.unavailableReason().contains(QStringLiteral("none.sf2")));
+    FluidSynthEngine missing(dir.file(u"none.sf2"_s), FluidSynthEngine::Output::Offline);
+    EXPECT_TRUE(missing.unavailableReason().contains(u"none.sf2"_s));
     EXPECT_FALSE(missing.load(threeTempoTune()));
-    FluidSynthEngine broken(dir.write(QStringLiteral("broken.sf2"), "no soundfont"),
-                            FluidSynthEngine::Output::Offline);
-    EXPECT_TRUE(broken.unavailableReason().contains(QStringLiteral("could not be loaded")));
+    FluidSynthEngine broken(dir.write(u"broken.sf2"_s, "no soundfont"), FluidSynthEngine::Output::Offline);
+    EXPECT_TRUE(broken.unavailableReason().contains(u"could not be loaded"_s));
 }
 
 // The real synthesizer and soundfont, rendered offline: it makes sound, and the ticks it reports

@@ -39,12 +39,12 @@ public:
     }
     Track& off(quint32 delta, int channel, int note) { return raw(delta, bytes({0x80 | channel, note, 64})); }
     Track& program(int channel, int program) { return raw(0, bytes({0xC0 | channel, program})); }
-    Track& meta(int type, const QByteArray& body) {
-        return raw(0, bytes({0xFF, type}) + vlq(quint32(body.size())) + body);
+    Track& meta(int type, const QByteArray& body, quint32 delta = 0) {
+        return raw(delta, bytes({0xFF, type}) + vlq(quint32(body.size())) + body);
     }
-    Track& tempo(quint32 micros) { return meta(0x51, bigEndian(micros, 3)); }
+    Track& tempo(quint32 micros, quint32 delta = 0) { return meta(0x51, bigEndian(micros, 3), delta); }
     Track& timeSig(int numerator, int power) { return meta(0x58, bytes({numerator, power, 24, 8})); }
-    Track& end() { return meta(0x2F, {}); }
+    Track& end(quint32 delta = 0) { return meta(0x2F, {}, delta); }
     // A note of `length` ticks after a gap of `gap` ticks.
     Track& note(quint32 gap, quint32 length, int channel, int note) {
         return on(gap, channel, note).off(length, channel, note);
@@ -61,6 +61,18 @@ inline QByteArray midiFile(quint16 division, const QList<Track>& tracks) {
     for (const Track& t : tracks)
         file += "MTrk" + bigEndian(quint32(t.data().size()), 4) + t.data();
     return file;
+}
+
+// 120 bpm in 4/4, 96 ticks a quarter: the first `count` quarters of the C major scale from C5 on
+// channel 0 (program 19), half a second each.
+inline QByteArray cMajorScale(int count) {
+    Track meta, notes;
+    meta.tempo(500000).timeSig(4, 2).end();
+    notes.program(0, 19);
+    const int keys[] = {60, 62, 64, 65, 67, 69, 71, 72};
+    for (int i = 0; i < count; ++i)
+        notes.note(0, 96, 0, keys[i]);
+    return midiFile(96, {meta, notes.end()});
 }
 
 } // namespace mms::test::midifile

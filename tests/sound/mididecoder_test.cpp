@@ -9,6 +9,7 @@
 using namespace mms;
 using namespace mms::test;
 using namespace mms::test::midifile;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -37,41 +38,29 @@ protected:
 
 } // namespace
 
-TEST(MidiTables, NoteNamesInstrumentsAndCodes) {
-    EXPECT_EQ(MidiDecoder::noteName(61), QStringLiteral("C#5"));
-    EXPECT_EQ(MidiDecoder::noteName(0), QStringLiteral("C0"));
-    EXPECT_EQ(MidiDecoder::noteName(127), QStringLiteral("G10"));
-    EXPECT_EQ(MidiDecoder::gmInstrumentName(0), QStringLiteral("Acoustic Grand Piano"));
-    EXPECT_EQ(MidiDecoder::gmInstrumentName(24), QStringLiteral("Acoustic Guitar(nylon)"));
-    EXPECT_EQ(MidiDecoder::gmInstrumentName(127), QStringLiteral("Gunshot"));
-    EXPECT_FALSE(MidiDecoder::gmInstrumentName(128).has_value());
-    EXPECT_FALSE(MidiDecoder::gmInstrumentName(-1).has_value());
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({2, 4}), 0);
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({3, 4}), 1);
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({4, 4}), 2);
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({3, 8}), 3);
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({6, 8}), 4);
-    EXPECT_EQ(MidiDecoder::timeSignatureCode({5, 4}), 0);
-    EXPECT_EQ(MidiDecoder::leadingNumber(QStringLiteral("16F#4")), 16);
-    EXPECT_EQ(MidiDecoder::leadingNumber(QStringLiteral("1P")), 1);
-}
+TEST(MidiTables, NamesCodesAndLengths) {
+    EXPECT_EQ(MidiDecoder::noteName(0) + MidiDecoder::noteName(61) + MidiDecoder::noteName(127),
+              u"C0C#5G10"_s);
+    EXPECT_EQ(MidiDecoder::gmInstrumentName(24), u"Acoustic Guitar(nylon)"_s);
+    EXPECT_EQ(MidiDecoder::gmInstrumentName(127), u"Gunshot"_s);
+    EXPECT_FALSE(MidiDecoder::gmInstrumentName(128).has_value() ||
+                 MidiDecoder::gmInstrumentName(-1).has_value());
+    const std::pair<std::array<qint16, 2>, int> codes[] = {{{2, 4}, 0}, {{3, 4}, 1}, {{4, 4}, 2},
+                                                           {{3, 8}, 3}, {{6, 8}, 4}, {{5, 4}, 0}};
+    for (const auto& [sig, code] : codes)
+        EXPECT_EQ(MidiDecoder::timeSignatureCode(sig), code) << sig[0] << "/" << sig[1];
+    EXPECT_EQ(MidiDecoder::leadingNumber(u"16F#4"_s), 16);
 
-TEST(MidiTables, LengthCodesAndRests) {
-    const auto note = [](int ticks) { return MidiDecoder::durationText(ticks, 480, true); };
-    EXPECT_EQ(note(480), QStringLiteral("4"));
-    EXPECT_EQ(note(960), QStringLiteral("2"));
-    EXPECT_EQ(note(1920), QStringLiteral("1"));
-    EXPECT_EQ(note(240), QStringLiteral("8"));
-    EXPECT_EQ(note(60), QStringLiteral("32"));
-    EXPECT_EQ(note(90), QStringLiteral("32")); // 3d/16 is still a thirty-second
-    EXPECT_EQ(note(91), QStringLiteral("16"));
-    EXPECT_EQ(note(721), QStringLiteral("2"));
-    EXPECT_EQ(note(1441), QStringLiteral("1"));
-    EXPECT_EQ(MidiDecoder::durationText(1200, 480, false), QStringLiteral("2P 8P "));
-    EXPECT_EQ(MidiDecoder::durationText(1920 + 480 + 60 + 10, 480, false), QStringLiteral("1P 4P 32P "));
+    // Note lengths round to the nearest code; 3d/16 is still a thirty-second.
+    const std::pair<int, const char*> notes[] = {{480, "4"}, {960, "2"}, {1920, "1"}, {240, "8"},
+                                                 {90, "32"}, {91, "16"}, {721, "2"},  {1441, "1"}};
+    for (const auto& [ticks, text] : notes)
+        EXPECT_EQ(MidiDecoder::durationText(ticks, 480, true), QString::fromLatin1(text)) << ticks;
+    EXPECT_EQ(MidiDecoder::durationText(1200, 480, false), u"2P 8P "_s);
+    EXPECT_EQ(MidiDecoder::durationText(1920 + 480 + 60 + 10, 480, false), u"1P 4P 32P "_s);
     EXPECT_EQ(MidiDecoder::durationText(0, 480, false), QString());
     // 3 and 4 times the division are 16-bit numbers.
-    EXPECT_EQ(MidiDecoder::durationText(100, 10922, true), QStringLiteral("32"));
+    EXPECT_EQ(MidiDecoder::durationText(100, 10922, true), u"32"_s);
     EXPECT_THROW(MidiDecoder::durationText(100, 10923, true), std::overflow_error);
     EXPECT_THROW(MidiDecoder::durationText(100, 8192, false), std::overflow_error);
     EXPECT_THROW(MidiDecoder::durationText(100, 0, false), std::domain_error);
@@ -83,30 +72,25 @@ TEST_F(MidiDecoderTest, DecodesTempoSignatureProgramsAndBars) {
     decodeTrack(t, 3, 2);
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_TRUE(sink.shown.empty());
-    EXPECT_EQ(decoder.ticksPerQuarter(), 480);
     EXPECT_DOUBLE_EQ(decoder.secPerQuarter(), 0.5);
-    EXPECT_EQ(decoder.tempoBpm(), 120);
     EXPECT_DOUBLE_EQ(decoder.barWholeNotes(), 0.75);
     EXPECT_EQ(decoder.timeSignatureCode(), 1);
     EXPECT_EQ(decoder.channelProgram(2), 40);
     // Bars of three quarters; the dotted half is a "2", and the whole note that crosses the bar line
     // stays whole in the bar it closes.
-    EXPECT_EQ(bars(2), (QStringList{QStringLiteral("4C5 4P 4D5"), QStringLiteral("2E5 1C#5")}));
+    EXPECT_EQ(bars(2), (QStringList{u"4C5 4P 4D5"_s, u"2E5 1C#5"_s}));
     EXPECT_DOUBLE_EQ(decoder.tuneLength(), 2 * 3 * 0.5);
     EXPECT_TRUE(bars(0).isEmpty());
 }
 
 TEST_F(MidiDecoderTest, RunningStatusVelocityZeroAndChords) {
-    Track t;
-    // Note-on C5, then running status: E5 on (a chord note, passed over), C5 off by velocity 0,
-    // E5 off by velocity 0, then G5 with its own note-off.
-    t.raw(0, QByteArray("\x90\x3C\x64", 3))
-        .raw(0, QByteArray("\x40\x64", 2))
-        .raw(960, QByteArray("\x3C\x00", 2));
-    t.raw(0, QByteArray("\x40\x00", 2)).note(480, 240, 0, 67);
-    decodeTrack(t);
+    // C5 on, then by running status: E5 on (a chord note, passed over), C5 and E5 off by velocity 0.
+    decodeTrack(Track()
+                    .raw(0, bytes({0x90, 0x3C, 0x64, 0, 0x40, 0x64}))
+                    .raw(960, bytes({0x3C, 0, 0, 0x40, 0}))
+                    .note(480, 240, 0, 67));
     ASSERT_TRUE(decoder.midiDecoded());
-    EXPECT_EQ(bars(0), QStringList{QStringLiteral("2C5 4P 8G5")});
+    EXPECT_EQ(bars(0), QStringList{u"2C5 4P 8G5"_s});
 }
 
 TEST_F(MidiDecoderTest, BarsStopAtFortyAndAtThirtyThreeTokens) {
@@ -116,7 +100,7 @@ TEST_F(MidiDecoderTest, BarsStopAtFortyAndAtThirtyThreeTokens) {
     decodeTrack(t);
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_EQ(bars(0).size(), 40);
-    EXPECT_EQ(bars(0).last(), QStringLiteral("1D#5"));
+    EXPECT_EQ(bars(0).last(), u"1D#5"_s);
     EXPECT_DOUBLE_EQ(decoder.tuneLength(), 40 * 2.0);
 
     Track crowded; // 34 thirty-seconds in a bar of three whole notes
@@ -132,59 +116,52 @@ TEST_F(MidiDecoderTest, SelectTimeSpanKeepsOverlappingTokensWhole) {
     decodeTrack(t);
     ASSERT_TRUE(decoder.midiDecoded());
     auto span = decoder.selectTimeSpan(0, 2);
-    EXPECT_EQ(span[0], QStringLiteral(" 1C5"));
+    EXPECT_EQ(span[0], u" 1C5"_s);
     span = decoder.selectTimeSpan(2.2, 2.6);
-    EXPECT_EQ(span[0], QStringLiteral(" 4D5 4E5"));
+    EXPECT_EQ(span[0], u" 4D5 4E5"_s);
     EXPECT_TRUE(span[3].isEmpty());
     // Channel 3's first delta counts from the last note event of the track, E5's note-off.
-    EXPECT_EQ(bars(3), QStringList{QStringLiteral("2P 4G5")});
-    EXPECT_EQ(decoder.selectTimeSpan(0, 1)[3], QStringLiteral(" 2P"));
+    EXPECT_EQ(bars(3), QStringList{u"2P 4G5"_s});
+    EXPECT_EQ(decoder.selectTimeSpan(0, 1)[3], u" 2P"_s);
 }
 
-TEST_F(MidiDecoderTest, MetaEventLengthsAreChecked) {
-    const struct {
-        int type;
-        int length;
-        const char* message;
-    } cases[] = {{0x00, 1, "Sequence Number Error\n"}, {0x20, 2, "MIDI Channel : Error"},
-                 {0x21, 0, "MIDI Port : Error"},       {0x2F, 1, "End of Track : Error"},
-                 {0x51, 2, "Tempo : Error"},           {0x54, 4, "SMPTE offset : Error"},
-                 {0x58, 3, "Time Signature: Error"},   {0x59, 1, "Key Signature: Error"},
-                 {0x60, 0, "Meta Event Error 60\n"},   {0x0A, 0, "Meta Event Error A\n"}};
-    for (const auto& c : cases) {
+TEST_F(MidiDecoderTest, WrongMetaLengthsAndDataBytesAboveSevenBitsStopTheDecode) {
+    const auto meta = [](int type, int length) {
+        return Track().meta(type, QByteArray(length, 0)).data().mid(1);
+    };
+    const std::pair<QByteArray, const char*> cases[] = {
+        {meta(0x00, 1), "Sequence Number Error\n"},
+        {meta(0x20, 2), "MIDI Channel : Error"},
+        {meta(0x21, 0), "MIDI Port : Error"},
+        {meta(0x2F, 1), "End of Track : Error"},
+        {meta(0x51, 2), "Tempo : Error"},
+        {meta(0x54, 4), "SMPTE offset : Error"},
+        {meta(0x58, 3), "Time Signature: Error"},
+        {meta(0x59, 1), "Key Signature: Error"},
+        {meta(0x60, 0), "Meta Event Error 60\n"},
+        {meta(0x0A, 0), "Meta Event Error A\n"},
+        {bytes({0x90, 0x80, 0x10}), "Decode Error(Note)"},
+        {bytes({0x90, 0x3C, 0x80}), "Velocity: Decode Error(Velocity)"},
+        {bytes({0xA0, 0x80, 0x10}), "Decode Error(Note)"},
+        {bytes({0xA0, 0x3C, 0x90}), "Pressure Value: Decode Error(Pressure Value)"},
+        {bytes({0xB0, 0x80, 0x10}), "Decode Error(Control Number)"},
+        {bytes({0xB0, 0x07, 0x80}), "New Value: Decode Error(New Value)"},
+        {bytes({0xC0, 0x80, 0x00}), "Decode Error(New Program Number)"},
+        {bytes({0xD0, 0x80, 0x00}), "Decode Error(Pressure Value)"}};
+    for (const auto& [body, message] : cases) {
         sink.shown.clear();
-        Track t;
-        t.meta(0x03, "a name").meta(0x7F, QByteArray(200, 'x')).meta(c.type, QByteArray(c.length, '\0'));
-        decode(midiFile(480, {t.note(0, 480, 0, 60)}));
-        EXPECT_FALSE(decoder.midiDecoded()) << c.message;
-        EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(c.message)});
-    }
-}
-
-TEST_F(MidiDecoderTest, DataBytesAboveSevenBitsStopTheDecode) {
-    const struct {
-        const char* bytes;
-        const char* message;
-    } cases[] = {{"\x90\x80\x10", "Decode Error(Note)"},
-                 {"\x90\x3C\x80", "Velocity: Decode Error(Velocity)"},
-                 {"\xA0\x80\x10", "Decode Error(Note)"},
-                 {"\xA0\x3C\x90", "Pressure Value: Decode Error(Pressure Value)"},
-                 {"\xB0\x80\x10", "Decode Error(Control Number)"},
-                 {"\xB0\x07\x80", "New Value: Decode Error(New Value)"},
-                 {"\xC0\x80\x00", "Decode Error(New Program Number)"},
-                 {"\xD0\x80\x00", "Decode Error(Pressure Value)"}};
-    for (const auto& c : cases) {
-        sink.shown.clear();
-        decode(midiFile(480, {Track().raw(0, QByteArray(c.bytes, 3)).end()}));
-        EXPECT_FALSE(decoder.midiDecoded());
-        EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(c.message)});
+        Track t; // long and text meta events before it are passed over
+        t.meta(0x03, "a name").meta(0x7F, QByteArray(200, 'x')).raw(0, body).note(0, 480, 0, 60);
+        decode(midiFile(480, {t}));
+        EXPECT_FALSE(decoder.midiDecoded()) << message;
+        EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(message)});
     }
 }
 
 TEST_F(MidiDecoderTest, DamagedFilesFailQuietlyExceptForAMissingTrackChunk) {
     QByteArray file = midiFile(480, {Track().note(0, 480, 0, 60).end()});
     decode(file + "MTrx" + bigEndian(0, 4));
-    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral("Decode Error: MTrk\n")});
+    EXPECT_EQ(sink.texts(), QStringList{u"Decode Error: MTrk\n"_s});
     sink.shown.clear();
 
     QList<QByteArray> quiet = {
@@ -205,7 +182,7 @@ TEST_F(MidiDecoderTest, DamagedFilesFailQuietlyExceptForAMissingTrackChunk) {
         EXPECT_FALSE(decoder.midiDecoded());
     }
     EXPECT_TRUE(sink.shown.empty());
-    decoder.decodeMidiFile(QStringLiteral("/nonexistent/tune.mid"));
+    decoder.decodeMidiFile(u"/nonexistent/tune.mid"_s);
     EXPECT_FALSE(decoder.midiDecoded());
 }
 
@@ -231,5 +208,5 @@ TEST_F(MidiDecoderTest, HugeGapsStayCheap) {
     decode(midiFile(1, {Track().note(200000000, 1, 0, 60)}));
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_EQ(bars(0).size(), 40);
-    EXPECT_EQ(bars(0).first(), QStringLiteral("1P"));
+    EXPECT_EQ(bars(0).first(), u"1P"_s);
 }

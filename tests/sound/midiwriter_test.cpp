@@ -6,6 +6,18 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray exported(MidiWriter& w, int bpm, int signature) {
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(w.ExportMidi(out, bpm, signature).isOk());
+    return out.data();
+}
+
+} // namespace
 
 TEST(MidiWriter, AcceptsExactlyTheDecoderTokens) {
     MidiWriter w;
@@ -19,8 +31,8 @@ TEST(MidiWriter, AcceptsExactlyTheDecoderTokens) {
         EXPECT_FALSE(s.isOk()) << text;
         EXPECT_FALSE(s.message().isEmpty());
     }
-    EXPECT_FALSE(w.ImportTrackNote(16, 0, QStringLiteral("4C5")).isOk());
-    EXPECT_FALSE(w.ImportTrackNote(0, 1, QStringLiteral("4C5")).isOk());
+    EXPECT_FALSE(w.ImportTrackNote(16, 0, u"4C5"_s).isOk());
+    EXPECT_FALSE(w.ImportTrackNote(0, 1, u"4C5"_s).isOk());
     EXPECT_FALSE(w.ImportTrackGM(0, 128).isOk());
     EXPECT_FALSE(w.ImportTrackGM(-1, 0).isOk());
     QBuffer out;
@@ -33,34 +45,27 @@ TEST(MidiWriter, AcceptsExactlyTheDecoderTokens) {
 TEST(MidiWriter, WritesATempoTrackAndOneTrackPerChannelWithNotes) {
     MidiWriter w;
     w.Init();
-    ASSERT_TRUE(w.ImportTrackNote(1, 0, QStringLiteral("4P,8C5,2P")).isOk());
+    ASSERT_TRUE(w.ImportTrackNote(1, 0, u"4P,8C5,2P"_s).isOk());
     ASSERT_TRUE(w.ImportTrackGM(1, 5).isOk());
-    ASSERT_TRUE(w.ImportTrackNote(0, 0, QStringLiteral("_")).isOk());
+    ASSERT_TRUE(w.ImportTrackNote(0, 0, u"_"_s).isOk());
     ASSERT_TRUE(w.ImportTrackGM(0, 7).isOk());
-    QBuffer out;
-    out.open(QIODevice::WriteOnly);
-    ASSERT_TRUE(w.ExportMidi(out, 120, 2).isOk());
     const QByteArray expected =
         QByteArray::fromHex("4d546864 00000006 0001 0002 01e0"
                             "4d54726b 00000013 00ff5804 04021808 00ff5103 07a120 00ff2f00"
                             "4d54726b 00000012 00c105 8360 913c64 8170 813c00 8740 ff2f00");
-    EXPECT_EQ(out.data().toHex(' '), expected.toHex(' '));
+    EXPECT_EQ(exported(w, 120, 2).toHex(' '), expected.toHex(' '));
 }
 
 TEST(MidiWriter, DecoderReadsBackTheNotesProgramsTempoAndSignature) {
     MidiWriter w;
     w.Init();
-    const QString melody = QStringLiteral("2P,4C5,8D5,8E5,16F#5,16G5,32A5,32B5,1C6");
+    const QString melody = u"2P,4C5,8D5,8E5,16F#5,16G5,32A5,32B5,1C6"_s;
     ASSERT_TRUE(w.ImportTrackNote(9, 0, melody).isOk());
     ASSERT_TRUE(w.ImportTrackGM(9, 127).isOk());
-    ASSERT_TRUE(w.ImportTrackNote(3, 0, QStringLiteral("16C0,1G10")).isOk());
-    QBuffer out;
-    out.open(QIODevice::WriteOnly);
-    ASSERT_TRUE(w.ExportMidi(out, 90, 4).isOk());
-
+    ASSERT_TRUE(w.ImportTrackNote(3, 0, u"16C0,1G10"_s).isOk());
     MidiDecoder decoder;
     decoder.resetMidiTables();
-    decoder.decodeMidiData(out.data());
+    decoder.decodeMidiData(exported(w, 90, 4));
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_EQ(decoder.tempoBpm(), 90);
     EXPECT_EQ(decoder.timeSignatureCode(), 4);
@@ -69,5 +74,5 @@ TEST(MidiWriter, DecoderReadsBackTheNotesProgramsTempoAndSignature) {
     for (int bar = 0; bar < MidiDecoder::kBars && !decoder.noteTable(9, bar).isEmpty(); ++bar)
         tokens << decoder.noteTable(9, bar).split(QLatin1Char(' '));
     EXPECT_EQ(tokens.join(QLatin1Char(',')), melody);
-    EXPECT_EQ(decoder.noteTable(3, 0), QStringLiteral("16C0 1G10"));
+    EXPECT_EQ(decoder.noteTable(3, 0), u"16C0 1G10"_s);
 }

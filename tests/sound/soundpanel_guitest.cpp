@@ -1,7 +1,7 @@
 #include "composer/composerfixture.h"
 #include "sound/midi_testfile.h"
 #include "sound/mididecoder.h"
-#include "sound/playercontrol.h"
+#include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
 #include "sound/widgets/soundpanel.h"
 #include "store/messagestore.h"
@@ -12,52 +12,24 @@
 
 using namespace mms;
 using namespace mms::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList kStopClose = {QStringLiteral("stop music"), QStringLiteral("close music")};
-
-// Stands still wherever the test puts it; the crop window only reads its position.
-class StillPlayer final : public PlayerControl {
-public:
-    Status open(const QString&) override { return opened = true, Status::ok(); }
-    void close() override { opened = false; }
-    Status play() override { return Status::ok(); }
-    void stop() override {}
-    void prev() override { pos = 0; }
-    void seek(qint64 ms) override { pos = ms; }
-    void setFrom(qint64) override {}
-    void setTo(qint64) override {}
-    bool isOpen() const override { return opened; }
-    bool isPlaying() const override { return false; }
-    qint64 position() const override { return pos; }
-    qint64 length() const override { return opened ? 4000 : 0; }
-    bool opened = false;
-    qint64 pos = 0;
-};
-
-// 120 bpm: the quarter notes C5 D5 E5 F5 G5 on channel 0, half a second each.
-QByteArray scale() {
-    midifile::Track meta;
-    meta.tempo(500000).timeSig(4, 2).end();
-    midifile::Track notes;
-    notes.program(0, 19);
-    for (int key : {60, 62, 64, 65, 67})
-        notes.note(0, 96, 0, key);
-    notes.end();
-    return midifile::midiFile(96, {meta, notes});
-}
+const QStringList kStopClose = {u"stop music"_s, u"close music"_s};
+using Commands = std::pair<bool, bool>; // attach, crop
+const Commands kBoth{true, true}, kAttach{true, false}, kNone{false, false};
 
 class SoundPanelTest : public ComposerTest {
 protected:
     void SetUp() override {
         ComposerTest::SetUp();
         p = w->soundPanel;
-        library = home.file(QStringLiteral("UserData/Sound"));
-        tune = home.write(QStringLiteral("UserData/Sound/TUNE.MID"), scale());
-        home.write(QStringLiteral("UserData/Sound/tune.amr"), QByteArray(102399, 'a'));
-        home.write(QStringLiteral("UserData/Sound/big.amr"), QByteArray(102400, 'a'));
-        home.write(QStringLiteral("UserData/Sound/notes.txt"), "x");
+        library = home.file(u"UserData/Sound"_s);
+        tune = home.write(u"UserData/Sound/TUNE.MID"_s, midifile::cMajorScale(5));
+        home.write(u"UserData/Sound/tune.amr"_s, QByteArray(102399, 'a'));
+        home.write(u"UserData/Sound/big.amr"_s, QByteArray(102400, 'a'));
+        home.write(u"UserData/Sound/notes.txt"_s, "x");
         p->refresh2Cmd->click();
         p->setCropPlayer(&player);
     }
@@ -67,78 +39,70 @@ protected:
             names << p->fileBoxSound->item(i)->text();
         return names;
     }
-    // The user clicks a file of the list.
-    void choose(const QString& name) {
+    Commands commands() const { return {p->chgSoundCmd->isEnabled(), p->cropCmd->isEnabled()}; }
+    // The user clicks a file of the list; the commands it leaves enabled.
+    Commands choose(const QString& name) {
         const auto items = p->fileBoxSound->findItems(name, Qt::MatchExactly);
-        ASSERT_EQ(items.size(), 1) << name.toStdString();
-        p->fileBoxSound->setCurrentItem(items.front());
-    }
-    std::pair<bool, bool> attachAndCrop() const {
-        return {p->chgSoundCmd->isEnabled(), p->cropCmd->isEnabled()};
+        EXPECT_EQ(items.size(), 1) << name.toStdString();
+        if (!items.isEmpty()) p->fileBoxSound->setCurrentItem(items.front());
+        return commands();
     }
     QString soundOf(int position) const { return w->message().nodeAt(qint16(position))->DataSoundPath; }
 
     SoundPanel* p = nullptr;
-    StillPlayer player;
-    QString library;
-    QString tune;
+    ScriptedPlayer player;
+    QString library, tune;
 };
 
 TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionAndTheType) {
-    EXPECT_EQ(listed(), (QStringList{QStringLiteral("big.amr"), QStringLiteral("tune.amr"),
-                                     QStringLiteral("TUNE.MID")}));
-    choose(QStringLiteral("TUNE.MID"));
-    EXPECT_EQ(attachAndCrop(), std::make_pair(true, true));
-    choose(QStringLiteral("tune.amr"));
-    EXPECT_EQ(attachAndCrop(), std::make_pair(true, false));
+    EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s, u"TUNE.MID"_s}));
+    EXPECT_EQ(choose(u"TUNE.MID"_s), kBoth);
+    EXPECT_EQ(choose(u"tune.amr"_s), kAttach);
     p->fileBoxSound->clearSelection();
-    EXPECT_EQ(attachAndCrop(), std::make_pair(false, false));
+    EXPECT_EQ(commands(), kNone);
 
-    // A refresh keeps a file that is still there, and with it the commands.
-    choose(QStringLiteral("TUNE.MID"));
+    choose(u"TUNE.MID"_s); // a refresh keeps a file that is still there, and the commands
     p->refresh2Cmd->click();
-    EXPECT_EQ(p->selectedFileName(), QStringLiteral("TUNE.MID"));
-    EXPECT_EQ(attachAndCrop(), std::make_pair(true, true));
+    EXPECT_EQ(p->selectedFileName(), u"TUNE.MID"_s);
+    EXPECT_EQ(commands(), kBoth);
 
     p->soundTypeCombo->setCurrentIndex(1);
-    EXPECT_EQ(listed(), (QStringList{QStringLiteral("big.amr"), QStringLiteral("tune.amr")}));
-    EXPECT_EQ(attachAndCrop(), std::make_pair(false, false));
+    EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s}));
+    EXPECT_EQ(commands(), kNone);
     p->soundTypeCombo->setCurrentIndex(2);
-    EXPECT_EQ(listed(), QStringList{QStringLiteral("TUNE.MID")});
+    EXPECT_EQ(listed(), QStringList{u"TUNE.MID"_s});
 
-    // A slide reset disables the commands; clicking the selected file again brings them back.
-    choose(QStringLiteral("TUNE.MID"));
+    // A slide reset disables the commands; clicking the selected file brings them back.
+    choose(u"TUNE.MID"_s);
     w->refreshSlidePanel();
     emit p->fileBoxSound->itemClicked(p->fileBoxSound->currentItem());
-    EXPECT_EQ(attachAndCrop(), std::make_pair(true, true));
+    EXPECT_EQ(commands(), kBoth);
 }
 
 TEST_F(SoundPanelTest, EveryFolderChangeDisablesTheCommandsAndNoFolderShowsNothing) {
-    choose(QStringLiteral("TUNE.MID"));
+    choose(u"TUNE.MID"_s);
     p->SoundChgDirBrowse->click(); // cancelled
-    EXPECT_EQ(fake.dialogs.folderRequests, QStringList{QStringLiteral("I62|") + library});
-    EXPECT_EQ(listed().size(), 3);
+    EXPECT_EQ(fake.dialogs.folderRequests, QStringList{u"I62|"_s + library});
     EXPECT_TRUE(p->selectedFileName().isEmpty());
-    EXPECT_EQ(attachAndCrop(), std::make_pair(false, false));
+    EXPECT_EQ(commands(), kNone);
 
-    const QString other = home.file(QStringLiteral("other"));
-    home.write(QStringLiteral("other/a.mid"), "MThd");
+    const QString other = home.file(u"other"_s);
+    home.write(u"other/a.mid"_s, "MThd");
     fake.dialogs.folderAnswers = {other, other};
     p->SoundChgDirBrowse->click();
     EXPECT_EQ(p->soundDirPath->text(), QDir::toNativeSeparators(other));
-    EXPECT_EQ(listed(), QStringList{QStringLiteral("a.mid")});
-    choose(QStringLiteral("a.mid"));
-    home.write(QStringLiteral("other/b.amr"), "#!AMR");
+    EXPECT_EQ(listed(), QStringList{u"a.mid"_s});
+    choose(u"a.mid"_s);
+    home.write(u"other/b.amr"_s, "#!AMR");
     p->SoundChgDirBrowse->click(); // the same folder is read again
-    EXPECT_EQ(listed(), (QStringList{QStringLiteral("a.mid"), QStringLiteral("b.amr")}));
-    EXPECT_EQ(attachAndCrop(), std::make_pair(false, false));
+    EXPECT_EQ(listed(), (QStringList{u"a.mid"_s, u"b.amr"_s}));
+    EXPECT_EQ(commands(), kNone);
 
     // A typed text that names no folder empties the list without a word, as do refresh and type.
-    choose(QStringLiteral("a.mid"));
-    p->soundDirPath->setText(home.file(QStringLiteral("missing")));
-    EXPECT_TRUE(listed().isEmpty());
-    EXPECT_TRUE(p->fileListFolder().isEmpty());
-    EXPECT_EQ(attachAndCrop(), std::make_pair(false, false));
+    choose(u"a.mid"_s);
+    p->soundDirPath->setText(home.file(u"missing"_s));
+    EXPECT_TRUE(listed().isEmpty() && p->fileListFolder().isEmpty());
+    EXPECT_EQ(commands(), kNone);
     p->refresh2Cmd->click();
     p->soundTypeCombo->setCurrentIndex(0);
     EXPECT_TRUE(listed().isEmpty());
@@ -148,53 +112,49 @@ TEST_F(SoundPanelTest, EveryFolderChangeDisablesTheCommandsAndNoFolderShowsNothi
 }
 
 TEST_F(SoundPanelTest, AttachingPutsTheLibraryPathOnTheSelectedSlideBelowTheSizeLimit) {
-    // An empty message gets its first slide.
-    choose(QStringLiteral("tune.amr"));
+    const QString amr = library + u"/tune.amr"_s;
+    choose(u"tune.amr"_s); // an empty message gets its first slide
     p->chgSoundCmd->click();
     ASSERT_EQ(w->stripModel().count(), 1);
-    EXPECT_EQ(soundOf(1), library + QStringLiteral("/tune.amr"));
+    EXPECT_EQ(soundOf(1), amr);
     EXPECT_TRUE(w->isModified());
-    EXPECT_EQ(fake.device.sent, kStopClose);
 
-    // On the selected slide; a playing preview is stopped and the device closed once more.
-    addSlides(QStringLiteral("B"));
-    choose(QStringLiteral("TUNE.MID"));
+    // On the selected slide; a playing preview is stopped and the device closed.
+    addSlides(u"B"_s);
+    choose(u"TUNE.MID"_s);
     p->chgSoundCmd->click();
     EXPECT_EQ(soundOf(2), tune);
     w->soundPlayCmd->click();
     ASSERT_TRUE(w->isPlaying());
-    fake.device.sent.clear();
-    choose(QStringLiteral("tune.amr"));
+    choose(u"tune.amr"_s);
     p->chgSoundCmd->click();
-    EXPECT_EQ(soundOf(2), library + QStringLiteral("/tune.amr"));
+    EXPECT_EQ(soundOf(2), amr);
     EXPECT_EQ(w->selectedSlide(), 2);
     EXPECT_FALSE(w->isPlaying());
-    ASSERT_GE(fake.device.sent.size(), 2);
     EXPECT_EQ(fake.device.sent.mid(fake.device.sent.size() - 2), kStopClose);
 
     // 102400 bytes or a file that has gone: the slide keeps its sound and nothing is sent.
     fake.device.sent.clear();
-    choose(QStringLiteral("big.amr"));
+    choose(u"big.amr"_s);
     p->chgSoundCmd->click();
-    choose(QStringLiteral("TUNE.MID"));
+    choose(u"TUNE.MID"_s);
     QFile::remove(tune);
     p->chgSoundCmd->click();
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{QStringLiteral("E1"), QStringLiteral("E28")}));
-    EXPECT_EQ(soundOf(2), library + QStringLiteral("/tune.amr"));
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"E1"_s, u"E28"_s}));
+    EXPECT_EQ(soundOf(2), amr);
     EXPECT_TRUE(fake.device.sent.isEmpty());
 }
 
 TEST_F(SoundPanelTest, ACroppedTuneIsAttachedSavedAndReadBack) {
-    // Closing the crop window changes nothing.
-    choose(QStringLiteral("TUNE.MID"));
-    p->cropCmd->click();
+    choose(u"TUNE.MID"_s);
+    p->cropCmd->click(); // closed at once: nothing changes
     EXPECT_EQ(fake.dialogs.modalRuns, 1);
     EXPECT_TRUE(w->message().IsEmpty());
     EXPECT_TRUE(fake.device.sent.isEmpty());
 
-    addSlides(QStringLiteral("AB"));
+    addSlides(u"AB"_s);
     pick(1);
-    const QString cropped = workspace::tmpMid(home.path()) + QStringLiteral("/55000.mid");
+    const QString cropped = workspace::tmpMid(home.path()) + u"/55000.mid"_s;
     fake.random.draws = {0.5};
     fake.dialogs.modalHooks.push_back([&](QDialog& d) {
         auto& crop = dynamic_cast<frmMMSCropMIDI&>(d);
@@ -209,31 +169,26 @@ TEST_F(SoundPanelTest, ACroppedTuneIsAttachedSavedAndReadBack) {
     });
     fake.device.sent.clear();
     p->cropCmd->click();
-    EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(QLatin1Char('|')).toStdString();
+    EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
     EXPECT_EQ(soundOf(1), cropped);
     EXPECT_EQ(w->selectedSlide(), 1);
-    EXPECT_TRUE(w->isModified());
+    EXPECT_EQ(TempDir::read(tune), midifile::cMajorScale(5)) << "the library tune is untouched";
     EXPECT_EQ(fake.device.sent, kStopClose);
+    w->soundPlayCmd->click(); // the preview plays the cropped tune
+    EXPECT_EQ(fake.device.sent.mid(2, 1), QStringList{u"open \"%1\" Alias music"_s.arg(cropped)});
 
-    // The cropped tune is what the preview plays.
-    w->soundPlayCmd->click();
-    EXPECT_EQ(fake.device.sent.mid(2, 1),
-              QStringList{QStringLiteral("open \"%1\" Alias music").arg(cropped)});
-
+    // Saved, the message keeps its own copy of the cropped tune.
     const MessageStore store(home.path());
-    ASSERT_TRUE(store.save(w->message(), QStringLiteral("song"), QString()).isOk());
+    ASSERT_TRUE(store.save(w->message(), u"song"_s, QString()).isOk());
     QFile::remove(cropped);
     LoadedMessage back;
-    ASSERT_TRUE(
-        store
-            .load(QStringLiteral("song"), workspace::messageFolder(home.path(), QStringLiteral("song")), back)
-            .isOk());
+    ASSERT_TRUE(store.load(u"song"_s, workspace::messageFolder(home.path(), u"song"_s), back).isOk());
     ASSERT_EQ(back.slides.size(), 2u);
     MidiDecoder decoder;
     decoder.resetMidiTables();
     decoder.decodeMidiFile(back.slides[0].soundPath);
     ASSERT_TRUE(decoder.midiDecoded()) << back.slides[0].soundPath.toStdString();
-    EXPECT_EQ(decoder.noteTable(0, 0), QStringLiteral("4D5 4E5"));
+    EXPECT_EQ(decoder.noteTable(0, 0), u"4D5 4E5"_s);
     EXPECT_EQ(decoder.channelProgram(0), 19);
 }
 
