@@ -23,12 +23,11 @@ namespace mms::test {
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 12; ++i)
-        t.prompts << QStringLiteral("P%1").arg(i);
-    for (int i = 0; i < 32; ++i)
-        t.errors << QStringLiteral("E%1").arg(i);
-    for (int i = 0; i < 70; ++i)
+    for (int i = 0; i < 70; ++i) {
+        if (i < 12) t.prompts << QStringLiteral("P%1").arg(i);
+        if (i < 32) t.errors << QStringLiteral("E%1").arg(i);
         t.interface << QStringLiteral("I%1").arg(i);
+    }
     return t;
 }
 
@@ -52,13 +51,13 @@ protected:
         ASSERT_TRUE(s.isOk()) << s.message().toStdString();
     }
 
-    // The user picks strip item `position` (mouse or keyboard).
+    // The user picks strip item `position`.
     void pick(int position) {
         w->lstSlide->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
                                                        QItemSelectionModel::ClearAndSelect);
     }
 
-    // Adds `n` slides whose texts are the letters of `texts`, in order.
+    // Adds one slide per letter of `texts`, each with that letter as its text.
     void addSlides(const QString& texts) {
         for (QChar c : texts) {
             w->addCmd->click();
@@ -66,17 +65,17 @@ protected:
         }
     }
 
-    void type(QWidget* target, const QString& text) {
+    static void type(QWidget* target, const QString& text) {
         for (QChar c : text) {
             QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
             QApplication::sendEvent(target, &press);
         }
     }
-    void pressKey(QWidget* target, int key) {
+    static void pressKey(QWidget* target, int key) {
         QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
         QApplication::sendEvent(target, &press);
     }
-    void focusIn(QWidget* target) {
+    static void focusIn(QWidget* target) {
         QFocusEvent focus(QEvent::FocusIn, Qt::MouseFocusReason);
         QApplication::sendEvent(target, &focus);
     }
@@ -91,6 +90,15 @@ protected:
         focusIn(w->txtSlideDur);
         w->txtSlideDur->selectAll();
         type(w->txtSlideDur, text);
+    }
+
+    // A one-colour picture saved under the application folder.
+    QString savePicture(const QString& name, Qt::GlobalColor colour) {
+        QImage image(20, 10, QImage::Format_RGB32);
+        image.fill(colour);
+        const QString path = home.write(name, {});
+        EXPECT_TRUE(image.save(path)) << path.toStdString();
+        return path;
     }
 
     // The slide texts in list order, "_" for a slide without text.

@@ -61,29 +61,23 @@ TEST(WorkspaceFolders, FirstStartMakesAllSevenParentsFirstAndLaterStartsTouchNot
               QByteArray("GIF89a"));
 }
 
-TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyButNeverFollowsLinksOut) {
+TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyNeverFollowsLinksOutAndStopsAtAFailure) {
     test::TempDir home, outside;
     ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
     const QString precious = outside.write(QStringLiteral("precious.txt"), "keep");
     ASSERT_TRUE(QFile::link(outside.path(), home.file(QStringLiteral("Temp/tmpJPG/link"))));
     home.write(QStringLiteral("UserData/MMS/temp/pic1.jpg"), "x");
     home.write(QStringLiteral("UserData/MMS/temp.mmt"), "\"\"\n");
-
     ASSERT_TRUE(cleanUpWorkspace(home.path()).isOk());
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Temp"))));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("UserData/MMS/temp"))));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("UserData/MMS/temp.mmt"))));
+    for (const char* gone : {"Temp", "UserData/MMS/temp", "UserData/MMS/temp.mmt"})
+        EXPECT_FALSE(QFileInfo::exists(home.file(QLatin1String(gone)))) << gone;
     EXPECT_TRUE(QFileInfo(home.file(QStringLiteral("UserData/MMS"))).isDir());
     EXPECT_EQ(test::TempDir::read(precious), QByteArray("keep"));
-}
 
-TEST(WorkspaceFolders, CleanUpStopsAtTheFirstStepThatFails) {
-    test::TempDir home;
     ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
     home.write(QStringLiteral("Temp/tmpJPG/a.jpg"), "x");
     ASSERT_TRUE(QDir(home.file(QStringLiteral("Temp/tmpMID"))).removeRecursively());
     home.write(QStringLiteral("Temp/tmpMID"), "a file, not the folder");
-
     const Status s = cleanUpWorkspace(home.path());
     ASSERT_FALSE(s.isOk());
     EXPECT_TRUE(s.message().contains(QStringLiteral("tmpMID"))) << s.message().toStdString();

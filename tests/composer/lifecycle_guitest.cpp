@@ -7,9 +7,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QGroupBox>
-#include <QLabel>
 #include <QMenu>
-#include <QPushButton>
 #include <QTabWidget>
 
 using namespace mms;
@@ -20,39 +18,32 @@ namespace {
 class LifecycleTest : public ComposerTest {
 protected:
     bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
-    QStringList comboEntries(QComboBox* combo) const {
+    static QStringList comboEntries(QComboBox* combo) {
         QStringList out;
         for (int i = 0; i < combo->count(); ++i)
             out << combo->itemText(i);
         return out;
     }
-    // The user closes the window; true when it closed.
-    bool closeWindow() { return w->close(); }
+    // A second window started with `options`; returns the failure message ("" when it started).
+    QString startFails(frmMMSMain::Options options, Localisation& texts) {
+        options.appFolder = home.path();
+        frmMMSMain window(fake.platform, texts, options);
+        const Status s = window.Form_Load();
+        return s.isOk() ? QString() : s.message();
+    }
 };
 
-TEST_F(LifecycleTest, FirstStartMakesTheWorkspaceAndSetsEveryCaption) {
-    for (const char* folder : {"UserData", "UserData/MMS", "UserData/Sound", "UserData/Picture", "Temp",
-                               "Temp/tmpJPG", "Temp/tmpMID"})
-        EXPECT_TRUE(QFileInfo(home.file(QLatin1String(folder))).isDir()) << folder;
-
+TEST_F(LifecycleTest, FirstStartShowsTheCaptionsFoldersAndAnEmptyMessage) {
     EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - I1"));
     PicturePanel& pictures = *w->picturePanel;
     SoundPanel& sounds = *w->soundPanel;
+    // Captions that share an entry with another control.
     // clang-format off
     const std::pair<QString, int> captions[] = {
-        {w->file->title(), 2}, {w->mnu_new->text(), 3}, {w->mnu_open->text(), 4},
-        {w->mnu_save->text(), 5}, {w->mnu_saveAs->text(), 6}, {w->mnu_delete->text(), 7},
-        {w->mnu_exit->text(), 8}, {w->slide->title(), 9}, {w->add_slide->text(), 10},
-        {w->rm_slide->text(), 11}, {w->sendfront->text(), 12}, {w->sendback->text(), 13},
-        {w->sendfwd->text(), 14}, {w->sendbwd->text(), 15}, {w->mnu_upload->text(), 63},
-        {w->MenuTab->tabText(0), 17}, {w->MenuTab->tabText(1), 18}, {w->createCmd->text(), 63},
-        {w->Frame1->title(), 24}, {w->Frame2->title(), 25}, {w->ffCmd->toolTip(), 12},
-        {w->fCmd->toolTip(), 14}, {w->addCmd->toolTip(), 10}, {w->removeCmd->toolTip(), 11},
-        {w->rCmd->toolTip(), 15}, {w->rrCmd->toolTip(), 13}, {w->soundPlayCmd->toolTip(), 28},
-        {w->txtSlideDur->toolTip(), 61}, {pictures.imgChgDirBrowse->toolTip(), 19},
-        {pictures.refreshcmd->text(), 20}, {pictures.chgImgCmd->text(), 21},
-        {sounds.SoundChgDirBrowse->toolTip(), 19}, {sounds.cropCmd->text(), 23},
-        {sounds.refresh2Cmd->text(), 20}, {sounds.chgSoundCmd->text(), 22},
+        {w->mnu_upload->text(), 63}, {w->createCmd->text(), 63}, {w->ffCmd->toolTip(), 12},
+        {w->rrCmd->toolTip(), 13}, {w->fCmd->toolTip(), 14}, {w->rCmd->toolTip(), 15},
+        {pictures.imgChgDirBrowse->toolTip(), 19}, {sounds.SoundChgDirBrowse->toolTip(), 19},
+        {pictures.refreshcmd->text(), 20}, {sounds.refresh2Cmd->text(), 20},
     };
     // clang-format on
     for (const auto& [text, number] : captions)
@@ -63,8 +54,6 @@ TEST_F(LifecycleTest, FirstStartMakesTheWorkspaceAndSetsEveryCaption) {
     EXPECT_EQ(
         comboEntries(sounds.soundTypeCombo),
         (QStringList{QStringLiteral("I33"), QStringLiteral("I34 (*.amr)"), QStringLiteral("I35 (*.mid)")}));
-    EXPECT_EQ(pictures.imgTypeCombo->currentIndex(), 0);
-    EXPECT_EQ(sounds.soundTypeCombo->currentIndex(), 0);
     EXPECT_EQ(pictures.imgDirPath->text(),
               QDir::toNativeSeparators(home.file(QStringLiteral("UserData/Picture"))));
     EXPECT_EQ(sounds.soundDirPath->text(),
@@ -79,50 +68,29 @@ TEST_F(LifecycleTest, FirstStartMakesTheWorkspaceAndSetsEveryCaption) {
                                                       sounds.chgSoundCmd, sounds.cropCmd})
         EXPECT_FALSE(b->isEnabled()) << b->objectName().toStdString();
     EXPECT_FALSE(w->isModified() || w->isPlaying());
-    EXPECT_TRUE(w->messageState().currentFile.isEmpty());
 }
 
-TEST_F(LifecycleTest, StartingAgainKeepsFoldersAndTheirFiles) {
+TEST_F(LifecycleTest, StartUpStopsOnAFolderItCannotMakeOrAMissingLanguageFile) {
     w.reset();
-    home.write(QStringLiteral("UserData/Picture/cat.gif"), "GIF89a");
-    home.write(QStringLiteral("UserData/Sound/tune.mid"), "MThd");
-    home.write(QStringLiteral("Temp/tmpJPG/old.jpg"), "x");
-    start();
-    for (const char* kept : {"UserData/Picture/cat.gif", "UserData/Sound/tune.mid", "Temp/tmpJPG/old.jpg"})
-        EXPECT_TRUE(exists(QLatin1String(kept))) << kept;
-}
-
-TEST_F(LifecycleTest, AWorkspaceFolderThatCannotBeMadeStopsStartUp) {
-    w.reset();
-    ASSERT_TRUE(QDir(home.path()).removeRecursively());
-    QDir().mkpath(home.path());
+    ASSERT_TRUE(QDir(home.path()).removeRecursively() && QDir().mkpath(home.path()));
     home.write(QStringLiteral("Temp"), "a file where a folder belongs");
-    frmMMSMain::Options options;
-    options.appFolder = home.path();
-    frmMMSMain window(fake.platform, loc, options);
-    const Status s = window.Form_Load();
-    ASSERT_FALSE(s.isOk());
-    EXPECT_TRUE(s.message().contains(QDir::toNativeSeparators(home.file(QStringLiteral("Temp")))))
-        << s.message().toStdString();
+    QString message = startFails({}, loc);
+    EXPECT_TRUE(message.contains(QDir::toNativeSeparators(home.file(QStringLiteral("Temp")))))
+        << message.toStdString();
     EXPECT_TRUE(exists(QStringLiteral("UserData/MMS")));
-}
 
-TEST_F(LifecycleTest, AMissingLanguageFileStopsStartUpNamingTheFile) {
     TempDir noLanguages;
     Localisation empty;
     frmMMSMain::Options options;
-    options.appFolder = home.path();
     options.languageFolder = noLanguages.path();
     options.languageCode = QStringLiteral("fra");
-    frmMMSMain window(fake.platform, empty, options);
-    const Status s = window.Form_Load();
-    ASSERT_FALSE(s.isOk());
-    EXPECT_TRUE(s.message().contains(QStringLiteral("French.lng"))) << s.message().toStdString();
+    message = startFails(options, empty);
+    EXPECT_TRUE(message.contains(QStringLiteral("French.lng"))) << message.toStdString();
 }
 
 TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
     fake.dialogs.answers = {Answer::No};
-    EXPECT_FALSE(closeWindow());
+    EXPECT_FALSE(w->close());
     ASSERT_EQ(fake.dialogs.shown.size(), 1u);
     EXPECT_EQ(fake.dialogs.shown[0].text, QStringLiteral("P4"));
     EXPECT_EQ(fake.dialogs.shown[0].title, QStringLiteral("I0"));
@@ -135,7 +103,6 @@ TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
     home.write(QStringLiteral("UserData/MMS/party.mmt"), "\"\"\n");
     home.write(QStringLiteral("Temp/tmpJPG/a.jpg"), "x");
     fake.dialogs.answers = {Answer::Yes};
-    EXPECT_TRUE(w->mnu_exit->isEnabled());
     w->mnu_exit->trigger();
     EXPECT_FALSE(w->isVisible());
     for (const char* gone : {"UserData/MMS/temp", "UserData/MMS/temp.mmt", "Temp"})
@@ -146,26 +113,22 @@ TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
 
 TEST_F(LifecycleTest, ClosingAChangedMessageAsksToSaveWithItsCancelPaths) {
     w->addCmd->click();
-    fake.dialogs.answers = {Answer::Cancel};
-    EXPECT_FALSE(closeWindow());
-    EXPECT_EQ(fake.dialogs.shown.at(0).text, QStringLiteral("P2"));
-    EXPECT_EQ(fake.dialogs.shown.at(0).buttons, Buttons::YesNoCancel);
-    EXPECT_EQ(fake.dialogs.shown.at(0).icon, Icon::Question);
-    EXPECT_TRUE(exists(QStringLiteral("Temp")));
-
-    // Yes, and the save does not happen (its name dialog is cancelled): the changes stay open.
-    fake.dialogs.shown.clear();
-    fake.dialogs.answers = {Answer::Yes};
-    EXPECT_FALSE(closeWindow());
-    EXPECT_EQ(fake.dialogs.shown.at(0).text, QStringLiteral("P2"));
-    EXPECT_TRUE(w->isModified());
-    EXPECT_EQ(w->message().getTotalSlide(), 1);
-    EXPECT_TRUE(exists(QStringLiteral("Temp")));
-
+    // Cancel, and Yes with the save's name dialog cancelled: the changes stay open.
+    for (Answer answer : {Answer::Cancel, Answer::Yes}) {
+        fake.dialogs.shown.clear();
+        fake.dialogs.answers = {answer};
+        EXPECT_FALSE(w->close());
+        EXPECT_EQ(fake.dialogs.shown.at(0).text, QStringLiteral("P2"));
+        EXPECT_EQ(fake.dialogs.shown.at(0).buttons, Buttons::YesNoCancel);
+        EXPECT_EQ(fake.dialogs.shown.at(0).icon, Icon::Question);
+        EXPECT_TRUE(w->isModified());
+        EXPECT_EQ(w->message().getTotalSlide(), 1);
+        EXPECT_TRUE(exists(QStringLiteral("Temp")));
+    }
     // No: the changes are dropped and the clean-up runs.
     fake.dialogs.shown.clear();
     fake.dialogs.answers = {Answer::No};
-    EXPECT_TRUE(closeWindow());
+    EXPECT_TRUE(w->close());
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P2")});
     EXPECT_FALSE(exists(QStringLiteral("Temp")));
 }
@@ -175,21 +138,11 @@ TEST_F(LifecycleTest, CleanUpSkipsAMissingWorkingCopyAndStopsQuietlyAtAFailedSte
     home.write(QStringLiteral("UserData/MMS/temp/keep.txt"), "x");
     ASSERT_TRUE(QDir(home.file(QStringLiteral("Temp/tmpJPG"))).removeRecursively());
     fake.dialogs.answers = {Answer::Yes};
-    EXPECT_TRUE(closeWindow());
+    EXPECT_TRUE(w->close());
     EXPECT_TRUE(exists(QStringLiteral("UserData/MMS/temp/keep.txt")));
     // tmpJPG was already gone: the steps after it are skipped.
     EXPECT_TRUE(exists(QStringLiteral("Temp/tmpMID")));
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P4")});
-}
-
-TEST_F(LifecycleTest, SizeComboFitsTheLongestEntry) {
-    QComboBox combo;
-    combo.addItems({QStringLiteral("a"), QStringLiteral("b")});
-    EXPECT_EQ(frmMMSMain::SizeCombo(&combo),
-              std::max(10, combo.fontMetrics().horizontalAdvance(QStringLiteral("a"))));
-    combo.addItem(QStringLiteral("a much longer entry than the others"));
-    EXPECT_EQ(frmMMSMain::SizeCombo(&combo),
-              combo.fontMetrics().horizontalAdvance(QStringLiteral("a much longer entry than the others")));
 }
 
 } // namespace

@@ -4,11 +4,7 @@
 #include "support/tempdir.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
-#include <QLinearGradient>
-#include <QListView>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -21,27 +17,15 @@ namespace {
 
 QString drawPicture(const test::TempDir& dir, const QString& name, QColor sky, QColor ground) {
     QImage image(320, 240, QImage::Format_RGB32);
-    QPainter p(&image);
-    QLinearGradient gradient(0, 0, 0, 240);
-    gradient.setColorAt(0, sky.lighter(140));
-    gradient.setColorAt(1, sky);
-    p.fillRect(image.rect(), gradient);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setBrush(QColor(0xfb, 0xbc, 0x04));
-    p.setPen(Qt::NoPen);
-    p.drawEllipse(QPointF(240, 70), 28, 28);
-    p.setBrush(ground);
-    p.drawEllipse(QRectF(-80, 150, 300, 200));
-    p.drawEllipse(QRectF(120, 170, 320, 200));
-    p.end();
-    const QString path = dir.file(name);
-    QDir().mkpath(QFileInfo(path).absolutePath());
+    image.fill(sky);
+    QPainter(&image).fillRect(0, 160, 320, 80, ground);
+    const QString path = dir.write(QStringLiteral("UserData/Picture/") + name, {}); // makes the folder
     image.save(path);
     return path;
 }
 
-// Starts the real window with the English texts, fills a small message and shows it. With
-// MMS_SCREENSHOT set to a file name the window is saved there as a PNG, to look at.
+// The real window with the English texts, a library in place before start-up and a small message.
+// With MMS_SCREENSHOT set to a file name the window is saved there as a PNG, to look at.
 TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
     test::TempDir home;
     test::FakePlatform fake;
@@ -50,22 +34,17 @@ TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
     options.appFolder = home.path();
     options.languageFolder = QStringLiteral(MMS_BIN_DIR);
     options.languageCode = QStringLiteral("en");
-    // A small library, in place before start-up lists it.
     const QString pictures[] = {
-        drawPicture(home, QStringLiteral("UserData/Picture/beach.jpg"), QColor(0x42, 0x85, 0xf4),
-                    QColor(0xf6, 0xd7, 0x8b)),
-        drawPicture(home, QStringLiteral("UserData/Picture/hills.jpg"), QColor(0x8a, 0xb4, 0xf8),
-                    QColor(0x34, 0xa8, 0x53)),
-        drawPicture(home, QStringLiteral("UserData/Picture/dusk.jpg"), QColor(0xa1, 0x42, 0xf4),
-                    QColor(0x20, 0x21, 0x24)),
+        drawPicture(home, QStringLiteral("beach.jpg"), QColor(0x42, 0x85, 0xf4), QColor(0xf6, 0xd7, 0x8b)),
+        drawPicture(home, QStringLiteral("hills.jpg"), QColor(0x8a, 0xb4, 0xf8), QColor(0x34, 0xa8, 0x53)),
+        drawPicture(home, QStringLiteral("dusk.jpg"), QColor(0xa1, 0x42, 0xf4), QColor(0x20, 0x21, 0x24)),
     };
-    home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd");
+    const QString tune = home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd");
     home.write(QStringLiteral("UserData/Sound/voice.amr"), "#!AMR\n");
 
     frmMMSMain w(fake.platform, loc, options);
     const Status started = w.Form_Load();
     ASSERT_TRUE(started.isOk()) << started.message().toStdString();
-
     const char* texts[] = {"Happy birthday, Anna!", "See you at the lake on Saturday", "Bring a torch"};
     for (int i = 0; i < 3; ++i) {
         w.addCmd->click();
@@ -73,13 +52,9 @@ TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
         w.txtText_Click();
         w.txtText->setPlainText(QString::fromUtf8(texts[i]));
     }
-    w.addCmd->click();
-    w.updateCurrentSlide(QStringLiteral("soundPath"),
-                         home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd"));
     w.selectSlide(2);
     w.lstSlide_ItemClick();
-    w.updateCurrentSlide(QStringLiteral("soundPath"),
-                         home.write(QStringLiteral("UserData/Sound/party.mid"), "MThd"));
+    w.updateCurrentSlide(QStringLiteral("soundPath"), tune);
     w.lstSlide_ItemClick();
 
     w.show();
