@@ -5,139 +5,113 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-// Builds a list whose slides carry the single-letter names as their text.
+const SlideDur kThree = SlideDur::fromText(u"3"_s);
+
+// Slides carry single-letter names as their text.
 class CSlideTest : public ::testing::Test {
 protected:
     CSlideTest() : list(&sink) {}
     void fill(const QString& names) {
         for (QChar c : names)
-            list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, QString(c), {});
+            list.InsertAtBack(kThree, {}, QString(c), {});
     }
+    // The order read forwards, then the tail's text: a stale tail shows up here.
     QString order() const {
         QString s;
         for (auto n = list.firstItem(); n; n = n->NextNode)
             s += n->DataText;
-        return s;
+        return s + u'|' + (list.lastItem() ? list.lastItem()->DataText : QString());
     }
-    QString tailText() const { return list.lastItem() ? list.lastItem()->DataText : QString(); }
     test::RecordingSink sink;
     CSlide list;
 };
 
 } // namespace
 
-TEST_F(CSlideTest, InsertIntoListPutsTheNewSlideAfterThePosition) {
-    fill(QStringLiteral("ABC"));
-    list.InsertIntoList(1, SlideDur::fromText(QStringLiteral("3")), {}, QStringLiteral("n"), {});
-    EXPECT_EQ(order(), QStringLiteral("AnBC"));
-    list.InsertIntoList(4, SlideDur::fromText(QStringLiteral("3")), {}, QStringLiteral("z"), {});
-    EXPECT_EQ(tailText(), QStringLiteral("z"));
-    list.InsertIntoList(9, SlideDur::fromText(QStringLiteral("3")), {}, QStringLiteral("x"), {});
-    EXPECT_EQ(order(), QStringLiteral("AnBCz"));
-    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral("Out of List Bound")});
-}
-
-TEST_F(CSlideTest, RemoveFromListKeepsHeadAndTailRightAndRefusesOutOfBound) {
-    fill(QStringLiteral("AB"));
-    EXPECT_FALSE(list.RemoveFromList(3).has_value());
-    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral(">> Out of List Bound")});
-    EXPECT_EQ(order(), QStringLiteral("AB"));
-    ASSERT_TRUE(list.RemoveFromList(2).has_value());
-    EXPECT_EQ(list.firstItem(), list.lastItem());
-    ASSERT_TRUE(list.RemoveFromList(1).has_value());
+TEST_F(CSlideTest, InsertAndRemoveKeepHeadAndTailAndRefuseOutOfBound) {
+    fill(u"ABC"_s);
+    list.InsertIntoList(1, kThree, {}, u"n"_s, {}); // after the position
+    list.InsertIntoList(4, kThree, {}, u"z"_s, {}); // after the tail
+    list.InsertIntoList(9, kThree, {}, u"x"_s, {});
+    EXPECT_EQ(order(), u"AnBCz|z"_s);
+    EXPECT_FALSE(list.RemoveFromList(6).has_value());
+    for (auto [pos, expected] : {std::pair{5, "AnBC|C"}, {3, "AnC|C"}, {3, "An|n"}, {2, "A|A"}, {1, "|"}}) {
+        ASSERT_TRUE(list.RemoveFromList(pos).has_value());
+        EXPECT_EQ(order(), QString::fromLatin1(expected));
+    }
     EXPECT_TRUE(list.IsEmpty());
     EXPECT_FALSE(list.RemoveFromList(1).has_value());
-    EXPECT_EQ(sink.texts().last(), QStringLiteral("List is empty"));
-
-    fill(QStringLiteral("ABCDE"));
-    list.RemoveFromList(5);
-    EXPECT_EQ(tailText(), QStringLiteral("D"));
-    list.RemoveFromList(3);
-    EXPECT_EQ(order(), QStringLiteral("ABD"));
+    EXPECT_EQ(sink.texts(),
+              (QStringList{u"Out of List Bound"_s, u">> Out of List Bound"_s, u"List is empty"_s}));
 }
 
-TEST_F(CSlideTest, SwapTwoNodesMovesOnePlaceAndRepairsTheTail) {
-    fill(QStringLiteral("ABC"));
-    EXPECT_EQ(list.SwapTwoNodes(2, QStringLiteral("LEFT")), SwapResult::Swapped);
-    EXPECT_EQ(order(), QStringLiteral("BAC"));
-    EXPECT_EQ(list.SwapTwoNodes(1, QStringLiteral("LEFT")), SwapResult::Swapped);
-    EXPECT_EQ(order(), QStringLiteral("ABC"));
-    EXPECT_EQ(list.SwapTwoNodes(2, QStringLiteral("RIGHT")), SwapResult::Swapped);
-    EXPECT_EQ(order(), QStringLiteral("ACB"));
-    EXPECT_EQ(tailText(), QStringLiteral("B"));
-    EXPECT_EQ(list.SwapTwoNodes(3, QStringLiteral("RIGHT")), SwapResult::OutOfBound);
-    EXPECT_EQ(order(), QStringLiteral("ACB"));
-
-    CSlide one(&sink);
-    one.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
-    EXPECT_EQ(one.SwapTwoNodes(1, QStringLiteral("RIGHT")), SwapResult::Refused);
-    EXPECT_EQ(sink.texts().last(), QStringLiteral("Swap two nodes only"));
-}
-
-TEST_F(CSlideTest, MovesToEitherEndCopyTheSlideIntoANewNode) {
-    fill(QStringLiteral("ABC"));
-    const NodePtr c = list.lastItem();
-    list.SwapAtFront(3, 3);
-    EXPECT_EQ(order(), QStringLiteral("CAB"));
-    EXPECT_NE(list.firstItem(), c);
-    EXPECT_EQ(tailText(), QStringLiteral("B"));
-    list.SwapAtFront(2, 3);
-    EXPECT_EQ(order(), QStringLiteral("ACB"));
-    list.SwapAtBack(1);
-    EXPECT_EQ(order(), QStringLiteral("CBA"));
-    list.SwapAtBack(2);
-    EXPECT_EQ(order(), QStringLiteral("CAB"));
-    EXPECT_EQ(tailText(), QStringLiteral("B"));
-    EXPECT_TRUE(sink.shown.empty());
-}
-
-TEST(CSlidePaths, SplitAtTheLastSeparatorOfEitherKind) {
-    EXPECT_EQ(CSlide::extractFileName(QStringLiteral("C:\\x\\y.z.amr")), QStringLiteral("y.z.amr"));
-    EXPECT_EQ(CSlide::extractFileType(QStringLiteral("C:\\x\\y.z.amr")), QStringLiteral("amr"));
-    EXPECT_EQ(CSlide::extractFilePath(QStringLiteral("C:\\x\\y.z.amr")), QStringLiteral("C:\\x\\"));
-    EXPECT_EQ(CSlide::extractFilePath(QStringLiteral("/home/a\\b/c.gif")), QStringLiteral("/home/a\\b/"));
-    EXPECT_EQ(CSlide::extractFileType(QStringLiteral("/a.b/noext")), QStringLiteral("b/noext"));
-    EXPECT_EQ(CSlide::extractFileType(QStringLiteral("plain")), QStringLiteral("plain"));
-    EXPECT_EQ(CSlide::extractFilePath(QStringLiteral("plain")), QString());
-}
-
-TEST(CSlideLifetime, DestoryKeepsTheFolderPathAndLongListsTearDownWithoutRecursion) {
-    CSlide list;
-    list.setfolderpath(QStringLiteral("msg"));
-    list.setfilename(QStringLiteral("msg"));
-    for (int i = 0; i < CSlide::kMaxSlides; ++i)
-        list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
-    EXPECT_EQ(list.getTotalSlide(), CSlide::kMaxSlides);
-    list.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
-    EXPECT_THROW(list.getTotalSlide(), std::overflow_error);
-    EXPECT_FALSE(list.Destory());
-    EXPECT_TRUE(list.IsEmpty());
-    EXPECT_EQ(list.folderPath(), QStringLiteral("msg"));
-    EXPECT_EQ(list.fileName(), QString());
-}
-
-TEST_F(CSlideTest, MovesToAnEndRefuseWithTheirBoundMessageAndLoseNothing) {
+TEST_F(CSlideTest, SwapsAndMovesToAnEndKeepOrderAndTailAndRefuseWithTheirBoundMessage) {
     list.SwapAtFront(2, 3);
     list.SwapAtFront(1, 1);
     list.SwapAtBack(1);
     list.SwapAtBack(2);
-    EXPECT_EQ(sink.texts(),
-              (QStringList{QStringLiteral(">> Out of List Bound"), QStringLiteral("<< Out of List Bound"),
-                           QStringLiteral("<< Out of List Bound"), QStringLiteral("<< Out of List Bound")}));
+    EXPECT_EQ(sink.texts(), (QStringList{u">> Out of List Bound"_s, u"<< Out of List Bound"_s,
+                                         u"<< Out of List Bound"_s, u"<< Out of List Bound"_s}));
     EXPECT_TRUE(list.IsEmpty());
 
-    fill(QStringLiteral("ABC"));
-    list.SwapAtFront(2, 2); // a `last` that is not the tail's position
-    list.SwapAtBack(4);
-    EXPECT_EQ(order(), QStringLiteral("ABC"));
-    EXPECT_EQ(sink.texts().size(), 6);
+    fill(u"ABC"_s);
+    const NodePtr c = list.lastItem();
+    list.SwapAtFront(3, 3);
+    EXPECT_EQ(order(), u"CAB|B"_s);
+    EXPECT_NE(list.firstItem(), c); // the slide is copied into a new node
+    // F: SwapAtFront(a, b), B: SwapAtBack(a), L/R: SwapTwoNodes(a); refused steps keep the order
+    // (F 2 2: a `last` that is not the tail's position).
+    const struct {
+        char op;
+        int a, b;
+        const char* order;
+        SwapResult result = SwapResult::Swapped;
+    } steps[] = {{'F', 2, 3, "ACB|B"}, {'B', 1, 0, "CBA|A"}, {'B', 2, 0, "CAB|B"},
+                 {'F', 2, 2, "CAB|B"}, {'B', 4, 0, "CAB|B"}, {'L', 2, 0, "ACB|B"},
+                 {'L', 1, 0, "CAB|B"}, {'R', 2, 0, "CBA|A"}, {'R', 3, 0, "CBA|A", SwapResult::OutOfBound}};
+    for (const auto& s : steps) {
+        if (s.op == 'F') list.SwapAtFront(s.a, s.b);
+        if (s.op == 'B') list.SwapAtBack(s.a);
+        if (s.op == 'L' || s.op == 'R') {
+            EXPECT_EQ(list.SwapTwoNodes(s.a, s.op == 'L' ? u"LEFT"_s : u"RIGHT"_s), s.result) << s.order;
+        }
+        EXPECT_EQ(order(), QString::fromLatin1(s.order)) << s.op << s.a;
+    }
+    EXPECT_EQ(sink.texts().size(), 4 + 3); // each refused step above reports once
 
     CSlide one(&sink);
-    one.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, QStringLiteral("A"), {});
+    one.InsertAtBack(kThree, {}, u"A"_s, {});
+    EXPECT_EQ(one.SwapTwoNodes(1, u"RIGHT"_s), SwapResult::Refused);
+    EXPECT_EQ(sink.texts().last(), u"Swap two nodes only"_s);
     one.SwapAtFront(1, 1);
     EXPECT_EQ(one.getTotalSlide(), 2);
-    EXPECT_EQ(one.lastItem()->DataText, QStringLiteral("A"));
+    EXPECT_EQ(one.lastItem()->DataText, u"A"_s);
+}
+
+TEST(CSlidePaths, SplitAtTheLastSeparatorOfEitherKind) {
+    const QString win = u"C:\\x\\y.z.amr"_s;
+    EXPECT_EQ(QStringList(
+                  {CSlide::extractFileName(win), CSlide::extractFileType(win), CSlide::extractFilePath(win)}),
+              QStringList({u"y.z.amr"_s, u"amr"_s, u"C:\\x\\"_s}));
+    EXPECT_EQ(CSlide::extractFilePath(u"/home/a\\b/c.gif"_s), u"/home/a\\b/"_s);
+    EXPECT_EQ(CSlide::extractFileType(u"/a.b/noext"_s), u"b/noext"_s);
+    EXPECT_EQ(CSlide::extractFileType(u"plain"_s), u"plain"_s);
+    EXPECT_EQ(CSlide::extractFilePath(u"plain"_s), QString());
+}
+
+TEST(CSlideLifetime, DestoryKeepsTheFolderPathAndLongListsTearDownWithoutRecursion) {
+    CSlide list;
+    list.setfolderpath(u"msg"_s);
+    list.setfilename(u"msg"_s);
+    for (int i = 0; i <= CSlide::kMaxSlides; ++i)
+        list.InsertAtBack(kThree, {}, {}, {});
+    EXPECT_THROW(list.getTotalSlide(), std::overflow_error);
+    EXPECT_FALSE(list.Destory());
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_EQ(list.folderPath(), u"msg"_s);
+    EXPECT_EQ(list.fileName(), QString());
 }

@@ -5,50 +5,34 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
-
-namespace {
-const SlideDur kThree = SlideDur::fromText(QStringLiteral("3"));
-}
+using namespace Qt::StringLiterals;
 
 TEST(MessageSize, FollowsTheFormulaForEveryKindOfPart) {
+    const SlideDur three = SlideDur::fromText(u"3"_s);
     test::TempDir dir;
-    const QString pic1000 = dir.write(QStringLiteral("a.gif"), QByteArray(1000, 'p'));
-    const QString pic500 = dir.write(QStringLiteral("b.jpg"), QByteArray(500, 'q'));
-    const QString sound = dir.write(QStringLiteral("c.amr"), QByteArray(300, 's'));
-
     CSlide list;
     EXPECT_EQ(list.getTotalSize({}, {}, {}), 0);
-    EXPECT_EQ(list.getTotalSlide(), 0);
-
-    list.InsertAtBack(kThree, {}, {}, {});
+    list.InsertAtBack(three, {}, {}, {});
     EXPECT_EQ(list.getTotalSize({}, {}, {}), 535);
-    // The three strings count by their length in characters.
-    EXPECT_EQ(list.getTotalSize(QStringLiteral("ab"), QStringLiteral("c"), QStringLiteral("dé")), 540);
-
-    list.firstItem()->DataText = QStringLiteral("Hi");
-    EXPECT_EQ(list.getTotalSize({}, {}, {}), 609);
-    // Characters, not UTF-8 bytes: accented letters count like plain ones.
-    list.firstItem()->DataText = QStringLiteral("Hé");
+    // Strings and slide text count by characters, not UTF-8 bytes.
+    EXPECT_EQ(list.getTotalSize(u"ab"_s, u"c"_s, u"dé"_s), 540);
+    list.firstItem()->DataText = u"Hé"_s;
     EXPECT_EQ(list.getTotalSize({}, {}, {}), 609);
 
-    CSlide pictures;
-    pictures.InsertAtBack(kThree, pic1000, {}, {});
-    EXPECT_EQ(pictures.getTotalSize({}, {}, {}), 1603);
-    pictures.InsertAtBack(kThree, pic500, {}, {});
-    EXPECT_EQ(pictures.getTotalSize({}, {}, {}), 1603 + 577);
+    CSlide media;
+    media.InsertAtBack(three, dir.write(u"a.gif"_s, QByteArray(1000, 'p')), {}, {});
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603);
+    media.InsertAtBack(three, dir.write(u"b.jpg"_s, QByteArray(500, 'q')), {}, {});
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577);
     // Sounds: file size + 30 each, 37 once; a missing file counts 0 bytes but still costs its overhead.
-    pictures.InsertAtBack(kThree, {}, {}, sound);
-    EXPECT_EQ(pictures.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37);
-    pictures.InsertAtBack(kThree, dir.file(QStringLiteral("gone.gif")), {},
-                          dir.file(QStringLiteral("gone.amr")));
-    EXPECT_EQ(pictures.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37 + 36 + 41 + 30);
-    EXPECT_EQ(pictures.getTotalSlide(), 4);
-}
+    media.InsertAtBack(three, {}, {}, dir.write(u"c.amr"_s, QByteArray(300, 's')));
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37);
+    media.InsertAtBack(three, dir.file(u"gone.gif"_s), {}, dir.file(u"gone.amr"_s));
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37 + 36 + 41 + 30);
 
-TEST(MessageSize, CountsTheLargestListWithinRange) {
-    CSlide list;
+    CSlide full;
     for (int i = 0; i < CSlide::kMaxSlides; ++i)
-        list.InsertAtBack(kThree, {}, QStringLiteral("x"), {});
-    EXPECT_EQ(list.getTotalSlide(), CSlide::kMaxSlides);
-    EXPECT_EQ(list.getTotalSize({}, {}, {}), 499 + 28 + CSlide::kMaxSlides * (36 + 3 + 42));
+        full.InsertAtBack(three, {}, u"x"_s, {});
+    EXPECT_EQ(full.getTotalSlide(), CSlide::kMaxSlides);
+    EXPECT_EQ(full.getTotalSize({}, {}, {}), 499 + 28 + CSlide::kMaxSlides * (36 + 3 + 42));
 }
