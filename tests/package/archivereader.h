@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
+#include <QStringList>
 #include <archive.h>
 #include <archive_entry.h>
 #include <utility>
@@ -32,6 +32,14 @@ inline std::vector<TarMember> readTar(const QString& path, QString* format = nul
     }
     archive_read_free(a);
     return members;
+}
+
+// The member names of a tar file, space-separated.
+inline QString tarNames(const QString& path) {
+    QStringList names;
+    for (const TarMember& m : readTar(path))
+        names << m.name;
+    return names.join(u' ');
 }
 
 } // namespace mms::test

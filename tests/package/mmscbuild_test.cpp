@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -17,15 +18,19 @@ struct Outcome {
     QByteArray out, err;
 };
 
-// Runs the built mmsc with --home set to the test's folder.
+// Runs `mmsc build` with --home set to the test's folder.
 class MmscBuild : public ::testing::Test {
 protected:
-    Outcome mmsc(QStringList args) {
+    MmscBuild() {
+        media.write(u"photo.gif"_s, QByteArray(1000, 'g'));
+        media.write(u"voice.amr"_s, QByteArray(300, 'a'));
+    }
+    // `line` split at spaces; %1 is the media folder, %2 a target archive in it.
+    Outcome mmsc(QString line) {
+        line.replace(u"%1"_s, media.path()).replace(u"%2"_s, target);
         QProcess p;
-        args.prepend(home.path());
-        args.prepend(QStringLiteral("--home"));
-        args.insert(2, QStringLiteral("build"));
-        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), args);
+        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"),
+                QStringList{u"--home"_s, home.path(), u"build"_s} + line.split(u' '));
         EXPECT_TRUE(p.waitForFinished(30000)) << "mmsc did not run; is it built?";
         return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
     }
@@ -34,108 +39,59 @@ protected:
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
     }
     QByteArray stored(const QString& file) const {
-        return test::TempDir::read(home.path() + QStringLiteral("/UserData/MMS/") + file);
+        return test::TempDir::read(home.file(u"UserData/MMS/"_s + file));
     }
 
     test::TempDir home;
     test::TempDir media;
-    const QString pic = media.write(QStringLiteral("photo.gif"), QByteArray(1000, 'g'));
-    const QString snd = media.write(QStringLiteral("voice.amr"), QByteArray(300, 'a'));
-    const QStringList twoSlides{QStringLiteral("--subject"),
-                                QStringLiteral("Hello"),
-                                QStringLiteral("--slide"),
-                                QStringLiteral("--pic"),
-                                pic,
-                                QStringLiteral("--text"),
-                                QStringLiteral("Hi"),
-                                QStringLiteral("--slide"),
-                                QStringLiteral("--dur"),
-                                QStringLiteral("5"),
-                                QStringLiteral("--sound"),
-                                snd};
+    const QString target = media.file(u"out.tpl"_s);
+    const QString twoSlides = u"--subject Hello --slide --pic %1/photo.gif --text Hi "
+                              "--slide --dur 5 --sound %1/voice.amr "_s;
 };
 
 } // namespace
 
 TEST_F(MmscBuild, InfoPrintsTheCountAndTheSizeEstimate) {
-    const Outcome r = mmsc(twoSlides + QStringList{QStringLiteral("--info")});
+    const Outcome r = mmsc(twoSlides + u"--info"_s);
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
     const int size = 499 + 5 + 2 * 36 + (1000 + 41 + 27) + (2 + 2 + 42 + 28) + (300 + 30 + 37);
-    EXPECT_EQ(r.out, QByteArray("slides: 2\nsize: ") + QByteArray::number(size) + "\n");
-    EXPECT_EQ(mmsc({QStringLiteral("--info")}).out, QByteArray("slides: 0\nsize: 0\n"));
+    EXPECT_EQ(r.out, "slides: 2\nsize: " + QByteArray::number(size) + "\n");
+    EXPECT_EQ(mmsc(u"--info"_s).out, QByteArray("slides: 0\nsize: 0\n"));
     EXPECT_TRUE(homeEntries().isEmpty());
 }
 
-TEST_F(MmscBuild, SaveStoresThePackageAndReplacesTheOldMessageWhole) {
-    Outcome r = mmsc({QStringLiteral("--slide"), QStringLiteral("--slide"), QStringLiteral("--slide"),
-                      QStringLiteral("--text"), QStringLiteral("x"), QStringLiteral("--save"),
-                      QStringLiteral("msg")});
+TEST_F(MmscBuild, SaveReplacesTheOldMessageWholeAndExportWritesOnlyTheChosenFile) {
+    ASSERT_EQ(mmsc(u"--slide --slide --slide --text x --save msg"_s).exitCode, 0);
+    EXPECT_FALSE(stored(u"msg/text3.txt"_s).isEmpty());
+    const Outcome r = mmsc(twoSlides + u"--save msg"_s);
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_FALSE(stored(QStringLiteral("msg/text3.txt")).isEmpty());
-
-    r = mmsc(twoSlides + QStringList{QStringLiteral("--save"), QStringLiteral("msg")});
-    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_EQ(
-        QDir(home.path() + QStringLiteral("/UserData/MMS/msg")).entryList(QDir::Files, QDir::Name),
-        (QStringList{QStringLiteral("main.smil"), QStringLiteral("pic1.gif"), QStringLiteral("sound2.amr"),
-                     QStringLiteral("text1.txt"), QStringLiteral("texts.xml")}));
+    EXPECT_EQ(QDir(home.file(u"UserData/MMS/msg"_s)).entryList(QDir::Files, QDir::Name).join(u' '),
+              u"main.smil pic1.gif sound2.amr text1.txt texts.xml"_s);
     // The edited duration is a number and goes into the index bare; the new slide's stays quoted.
-    EXPECT_EQ(stored(QStringLiteral("msg.mmt")),
+    EXPECT_EQ(stored(u"msg.mmt"_s),
               QByteArray("Hello\r\n\"3\",\"I\",\"T\",\"N\"\r\n5,\"N\",\"N\",\"S\"\r\n"));
-    EXPECT_TRUE(stored(QStringLiteral("msg/main.smil"))
-                    .endsWith("         <par dur=\"5s\">\r\n             <audio src = \"sound2.amr\"/>\r\n   "
-                              "      </par>\r\n"
-                              "     </body>\r\n</smil>\r\n"));
-    EXPECT_EQ(
-        stored(QStringLiteral("msg/texts.xml")),
-        QByteArray(
-            "<?xml version=\"1.0\" encoding=\"utf-8\"?><mms-text-files>    <message>        <title>Hello"
-            "</title><file filename=\"text1.txt\">Hi</file></message></mms-text-files>"));
-    EXPECT_EQ(stored(QStringLiteral("msg/pic1.gif")), QByteArray(1000, 'g'));
-    EXPECT_EQ(stored(QStringLiteral("msg/sound2.amr")), QByteArray(300, 'a'));
-}
+    EXPECT_TRUE(stored(u"msg/main.smil"_s).contains("<par dur=\"5s\">"));
+    EXPECT_TRUE(
+        stored(u"msg/texts.xml"_s).contains("<title>Hello</title><file filename=\"text1.txt\">Hi</file>"));
+    EXPECT_EQ(stored(u"msg/sound2.amr"_s), QByteArray(300, 'a'));
 
-TEST_F(MmscBuild, ExportWritesTheArchiveToTheChosenFileOnly) {
-    const QString target = media.write(QStringLiteral("out/message.tpl"), "old contents");
-    const Outcome r = mmsc(twoSlides + QStringList{QStringLiteral("--export"), target});
-    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
-    QStringList names;
-    for (const auto& m : test::readTar(target))
-        names << m.name;
-    EXPECT_EQ(names, (QStringList{QStringLiteral("main.smil"), QStringLiteral("texts.xml"),
-                                  QStringLiteral("pic1.gif"), QStringLiteral("sound2.amr")}));
-    EXPECT_TRUE(homeEntries().isEmpty());
+    media.write(u"out.tpl"_s, "old contents");
+    ASSERT_EQ(mmsc(twoSlides + u"--export %2"_s).exitCode, 0);
+    EXPECT_EQ(test::tarNames(target), u"main.smil texts.xml pic1.gif sound2.amr"_s);
+    EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
 }
 
 TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoWritingNothing) {
-    const QString target = media.file(QStringLiteral("never.tpl"));
-    const QString s = QStringLiteral("--slide");
-    const QList<QStringList> refused{
-        {s, QStringLiteral("--pic"), media.file(QStringLiteral("missing.gif")), QStringLiteral("--save"),
-         QStringLiteral("m")},
-        {s, QStringLiteral("--sound"), media.path(), QStringLiteral("--export"), target},
-        {s, QStringLiteral("--dur"), QStringLiteral("32768"), QStringLiteral("--save"), QStringLiteral("m")},
-        {s, QStringLiteral("--dur"), QStringLiteral("-1")},
-        {s, QStringLiteral("--dur")},
-        {QStringLiteral("--text"), QStringLiteral("before any slide"), QStringLiteral("--save"),
-         QStringLiteral("m")},
-        {s, QStringLiteral("--colour"), QStringLiteral("red")},
-        {s, QStringLiteral("extra")},
-        {s, QStringLiteral("--save"), QStringLiteral("temp")},
-        {s, QStringLiteral("--save"), QStringLiteral("a/b")},
-        {s, QStringLiteral("--save"), QStringLiteral("m"), QStringLiteral("--export"), target},
-        {s, QStringLiteral("--export"), media.path()},
-        {s, QStringLiteral("--export"), media.file(QStringLiteral("no/dir/x.tpl"))},
-        {QStringLiteral("--subject"), QStringLiteral("two\nlines"), QStringLiteral("--save"),
-         QStringLiteral("m")},
-    };
-    for (const QStringList& args : refused) {
-        const Outcome r = mmsc(args);
-        const QString shown = args.join(QLatin1Char(' '));
-        EXPECT_EQ(r.exitCode, 2) << shown.toStdString();
-        EXPECT_TRUE(r.err.startsWith("mmsc: ") && r.err.count('\n') == 1)
-            << shown.toStdString() << r.err.toStdString();
-        EXPECT_TRUE(r.out.isEmpty()) << shown.toStdString();
+    for (const char* line :
+         {"--slide --pic %1/missing.gif --save m", "--slide --sound %1 --export %2",
+          "--slide --dur 32768 --save m", "--slide --dur -1", "--slide --dur", "--text early --save m",
+          "--slide --colour red", "--slide extra", "--slide --save temp", "--slide --save a/b",
+          "--slide --save m --export %2", "--slide --export %1", "--slide --export %1/no/dir/x.tpl",
+          "--subject two\nlines --save m"}) {
+        const Outcome r = mmsc(QString::fromUtf8(line));
+        EXPECT_EQ(r.exitCode, 2) << line;
+        EXPECT_TRUE(r.err.startsWith("mmsc: ") && r.err.count('\n') == 1) << line << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty()) << line;
     }
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 using namespace mms::test;
 
 namespace {
@@ -38,91 +39,71 @@ TEST_F(MmsEncoderTest, DataLengthsAreUintvars) {
     EXPECT_EQ(MmsEncoder::uintvar(300), hex("822c"));
     EXPECT_EQ(MmsEncoder::uintvar(0xFFFFFFFF), hex("8fffffff7f"));
     for (auto [size, expected] : {std::pair{127, "7f"}, {128, "8100"}, {16384, "818000"}}) {
-        ASSERT_TRUE(encoder.calculateDataLen(dir.write(QStringLiteral("f"), QByteArray(size, 'x'))));
+        ASSERT_TRUE(encoder.calculateDataLen(dir.write(u"f"_s, QByteArray(size, 'x'))));
         EXPECT_EQ(encoder.lengthBuffer(), hex(expected));
     }
-    EXPECT_FALSE(encoder.calculateDataLen(dir.file(QStringLiteral("missing"))));
-    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral("Error")});
+    EXPECT_FALSE(encoder.calculateDataLen(dir.file(u"missing"_s)));
+    EXPECT_EQ(sink.texts(), QStringList{u"Error"_s});
 }
 
-TEST_F(MmsEncoderTest, HeaderBytesAndLongForms) {
-    const qint16 parts = 3;
-    const qint32 next = encoder.generateMMSHeader(out, 1, parts, QStringLiteral("Hi"));
-    EXPECT_EQ(next, 1 + out.data().size());
-    EXPECT_EQ(out.data(), QByteArray(hex("8c80 98") + "B1127540881" +
-                                     hex("00 8d90 890181 9605ea7f486900 8a80 8f81 "
-                                         "8681 9081 841bb389") +
-                                     "application/smil" + hex("00 8a") + "<AAAA>" + hex("00 03")));
-
+// The full short forms are checked in the message test below.
+TEST_F(MmsEncoderTest, HeaderAndPartEntriesReturnTheNextOffsetAndUseLongForms) {
     // A subject of 40 bytes needs the length quote; 200 parts need a two-byte count.
-    QBuffer longOut;
-    longOut.open(QIODevice::ReadWrite);
-    const QString subject(40, QLatin1Char('s'));
-    const qint32 end = encoder.writeHeader(longOut, 200, subject);
-    const QByteArray b = longOut.data();
-    EXPECT_EQ(end, b.size() + 1);
-    EXPECT_TRUE(b.contains(hex("961f2bea7f") + subject.toLatin1() + hex("00 8a80")));
-    EXPECT_TRUE(b.endsWith(QByteArray("<AAAA>") + hex("00 8148")));
+    const QString subject(40, u's');
+    qint32 next = encoder.writeHeader(out, 200, subject);
+    EXPECT_EQ(next, out.data().size() + 1);
+    EXPECT_TRUE(out.data().contains(hex("961f2bea7f") + subject.toLatin1() + hex("00 8a80")));
+    EXPECT_TRUE(out.data().endsWith(QByteArray("<AAAA>") + hex("00 8148")));
+    out.buffer().clear();
+    next = encoder.generateMMSHeader(out, 1, 3, u"Hi"_s);
+    EXPECT_EQ(next, 1 + out.data().size());
 
-    FailDevice broken;
-    broken.open(QIODevice::WriteOnly);
-    EXPECT_EQ(encoder.generateMMSHeader(broken, 1, parts, QStringLiteral("Hi")), 0);
-    EXPECT_EQ(sink.texts(), QStringList{QStringLiteral("Error")});
-}
-
-TEST_F(MmsEncoderTest, PartEntriesByteForByte) {
-    const QString gif = dir.write(QStringLiteral("pic1.gif"), "GIF89a");
+    out.buffer().clear();
+    out.seek(0);
     out.write("123"); // entries start at any position
-    EXPECT_EQ(encoder.generateMsgElement(out, gif, 4), 4 + 2 + 35 + 6);
+    EXPECT_EQ(encoder.generateMsgElement(out, dir.write(u"pic1.gif"_s, "GIF89a"), 4), 4 + 2 + 35 + 6);
     EXPECT_EQ(out.data().mid(3), hex("23 06 0b9d85") + "pic1.gif" + hex("00 c0223c") + "pic1.gif" +
                                      hex("3e00 8e") + "pic1.gif" + hex("00") + "GIF89a");
-
-    out.buffer().clear();
-    const QString smil = dir.write(QStringLiteral("main.smil"), "<smil/>");
-    EXPECT_EQ(encoder.generateMsgElement(out, smil, 1), 1 + 2 + 41 + 7);
-    EXPECT_EQ(out.data(), hex("29 07 1f1e") + "application/smil" + hex("0085") + "main.smil" +
-                              hex("0081ea c0223c") + "AAAA" + hex("3e00") + "<smil/>");
-
     // A content type over 30 bytes takes the length quote; the headers length stays consistent.
     out.buffer().clear();
-    const QString longName = dir.write(QStringLiteral("abcdefghijklmnopqrstu.JPG"), "j");
+    const QString longName = dir.write(u"abcdefghijklmnopqrstu.JPG"_s, "j");
     EXPECT_EQ(encoder.generateMsgElement(out, longName, 1), 1 + 2 + 97 + 1);
     EXPECT_EQ(out.data().left(4), hex("61 01 1f26"));
     EXPECT_TRUE(sink.shown.empty());
 }
 
 TEST_F(MmsEncoderTest, RefusalsWriteNothing) {
-    const QString huge = dir.write(QString(120, QLatin1Char('n')) + QStringLiteral(".mid"), "x");
+    const QString huge = dir.write(QString(120, QLatin1Char('n')) + u".mid"_s, "x");
     EXPECT_EQ(encoder.generateMsgElement(out, huge, 1), 0);
-    EXPECT_EQ(encoder.generateMsgElement(out, dir.file(QStringLiteral("sound1.amr")), 1), 0);
-    EXPECT_EQ(encoder.generateMsgElement(out, dir.write(QStringLiteral("x.png"), "p"), 1), 0);
-    EXPECT_EQ(encoder.generateMsgElement(out, dir.write(QStringLiteral("ok.txt"), "p"), 0), 0);
-    EXPECT_EQ(sink.texts(), (QStringList{QStringLiteral("ImgHeader: oversized"), QStringLiteral("Error"),
-                                         QStringLiteral("sound1.amr: Error"), QStringLiteral("x.png: Error"),
-                                         QStringLiteral("ok.txt: Error")}));
+    EXPECT_EQ(encoder.generateMsgElement(out, dir.file(u"sound1.amr"_s), 1), 0);
+    EXPECT_EQ(encoder.generateMsgElement(out, dir.write(u"x.png"_s, "p"), 1), 0);
+    EXPECT_EQ(encoder.generateMsgElement(out, dir.write(u"ok.txt"_s, "p"), 0), 0);
+    FailDevice broken;
+    broken.open(QIODevice::WriteOnly);
+    EXPECT_EQ(encoder.generateMMSHeader(broken, 1, 3, u"Hi"_s), 0);
+    EXPECT_EQ(sink.texts(), (QStringList{u"ImgHeader: oversized"_s, u"Error"_s, u"sound1.amr: Error"_s,
+                                         u"x.png: Error"_s, u"ok.txt: Error"_s, u"Error"_s}));
     EXPECT_TRUE(out.data().isEmpty());
 }
 
 TEST_F(MmsEncoderTest, TwoSlideMessageFieldByField) {
-    const QString folder = dir.path() + QStringLiteral("/pkg");
-    dir.write(QStringLiteral("pkg/main.smil"), "<smil></smil>");
-    dir.write(QStringLiteral("pkg/pic1.gif"), "GIF89a-picture");
-    dir.write(QStringLiteral("pkg/text1.txt"), "Hi \xC3\xA9");
-    dir.write(QStringLiteral("pkg/vdo2.3gp"), QByteArray(300, 'v'));
-    dir.write(QStringLiteral("pkg/sound2.amr"), "#!AMR\n");
+    const QString folder = dir.path() + u"/pkg"_s;
+    dir.write(u"pkg/main.smil"_s, "<smil></smil>");
+    dir.write(u"pkg/pic1.gif"_s, "GIF89a-picture");
+    dir.write(u"pkg/text1.txt"_s, "Hi \xC3\xA9");
+    dir.write(u"pkg/vdo2.3gp"_s, QByteArray(300, 'v'));
+    dir.write(u"pkg/sound2.amr"_s, "#!AMR\n");
     CSlide slides;
-    slides.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), QStringLiteral("/lib/a.GIF"),
-                        QStringLiteral("Hi é"), {});
-    slides.InsertAtBack(SlideDur::fromText(QStringLiteral("5")), QStringLiteral("/lib/clip.3gp"), {},
-                        QStringLiteral("/lib/ring.amr"));
+    slides.InsertAtBack(SlideDur::fromText(u"3"_s), u"/lib/a.GIF"_s, u"Hi é"_s, {});
+    slides.InsertAtBack(SlideDur::fromText(u"5"_s), u"/lib/clip.3gp"_s, {}, u"/lib/ring.amr"_s);
 
-    ASSERT_TRUE(writeSendRequest(slides, folder, QStringLiteral("Grüße"), out, &sink).isOk());
+    ASSERT_TRUE(writeSendRequest(slides, folder, u"Grüße"_s, out, &sink).isOk());
 
     // Header with the subject's 7 UTF-8 bytes and five parts; each part: headers length, data
     // length, content type, Content-ID, Content-Location (not for the SMIL part), data.
     QByteArray expected = hex("8c80 98") + "B1127540881" + hex("00 8d90 890181 960aea7f") +
-                          QStringLiteral("Grüße").toUtf8() + hex("00 8a80 8f81 8681 9081 841bb389") +
-                          "application/smil" + hex("00 8a") + "<AAAA>" + hex("00 05");
+                          u"Grüße"_s.toUtf8() + hex("00 8a80 8f81 8681 9081 841bb389") + "application/smil" +
+                          hex("00 8a") + "<AAAA>" + hex("00 05");
     const struct {
         QByteArray contentType;
         QByteArray name;
@@ -145,10 +126,10 @@ TEST_F(MmsEncoderTest, TwoSlideMessageFieldByField) {
     EXPECT_TRUE(sink.shown.empty());
 
     // A missing part fails the whole request and names the file.
-    QFile::remove(folder + QStringLiteral("/sound2.amr"));
-    const QString target = dir.file(QStringLiteral("out.mms"));
-    const Status s = writeSendRequest(slides, folder, QStringLiteral("x"), target, &sink);
+    QFile::remove(folder + u"/sound2.amr"_s);
+    const QString target = dir.file(u"out.mms"_s);
+    const Status s = writeSendRequest(slides, folder, u"x"_s, target, &sink);
     EXPECT_FALSE(s.isOk());
-    EXPECT_TRUE(s.message().contains(QStringLiteral("sound2.amr")));
+    EXPECT_TRUE(s.message().contains(u"sound2.amr"_s));
     EXPECT_FALSE(QFile::exists(target));
 }

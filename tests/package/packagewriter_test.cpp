@@ -9,6 +9,7 @@
 #include <initializer_list>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 using test::TarMember;
 
 namespace {
@@ -23,7 +24,7 @@ class FailingDevice : public QIODevice {
 protected:
     qint64 readData(char*, qint64) override { return -1; }
     qint64 writeData(const char*, qint64) override {
-        setErrorString(QStringLiteral("No space left on device"));
+        setErrorString(u"No space left on device"_s);
         return -1;
     }
 };
@@ -47,31 +48,29 @@ const QByteArray kTextsHead =
 const QByteArray kGif("GIF89a\x01\x00\x01\x00\x00\xff\x00,", 14);
 const QByteArray kAmr("#!AMR\n\x3c\x00\x00", 9);
 
-// The two-slide message of the writer's reference example: a GIF and "Hi", then an AMR sound.
+// Two slides: a GIF and "Hi", then an AMR sound.
 class PackageWriterTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        gif = media.write(QStringLiteral("lib/photo.GIF"), kGif);
-        amr = media.write(QStringLiteral("lib/voice.amr"), kAmr);
-        slides.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), gif, QStringLiteral("Hi"), {});
-        slides.InsertAtBack(SlideDur::fromText(QStringLiteral("5")), {}, {}, amr);
+        gif = media.write(u"lib/photo.GIF"_s, kGif);
+        amr = media.write(u"lib/voice.amr"_s, kAmr);
+        slides.InsertAtBack(SlideDur::fromText(u"3"_s), gif, u"Hi"_s, {});
+        slides.InsertAtBack(SlideDur::fromText(u"5"_s), {}, {}, amr);
     }
-    QString stored(const QString& file) const {
-        return home.path() + QStringLiteral("/UserData/MMS/") + file;
-    }
+    QString stored(const QString& file) const { return home.path() + u"/UserData/MMS/"_s + file; }
     QStringList entries(const QString& folder) const {
         return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
     }
     void exportMode() {
         slides.setfolderpath(QString());
-        slides.setfilename(home.path() + QStringLiteral("/upload"));
+        slides.setfilename(home.path() + u"/upload"_s);
     }
 
     test::TempDir home;
     test::TempDir media;
     QString gif, amr;
     CSlide slides;
-    const QString subject = QStringLiteral("Grüße");
+    const QString subject = u"Grüße"_s;
     const QByteArray smil =
         kSmilHead +
         crlf({"         <par dur=\"3s\">", "             <img src=\"pic1.gif\" region=\"Image\"/>",
@@ -86,114 +85,103 @@ protected:
 } // namespace
 
 TEST_F(PackageWriterTest, StoreModeWritesTheReferencePackageByteForByte) {
-    slides.setfolderpath(QStringLiteral("msg"));
-    slides.setfilename(QStringLiteral("msg"));
+    slides.setfolderpath(u"msg"_s);
+    slides.setfilename(u"msg"_s);
     ASSERT_TRUE(succeeded(generateSMIL(slides, home.path(), subject)));
-
-    EXPECT_EQ(
-        entries(stored(QStringLiteral("msg"))),
-        (QStringList{QStringLiteral("main.smil"), QStringLiteral("pic1.gif"), QStringLiteral("sound2.amr"),
-                     QStringLiteral("text1.txt"), QStringLiteral("texts.xml")}));
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg/main.smil"))), smil);
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg/texts.xml"))), texts);
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg/pic1.gif"))), kGif);
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg/sound2.amr"))), kAmr);
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg/text1.txt"))), QByteArray("Hi"));
-    EXPECT_EQ(test::TempDir::read(stored(QStringLiteral("msg.mmt"))),
-              QByteArray("Gr\xC3\xBC\xC3\x9F"
-                         "e\r\n\"3\",\"I\",\"T\",\"N\"\r\n\"5\",\"N\",\"N\",\"S\"\r\n"));
+    const std::pair<const char*, QByteArray> files[] = {
+        {"msg/main.smil", smil},
+        {"msg/pic1.gif", kGif},
+        {"msg/sound2.amr", kAmr},
+        {"msg/text1.txt", "Hi"},
+        {"msg/texts.xml", texts},
+        {"msg.mmt", "Gr\xC3\xBC\xC3\x9F"
+                    "e\r\n\"3\",\"I\",\"T\",\"N\"\r\n\"5\",\"N\",\"N\",\"S\"\r\n"}};
+    QStringList names;
+    for (const auto& [file, bytes] : files) {
+        EXPECT_EQ(test::TempDir::read(stored(QString::fromLatin1(file))), bytes) << file;
+        if (QByteArray(file).startsWith("msg/")) names << QString::fromLatin1(file + 4);
+    }
+    EXPECT_EQ(entries(stored(u"msg"_s)), names);
 }
 
 TEST_F(PackageWriterTest, ExportModeArchivesTheMembersInOrderAndLeavesOnlyTheArchive) {
     exportMode();
     ASSERT_TRUE(succeeded(generateSMIL(slides, home.path(), subject)));
     QString format;
-    const auto members = test::readTar(home.file(QStringLiteral("upload.tpl")), &format);
-    EXPECT_EQ(members, (std::vector<TarMember>{{QStringLiteral("main.smil"), smil},
-                                               {QStringLiteral("texts.xml"), texts},
-                                               {QStringLiteral("pic1.gif"), kGif},
-                                               {QStringLiteral("sound2.amr"), kAmr}}));
-    EXPECT_TRUE(format.contains(QStringLiteral("ustar"))) << format.toStdString();
-    EXPECT_EQ(entries(home.path()), QStringList{QStringLiteral("upload.tpl")});
+    const auto members = test::readTar(home.file(u"upload.tpl"_s), &format);
+    EXPECT_EQ(members, (std::vector<TarMember>{{u"main.smil"_s, smil},
+                                               {u"texts.xml"_s, texts},
+                                               {u"pic1.gif"_s, kGif},
+                                               {u"sound2.amr"_s, kAmr}}));
+    EXPECT_TRUE(format.contains(u"ustar"_s)) << format.toStdString();
+    EXPECT_EQ(entries(home.path()), QStringList{u"upload.tpl"_s});
 
     // An empty message still exports its presentation and manifest, and replaces the old archive.
     slides.Destory();
     exportMode();
     ASSERT_TRUE(succeeded(generateSMIL(slides, home.path(), QString())));
-    EXPECT_EQ(test::readTar(home.file(QStringLiteral("upload.tpl"))),
-              (std::vector<TarMember>{
-                  {QStringLiteral("main.smil"), kSmilHead + kSmilEnd},
-                  {QStringLiteral("texts.xml"), kTextsHead + "</title></message></mms-text-files>"}}));
+    EXPECT_EQ(test::readTar(home.file(u"upload.tpl"_s)),
+              (std::vector<TarMember>{{u"main.smil"_s, kSmilHead + kSmilEnd},
+                                      {u"texts.xml"_s, kTextsHead + "</title></message></mms-text-files>"}}));
 }
 
 TEST_F(PackageWriterTest, NamesEveryKindOfMediaAndCopiesEmptyFiles) {
     slides.Destory();
     const SlideDur one = SlideDur::fromNumber(1);
-    slides.InsertAtBack(one, media.write(QStringLiteral("a.PNG"), "png"), {},
-                        media.write(QStringLiteral("s.MID"), "M"));
-    slides.InsertAtBack(one, media.write(QStringLiteral("c.3GP"), "3gp"), {},
-                        media.write(QStringLiteral("s.wav"), "RIFF"));
-    slides.InsertAtBack(one, media.write(QStringLiteral("d.x/noext"), {}), QStringLiteral("only text"), {});
+    slides.InsertAtBack(one, media.write(u"a.PNG"_s, "png"), {}, media.write(u"s.MID"_s, "M"));
+    slides.InsertAtBack(one, media.write(u"c.3GP"_s, "3gp"), {}, media.write(u"s.wav"_s, "RIFF"));
+    slides.InsertAtBack(one, media.write(u"d.x/noext"_s, {}), u"only text"_s, {});
     exportMode();
     ASSERT_TRUE(succeeded(generateSMIL(slides, home.path(), QString())));
-
-    const auto members = test::readTar(home.file(QStringLiteral("upload.tpl")));
-    QStringList names;
-    for (const auto& m : members)
-        names << m.name;
+    const auto members = test::readTar(home.file(u"upload.tpl"_s));
     // In export mode the slide text travels only inside texts.xml.
-    EXPECT_EQ(names.join(QLatin1Char(' ')), QStringLiteral("main.smil texts.xml pic1.png sound1.mid vdo2.3gp "
-                                                           "sound2.amr pic3.bin"));
-    ASSERT_EQ(members.size(), 7u);
+    ASSERT_EQ(test::tarNames(home.file(u"upload.tpl"_s)),
+              u"main.smil texts.xml pic1.png sound1.mid vdo2.3gp sound2.amr pic3.bin"_s);
     EXPECT_EQ(members[5].bytes, QByteArray("RIFF"));
     EXPECT_TRUE(members[6].bytes.isEmpty());
-    const QByteArray& smil = members[0].bytes;
-    EXPECT_TRUE(smil.contains("             <video src=\"vdo2.3gp\" region=\"Image\"/>\r\n"));
-    EXPECT_TRUE(smil.contains("             <img src=\"pic3.bin\" region=\"Image\"/>\r\n"));
-    EXPECT_TRUE(smil.contains("             <text src=\"text3.txt\" region=\"Text\"/>\r\n"));
+    for (const char* line :
+         {"<video src=\"vdo2.3gp\" region=\"Image\"/>\r\n", "<img src=\"pic3.bin\" region=\"Image\"/>\r\n",
+          "<text src=\"text3.txt\" region=\"Text\"/>\r\n"})
+        EXPECT_TRUE(members[0].bytes.contains(QByteArray("             ") + line)) << line;
 }
 
 TEST_F(PackageWriterTest, FailuresNameTheFileAndLeaveNothingHalfWritten) {
+    const auto fails = [&](const QString& named) {
+        const Status s = generateSMIL(slides, home.path(), subject);
+        EXPECT_FALSE(s);
+        EXPECT_TRUE(s.message().contains(named)) << s.message().toStdString();
+    };
     QFile::remove(amr);
-    slides.setfolderpath(QStringLiteral("msg"));
-    Status s = generateSMIL(slides, home.path(), subject);
-    ASSERT_FALSE(s);
-    EXPECT_TRUE(s.message().contains(amr)) << s.message().toStdString();
-    EXPECT_EQ(entries(home.path() + QStringLiteral("/UserData/MMS")), QStringList());
+    slides.setfolderpath(u"msg"_s);
+    fails(amr);
+    EXPECT_EQ(entries(home.path() + u"/UserData/MMS"_s), QStringList());
 
     // An old archive survives a failed export whole, and no loose file is left behind.
-    const QByteArray old("previous archive");
-    home.write(QStringLiteral("upload.tpl"), old);
+    home.write(u"upload.tpl"_s, "previous archive");
     exportMode();
-    s = generateSMIL(slides, home.path(), subject);
-    ASSERT_FALSE(s);
-    EXPECT_TRUE(s.message().contains(amr));
-    EXPECT_EQ(test::TempDir::read(home.file(QStringLiteral("upload.tpl"))), old);
-    EXPECT_EQ(entries(home.path()), (QStringList{QStringLiteral("UserData"), QStringLiteral("upload.tpl")}));
+    fails(amr);
+    EXPECT_EQ(test::TempDir::read(home.file(u"upload.tpl"_s)), QByteArray("previous archive"));
+    EXPECT_EQ(entries(home.path()), (QStringList{u"UserData"_s, u"upload.tpl"_s}));
 
     // An existing message folder is refused and left as it was.
-    media.write(QStringLiteral("lib/voice.amr"), kAmr);
-    const QString keep = home.write(QStringLiteral("UserData/MMS/msg/keep.txt"), "mine");
-    slides.setfolderpath(QStringLiteral("msg"));
-    s = generateSMIL(slides, home.path(), subject);
-    ASSERT_FALSE(s);
-    EXPECT_TRUE(s.message().contains(stored(QStringLiteral("msg")))) << s.message().toStdString();
+    media.write(u"lib/voice.amr"_s, kAmr);
+    const QString keep = home.write(u"UserData/MMS/msg/keep.txt"_s, "mine");
+    slides.setfolderpath(u"msg"_s);
+    fails(stored(u"msg"_s));
     EXPECT_EQ(test::TempDir::read(keep), QByteArray("mine"));
-    EXPECT_FALSE(QFileInfo::exists(stored(QStringLiteral("msg.mmt"))));
+    EXPECT_FALSE(QFileInfo::exists(stored(u"msg.mmt"_s)));
 
     // A subject over two lines would break the index.
-    slides.setfolderpath(QStringLiteral("other"));
-    EXPECT_FALSE(generateSMIL(slides, home.path(), QStringLiteral("a\nb")));
-    EXPECT_FALSE(QFileInfo::exists(stored(QStringLiteral("other"))));
+    slides.setfolderpath(u"other"_s);
+    EXPECT_FALSE(generateSMIL(slides, home.path(), u"a\nb"_s));
+    EXPECT_FALSE(QFileInfo::exists(stored(u"other"_s)));
 
     // Unwritable archive targets.
     slides.setfolderpath(QString());
-    slides.setfilename(home.file(QStringLiteral("no/such/dir/upload")));
-    s = generateSMIL(slides, home.path(), subject);
-    ASSERT_FALSE(s);
-    EXPECT_TRUE(s.message().contains(QStringLiteral("no/such/dir/upload.tpl"))) << s.message().toStdString();
+    slides.setfilename(home.file(u"no/such/dir/upload"_s));
+    fails(u"no/such/dir/upload.tpl"_s);
     FailingDevice full;
     full.open(QIODevice::WriteOnly);
-    s = writeTarArchive(full, {gif});
-    EXPECT_TRUE(s.message().contains(QStringLiteral("No space left on device"))) << s.message().toStdString();
+    const Status s = writeTarArchive(full, {gif});
+    EXPECT_TRUE(s.message().contains(u"No space left on device"_s)) << s.message().toStdString();
 }
