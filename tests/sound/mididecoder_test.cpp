@@ -22,9 +22,7 @@ protected:
     }
     // One track at 480 ticks per quarter, 120 bpm, with the given time signature and events.
     void decodeTrack(const Track& events, int numerator = 4, int power = 2) {
-        Track t;
-        t.tempo(500000).timeSig(numerator, power);
-        decode(midiFile(480, {t, events}));
+        decode(midiFile(480, {Track().tempo(500000).timeSig(numerator, power), events}));
     }
     QStringList bars(int channel) const {
         QStringList out;
@@ -67,9 +65,13 @@ TEST(MidiTables, NamesCodesAndLengths) {
 }
 
 TEST_F(MidiDecoderTest, DecodesTempoSignatureProgramsAndBars) {
-    Track t;
-    t.program(2, 40).note(0, 480, 2, 60).note(480, 480, 2, 62).note(0, 1440, 2, 64).note(0, 1920, 2, 61);
-    decodeTrack(t, 3, 2);
+    decodeTrack(Track()
+                    .program(2, 40)
+                    .note(0, 480, 2, 60)
+                    .note(480, 480, 2, 62)
+                    .note(0, 1440, 2, 64)
+                    .note(0, 1920, 2, 61),
+                3, 2);
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_TRUE(sink.shown.empty());
     EXPECT_DOUBLE_EQ(decoder.secPerQuarter(), 0.5);
@@ -80,7 +82,6 @@ TEST_F(MidiDecoderTest, DecodesTempoSignatureProgramsAndBars) {
     // stays whole in the bar it closes.
     EXPECT_EQ(bars(2), (QStringList{u"4C5 4P 4D5"_s, u"2E5 1C#5"_s}));
     EXPECT_DOUBLE_EQ(decoder.tuneLength(), 2 * 3 * 0.5);
-    EXPECT_TRUE(bars(0).isEmpty());
 }
 
 TEST_F(MidiDecoderTest, RunningStatusVelocityZeroAndChords) {
@@ -111,13 +112,10 @@ TEST_F(MidiDecoderTest, BarsStopAtFortyAndAtThirtyThreeTokens) {
 }
 
 TEST_F(MidiDecoderTest, SelectTimeSpanKeepsOverlappingTokensWhole) {
-    Track t;
-    t.note(0, 1920, 0, 60).note(0, 480, 0, 62).note(0, 480, 0, 64).note(960, 480, 3, 67);
-    decodeTrack(t);
+    decodeTrack(Track().note(0, 1920, 0, 60).note(0, 480, 0, 62).note(0, 480, 0, 64).note(960, 480, 3, 67));
     ASSERT_TRUE(decoder.midiDecoded());
-    auto span = decoder.selectTimeSpan(0, 2);
-    EXPECT_EQ(span[0], u" 1C5"_s);
-    span = decoder.selectTimeSpan(2.2, 2.6);
+    EXPECT_EQ(decoder.selectTimeSpan(0, 2)[0], u" 1C5"_s);
+    const auto span = decoder.selectTimeSpan(2.2, 2.6);
     EXPECT_EQ(span[0], u" 4D5 4E5"_s);
     EXPECT_TRUE(span[3].isEmpty());
     // Channel 3's first delta counts from the last note event of the track, E5's note-off.
@@ -150,9 +148,8 @@ TEST_F(MidiDecoderTest, WrongMetaLengthsAndDataBytesAboveSevenBitsStopTheDecode)
         {bytes({0xD0, 0x80, 0x00}), "Decode Error(Pressure Value)"}};
     for (const auto& [body, message] : cases) {
         sink.shown.clear();
-        Track t; // long and text meta events before it are passed over
-        t.meta(0x03, "a name").meta(0x7F, QByteArray(200, 'x')).raw(0, body).note(0, 480, 0, 60);
-        decode(midiFile(480, {t}));
+        // Long and text meta events before it are passed over.
+        decode(midiFile(480, {Track().meta(0x03, "a name").meta(0x7F, QByteArray(200, 'x')).raw(0, body)}));
         EXPECT_FALSE(decoder.midiDecoded()) << message;
         EXPECT_EQ(sink.texts(), QStringList{QString::fromLatin1(message)});
     }
@@ -187,8 +184,7 @@ TEST_F(MidiDecoderTest, DamagedFilesFailQuietlyExceptForAMissingTrackChunk) {
 }
 
 TEST_F(MidiDecoderTest, TempoAndDivisionSurviveIntoTheNextDecode) {
-    const QByteArray noTempo = midiFile(480, {Track().note(0, 1920, 0, 60)});
-    decode(noTempo);
+    decode(midiFile(480, {Track().note(0, 1920, 0, 60)}));
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_EQ(decoder.tuneLength(), 0.0); // no tempo read yet in this run
 

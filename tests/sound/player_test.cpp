@@ -48,7 +48,7 @@ TEST_F(PlayerTest, ConvertsWithTheTempoMapAndStopsExactlyAtTo) {
     advance(50, 384);
     advance(50, 480);
     EXPECT_EQ(seen, (std::vector<qint64>{1250, 1500, 2500}));
-    advance(50, 560); // overshoots between two updates: stopped and reported at To exactly, once
+    advance(50, 560); // overshoots between two updates: stopped and reported at To exactly, finished once
     advance(50, 700);
     EXPECT_EQ(seen.back(), 3000);
     EXPECT_EQ(finished, 1);
