@@ -21,14 +21,11 @@ TEST(SubjectPrompt, RefusesTypedForbiddenCharactersEmptyAndLongSubjects) {
     MessageState state;
     state.txtsubject = u"old"_s;
     frmMMSPromptSubject prompt(loc, sink, state);
-    const QString forbidden = u"~!@#$%^&*()+|\\?><,."_s;
-    const auto type = [&](const QString& keys) {
-        for (QChar c : keys) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-            QApplication::sendEvent(prompt.subject, &press);
-        }
-    };
-    type(u"a,b."_s + forbidden + u"c d-_'"_s);
+    // Typed: "a,b.", the 19 forbidden characters, "c d-_'".
+    for (QChar c : u"a,b.~!@#$%^&*()+|\\?><,.c d-_'"_s) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(prompt.subject, &press);
+    }
     EXPECT_EQ(prompt.subject->text(), u"abc d-_'"_s);
     EXPECT_EQ(sink.texts(), QStringList(21, u"E10"_s));
     sink.shown.clear();
@@ -40,7 +37,6 @@ TEST(SubjectPrompt, RefusesTypedForbiddenCharactersEmptyAndLongSubjects) {
     }
     EXPECT_EQ(sink.texts(), QStringList({u"E16"_s, u"E17"_s}));
     EXPECT_EQ(state.txtsubject, u"old"_s);
-
     // Pasted text is not filtered; a pasted line break becomes a space.
     prompt.subject->clear();
     QGuiApplication::clipboard()->setText(u"Hi, you.\nBye"_s);
@@ -65,8 +61,9 @@ protected:
         loc.setTexts(texts);
         start();
     }
-    // The next subject prompt is confirmed with `subject`.
-    void answerSubject(const QString& subject) {
+    // The next subject prompt is confirmed with `subject`, the save dialog then with `path` (none: cancel).
+    void answer(const QString& subject, const QString& path = {}) {
+        if (!path.isEmpty()) fake.dialogs.saveFileAnswers.push_back(path);
         fake.dialogs.modalHooks.push_back([subject](QDialog& d) {
             auto& prompt = dynamic_cast<frmMMSPromptSubject&>(d);
             prompt.subject->setText(subject);
@@ -94,8 +91,7 @@ protected:
 TEST_F(ExportTest, ExportWritesTheArchiveToTheChosenPathReplacingAFileThere) {
     fillMessage();
     const QString target = home.write(u"out/mine.tpl"_s, "an older file");
-    answerSubject(u"Holiday"_s);
-    fake.dialogs.saveFileAnswers.push_back(target);
+    answer(u"Holiday"_s, target);
     w->mnu_upload_Click();
     EXPECT_EQ(fake.dialogs.saveFileRequests,
               QStringList(u"I63|"_s + home.path() + u"/UserData/MMS/|MMS Files (*.tpl)"_s));
@@ -111,8 +107,7 @@ TEST_F(ExportTest, ExportWritesTheArchiveToTheChosenPathReplacingAFileThere) {
 
 TEST_F(ExportTest, EmptyMessageCancelAndFailure) {
     // An empty message exports the presentation and the manifest; the modified flag stays clear.
-    answerSubject(u"Empty"_s);
-    fake.dialogs.saveFileAnswers.push_back(home.file(u"empty.tpl"_s));
+    answer(u"Empty"_s, home.file(u"empty.tpl"_s));
     w->createCmd_Click();
     EXPECT_EQ(tarNames(home.file(u"empty.tpl"_s)), u"main.smil texts.xml"_s);
     EXPECT_FALSE(w->isModified());
@@ -124,15 +119,14 @@ TEST_F(ExportTest, EmptyMessageCancelAndFailure) {
     EXPECT_EQ(fake.dialogs.saveFileRequests.size(), 1);
 
     // Cancel in the save dialog: the archive stays in the application folder, nothing is shown.
-    answerSubject(u"Kept"_s);
+    answer(u"Kept"_s);
     w->createCmd_Click();
     EXPECT_EQ(tarNames(upload()), u"main.smil texts.xml"_s);
     EXPECT_TRUE(fake.dialogs.shown.empty());
     EXPECT_EQ(w->messageState().txtsubject, u"Kept"_s);
 
     // A destination that cannot be written is reported; the archive stays too.
-    answerSubject(u"Again"_s);
-    fake.dialogs.saveFileAnswers.push_back(home.file(u"missing/folder/x.tpl"_s));
+    answer(u"Again"_s, home.file(u"missing/folder/x.tpl"_s));
     w->createCmd_Click();
     ASSERT_EQ(fake.dialogs.shown.size(), 1u);
     EXPECT_TRUE(fake.dialogs.shown[0].text.startsWith(u"E30 "_s));
@@ -143,8 +137,7 @@ TEST_F(ExportTest, EmptyMessageCancelAndFailure) {
 TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     fillMessage();
     const QString out = home.file(u"hello.mms"_s);
-    answerSubject(u"Hi"_s);
-    fake.dialogs.saveFileAnswers.push_back(out);
+    answer(u"Hi"_s, out);
     w->mnu_exportMms->trigger();
     EXPECT_EQ(fake.dialogs.saveFileRequests.last(),
               u"I64|"_s + home.path() + u"/UserData/MMS/|I65 (*.mms)"_s);
@@ -173,8 +166,7 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
 
     // A media file gone missing: the failure names it and no file is written.
     QFile::remove(midi);
-    answerSubject(u"Hi"_s);
-    fake.dialogs.saveFileAnswers.push_back(home.file(u"broken.mms"_s));
+    answer(u"Hi"_s, home.file(u"broken.mms"_s));
     w->mnu_exportMms_Click();
     EXPECT_TRUE(fake.dialogs.texts().last().startsWith(u"E29 "_s));
     EXPECT_TRUE(fake.dialogs.texts().last().contains(u"t.mid"_s));
