@@ -34,7 +34,6 @@ protected:
         player.pos = outMs;
         window.Command3->click();
     }
-
     TempDir dir;
     QString tune = dir.write(u"tune.mid"_s, cMajorScale(8));
     Localisation loc = numbered();
@@ -58,7 +57,6 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_TRUE(w->Slider1->isEnabled());
     EXPECT_TRUE(w->MnuClose->isEnabled());
     EXPECT_EQ(w->lblStatus->text(), u"I53 00:00 / 01:30"_s);
-
     player.playing = true;
     player.reportAt(45400);
     EXPECT_EQ(w->lblStatus->text(), u"I53 00:45 / 01:30"_s);
@@ -66,7 +64,6 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_EQ(w->Slider1->value(), 45);
     EXPECT_EQ(w->Label1->text() + w->Label2->text() + w->Label3->text(), u"00:0000:4501:30"_s);
     EXPECT_TRUE(w->MMControl1Stop->isEnabled() && !w->MMControl1Play->isEnabled());
-
     player.reportAt(90000); // the end of the tune: back to the beginning
     EXPECT_EQ(player.log.last(), u"Prev"_s);
     EXPECT_EQ(w->Slider1->value(), 0);
@@ -76,7 +73,6 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     w->MnuClose_Click();
     EXPECT_EQ(player.log.last(), u"Close"_s);
     EXPECT_FALSE(w->MnuClose->isEnabled());
-
     // A tune that cannot be opened is reported, and the slider stays off.
     frmMMSCropMIDI other(loc, fake.dialogs, player);
     player.openError = u"tune.mid: not a MIDI file"_s;
@@ -85,7 +81,7 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_FALSE(other.Slider1->isEnabled());
 }
 
-TEST_F(CropWindowTest, MarksHaveOneDecimalAndTheStretchStopsAndRewindsExactlyAtTheEndMark) {
+TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyondTheTuneIsRefused) {
     w->MnuOpen_Click();
     w->Command3_Click(); // no start yet: nothing happens
     EXPECT_TRUE(w->txtCropEnd->text().isEmpty());
@@ -95,14 +91,12 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalAndTheStretchStopsAndRewindsExactlyAtT
     EXPECT_TRUE(w->txtCropEnd->text().isEmpty());
     EXPECT_TRUE(w->Command3->isEnabled());
     EXPECT_FALSE(w->Command1->isEnabled() || w->Command4->isEnabled());
-
     mark(*w, 7000, 12460);
     EXPECT_EQ(w->txtCropStart->text() + w->txtCropEnd->text(), u"7.0s12.5s"_s);
     EXPECT_TRUE(w->Command1->isEnabled() && w->Command4->isEnabled());
     player.log.clear();
     player.reportAt(12500); // before the stretch is played, the end mark is nothing special
     EXPECT_TRUE(player.log.isEmpty());
-
     w->Command1->click();
     EXPECT_EQ(player.log, (QStringList{u"Stop"_s, u"Play 7000-12500"_s}));
     player.reportAt(12400);
@@ -110,20 +104,17 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalAndTheStretchStopsAndRewindsExactlyAtT
     player.reportAt(12500);
     EXPECT_EQ(player.log.last(), u"Prev"_s);
     EXPECT_EQ(w->Slider1->value(), 0);
-
     player.pos = 20000; // a start moved past the end: refused without playing
     w->Command2->click();
     player.log.clear();
     w->Command1->click();
     EXPECT_EQ(fake.dialogs.texts().size(), 2);
     EXPECT_TRUE(player.log.isEmpty());
-}
 
-TEST_F(CropWindowTest, ACropBeyondTheTuneIsRefusedAndWritesNothing) {
-    w->MnuOpen_Click();
+    // A crop beyond the tune is refused, writes nothing, and closes the window and the tune.
     mark(*w, 1000, 4100); // the tune is 4 s long
     w->Command4->click();
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"E20"_s, u"E19"_s}));
+    EXPECT_EQ(fake.dialogs.texts().mid(2), (QStringList{u"E20"_s, u"E19"_s}));
     EXPECT_FALSE(w->validflag);
     EXPECT_EQ(w->result(), QDialog::Rejected);
     EXPECT_FALSE(QFile::exists(w->outfilename));

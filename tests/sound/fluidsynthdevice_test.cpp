@@ -37,7 +37,6 @@ protected:
         for (QDeadlineTimer deadline(ms); !done() && !deadline.hasExpired();)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
-
     EngineScript engine;
     qint64 now = 0;
     FluidSynthDevice device{std::make_unique<FakeEngine>(engine), std::make_unique<FakeClock>(now)};
@@ -73,7 +72,6 @@ TEST_F(DeviceTest, EveryPlayEndsWithOneNotification) {
     spin(5000, [&] { return notes.size() == 3; });
     EXPECT_EQ(notes.back(), Notify::Successful);
     device.sendString(kStop); // the composer's answer notifies nothing more
-
     device.sendString(kPlay);
     device.sendString(kClose);
     EXPECT_EQ(notes.size(), 4u);
@@ -96,7 +94,6 @@ TEST_F(DeviceTest, WithoutSoundEveryCommandFailsAndTheReasonIsSaidOnce) {
     ::close(saved);
     EXPECT_EQ(results, "000000");
     EXPECT_EQ(QString::fromUtf8(TempDir::read(capture.fileName())).count(engine.unavailable), 1);
-
     // A tune the engine refuses is not played on the clock either: no success is ever sent.
     engine.unavailable.clear();
     engine.acceptTunes = false;

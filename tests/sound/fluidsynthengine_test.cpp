@@ -22,7 +22,6 @@ TEST(FluidSynthEngine, SoundfontComesFromTheArgumentThenTheEnvironmentThenDebian
     qputenv("MMS_SOUNDFONT", "/tmp/other.sf2");
     EXPECT_EQ(soundfontPath(), u"/tmp/other.sf2"_s);
     EXPECT_EQ(soundfontPath(u"/x.sf2"_s), u"/x.sf2"_s);
-
     TempDir dir;
     FluidSynthEngine missing(dir.file(u"none.sf2"_s), FluidSynthEngine::Output::Offline);
     EXPECT_TRUE(missing.unavailableReason().contains(u"none.sf2"_s));
@@ -42,7 +41,6 @@ TEST(FluidSynthEngine, RendersTheTuneAndItsTicksFollowTheTempoMap) {
     FluidSynthEngine engine(QString(), FluidSynthEngine::Output::Offline);
     ASSERT_EQ(engine.unavailableReason(), QString());
     ASSERT_TRUE(engine.load(tune));
-
     float peak = 0;
     auto render = [&](int ms) { // 44100 frames a second, in FluidSynth's 64-frame blocks
         float left[64] = {}, right[64] = {};
@@ -63,7 +61,6 @@ TEST(FluidSynthEngine, RendersTheTuneAndItsTicksFollowTheTempoMap) {
         expectAt(at += step);
     }
     EXPECT_GT(peak, 0.01f);
-
     // A restart at 1.5 s reports the new tick at once, then runs on from there.
     engine.stop();
     ASSERT_TRUE(engine.play(map.tickAt(1500)));

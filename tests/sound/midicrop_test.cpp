@@ -59,7 +59,6 @@ TEST_F(MidiCropTest, RefusesBadStretchesWithTheirTexts) {
 TEST_F(MidiCropTest, OutputHoldsTheStretchWithItsProgramsTempoAndSignature) {
     ASSERT_TRUE(crop("1.0s", "2.5s")) << sink.texts().join(QLatin1Char('\n')).toStdString();
     ASSERT_TRUE(QFile::exists(out));
-
     MidiDecoder back;
     back.resetMidiTables();
     back.decodeMidiFile(out);

@@ -48,7 +48,6 @@ TEST(MidiTables, NamesCodesAndLengths) {
     for (const auto& [sig, code] : codes)
         EXPECT_EQ(MidiDecoder::timeSignatureCode(sig), code) << sig[0] << "/" << sig[1];
     EXPECT_EQ(MidiDecoder::leadingNumber(u"16F#4"_s), 16);
-
     // Note lengths round to the nearest code; 3d/16 is still a thirty-second.
     const std::pair<int, const char*> notes[] = {{480, "4"}, {960, "2"}, {1920, "1"}, {240, "8"},
                                                  {90, "32"}, {91, "16"}, {721, "2"},  {1441, "1"}};
@@ -103,7 +102,6 @@ TEST_F(MidiDecoderTest, BarsStopAtFortyAndAtThirtyThreeTokens) {
     EXPECT_EQ(bars(0).size(), 40);
     EXPECT_EQ(bars(0).last(), u"1D#5"_s);
     EXPECT_DOUBLE_EQ(decoder.tuneLength(), 40 * 2.0);
-
     Track crowded; // 34 thirty-seconds in a bar of three whole notes
     for (int k = 0; k < 34; ++k)
         crowded.note(0, 60, 1, 60);
@@ -160,7 +158,6 @@ TEST_F(MidiDecoderTest, DamagedFilesFailQuietlyExceptForAMissingTrackChunk) {
     decode(file + "MTrx" + bigEndian(0, 4));
     EXPECT_EQ(sink.texts(), QStringList{u"Decode Error: MTrk\n"_s});
     sink.shown.clear();
-
     QList<QByteArray> quiet = {
         QByteArray("RIFF....", 8),
         file.left(file.size() - 3),                                           // track longer than the file
@@ -187,7 +184,6 @@ TEST_F(MidiDecoderTest, TempoAndDivisionSurviveIntoTheNextDecode) {
     decode(midiFile(480, {Track().note(0, 1920, 0, 60)}));
     ASSERT_TRUE(decoder.midiDecoded());
     EXPECT_EQ(decoder.tuneLength(), 0.0); // no tempo read yet in this run
-
     decodeTrack(Track().note(0, 480, 0, 60), 6, 3);
     EXPECT_EQ(decoder.timeSignatureCode(), 4);
     decode(midiFile(0x8000 | 0x1978, {Track().note(0, 1920, 0, 60)})); // frame-based division is not taken

@@ -23,7 +23,6 @@ protected:
         if (tick) engine.tick = tick;
         player.poll();
     }
-
     EngineScript engine;
     qint64 now = 1000;
     MidiPlayer player{std::make_unique<FakeEngine>(engine), std::make_unique<FakeClock>(now)};
@@ -39,7 +38,6 @@ TEST_F(PlayerTest, ConvertsWithTheTempoMapAndStopsExactlyAtTo) {
     ASSERT_TRUE(player.open(tune).isOk());
     EXPECT_EQ(player.length(), 5500);
     EXPECT_TRUE(player.isStatusTimerActive());
-
     player.setFrom(1250);
     player.setTo(3000);
     ASSERT_TRUE(player.play().isOk());
@@ -59,7 +57,6 @@ TEST_F(PlayerTest, ConvertsWithTheTempoMapAndStopsExactlyAtTo) {
     advance(50, 800);
     EXPECT_EQ(seen.back(), 5500);
     EXPECT_EQ(finished, 2);
-
     player.close();
     EXPECT_FALSE(player.isStatusTimerActive());
     EXPECT_EQ(player.length(), 0);
@@ -83,12 +80,10 @@ TEST_F(PlayerTest, WithoutSoundThePositionFollowsTheClock) {
     EXPECT_EQ(seen.back(), 5500);
     EXPECT_EQ(finished, 1);
     EXPECT_TRUE(engine.plays.empty());
-
     player.seek(9999);
     EXPECT_EQ(player.position(), 5500);
     player.prev();
     EXPECT_EQ(player.position(), 0);
-
     // A tune the engine refuses runs on the clock as well.
     engine.unavailable.clear();
     engine.acceptTunes = false;
@@ -108,7 +103,6 @@ TEST_F(PlayerTest, BadRequestsFailWithAMessageAndChangeNothing) {
     EXPECT_TRUE(bad.message().contains(u"notes.mid: This is not a Standard MIDI File"_s));
     EXPECT_FALSE(player.isOpen());
     EXPECT_EQ(engine.loads, 0);
-
     ASSERT_TRUE(player.open(tune).isOk());
     player.setFrom(3000);
     player.setTo(2000);

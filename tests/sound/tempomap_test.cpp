@@ -54,19 +54,16 @@ TEST(TempoMap, TracksAreMergedInTimeOrderWhateverTheFormat) {
     QByteArray format0 = midiFile(96, {single});
     format0[9] = 0;
     EXPECT_DOUBLE_EQ(parsed(format0).lengthMs(), 250.0 + 250.0 + 1000.0);
-
     // Format 1 with the changes spread over two tracks; the longest track decides the length.
     // 240 bpm at tick 96 in one, 60 bpm at 48 and 120 at 144 in the other.
     const TempoMap merged = parsed(midiFile(
         96, {Track().tempo(250000, 96).end(), Track().tempo(1000000, 48).tempo(500000, 96).end(200)}));
     EXPECT_DOUBLE_EQ(merged.msAt(96), 250.0 + 500.0);
     EXPECT_DOUBLE_EQ(merged.lengthMs(), 750.0 + 125.0 + 200 * 500.0 / 96);
-
     // Two changes at one tick: the later track's wins, as the sequencer applies it last.
     EXPECT_DOUBLE_EQ(
         parsed(midiFile(96, {Track().tempo(1000000).end(96), Track().tempo(250000).end()})).lengthMs(),
         250.0);
-
     // SMPTE time (25 frames of 40 ticks: 1 ms a tick) is absolute: tempo events do not change it.
     const Track smpte = Track().tempo(1000000).note(0, 1500, 0, 60).end();
     EXPECT_DOUBLE_EQ(parsed(midiFile(quint16((0x100 - 25) << 8 | 40), {smpte})).lengthMs(), 1500.0);
@@ -93,7 +90,6 @@ TEST(TempoMap, MalformedFilesFailWithAClearMessage) {
     };
     for (const auto& [bytes, message] : cases)
         EXPECT_TRUE(failure(bytes).contains(QLatin1String(message))) << message;
-
     // Tolerated: unknown chunks, bytes after the end of track, a short tail, a tempo of zero.
     Track zeroTempo;
     zeroTempo.tempo(0).on(96, 0, 60).end().raw(0, bytes({0x90, 0x3C}));
