@@ -1,3 +1,4 @@
+#include "package/mmscrun.h"
 #include "package/mmsencoder.h"
 #include "sound/midi_testfile.h"
 #include "store/messagestore.h"
@@ -6,7 +7,6 @@
 #include "support/tempdir.h"
 
 #include <QBuffer>
-#include <QProcess>
 #include <gtest/gtest.h>
 
 using namespace mms;
@@ -15,24 +15,12 @@ using namespace mms::test::midifile;
 
 namespace {
 
-struct MmscRun {
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-// The mmsc commands of the file formats, run as scripts run them.
+// The mmsc commands of the file formats.
 class MmscFormatsTest : public ::testing::Test {
 protected:
-    // `line` split at spaces; %1 is the test's folder.
-    MmscRun mmsc(const QString& line) {
-        QProcess p;
-        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"),
-                QStringList{u"--home"_s, dir.path()} +
-                    QString(line).replace(u"%1"_s, dir.path()).split(u' '));
-        p.waitForFinished(60000);
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
+    // %1 in `line` is the test's folder.
+    test::MmscRun mmsc(const QString& line) {
+        return test::runMmsc({u"--home"_s, dir.path()}, QString(line).replace(u"%1"_s, dir.path()));
     }
     test::TempDir dir;
 };
@@ -41,7 +29,7 @@ protected:
 
 TEST_F(MmscFormatsTest, ProbeMidiAndCropPrintExactLines) {
     const QString gif = dir.write(u"a.gif"_s, QByteArray::fromHex("474946383961 2c01 c800 f7"));
-    MmscRun r = mmsc(u"probe %1/a.gif %1/none.png"_s);
+    test::MmscRun r = mmsc(u"probe %1/a.gif %1/none.png"_s);
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_EQ(r.out, u"1\t1\t300\t200\t8\t%1\n0\t0\t0\t0\t0\t%2\n"_s.arg(gif, dir.file(u"none.png"_s)));
     EXPECT_TRUE(r.err.contains(u"none.png"_s));
@@ -75,7 +63,7 @@ TEST_F(MmscFormatsTest, MmsWritesTheStoredMessageAsOneRequest) {
     MessageStore store(dir.path());
     ASSERT_TRUE(store.save(slides, u"demo"_s, u"Subj"_s).isOk());
 
-    const MmscRun r = mmsc(u"mms demo %1/demo.mms"_s);
+    const test::MmscRun r = mmsc(u"mms demo %1/demo.mms"_s);
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     QBuffer expected;
     expected.open(QIODevice::ReadWrite);

@@ -1,22 +1,17 @@
 #include "package/archivereader.h"
+#include "package/mmscrun.h"
 #include "store/messagestore.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <gtest/gtest.h>
 
 using namespace mms;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Outcome {
-    int exitCode = -1;
-    QByteArray out, err;
-};
 
 // Runs `mmsc build` with --home set to the test's folder.
 class MmscBuild : public ::testing::Test {
@@ -26,13 +21,9 @@ protected:
         media.write(u"voice.amr"_s, QByteArray(300, 'a'));
     }
     // `line` split at spaces; %1 is the media folder, %2 a target archive in it.
-    Outcome mmsc(QString line) {
+    test::MmscRun mmsc(QString line) {
         line.replace(u"%1"_s, media.path()).replace(u"%2"_s, target);
-        QProcess p;
-        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"),
-                QStringList{u"--home"_s, home.path(), u"build"_s} + line.split(u' '));
-        EXPECT_TRUE(p.waitForFinished(30000)) << "mmsc did not run; is it built?";
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+        return test::runMmsc({u"--home"_s, home.path(), u"build"_s}, line);
     }
     QStringList homeEntries() const {
         return QDir(home.path())
@@ -52,18 +43,18 @@ protected:
 } // namespace
 
 TEST_F(MmscBuild, InfoPrintsTheCountAndTheSizeEstimate) {
-    const Outcome r = mmsc(twoSlides + u"--info"_s);
+    const test::MmscRun r = mmsc(twoSlides + u"--info"_s);
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
     const int size = 499 + 5 + 2 * 36 + (1000 + 41 + 27) + (2 + 2 + 42 + 28) + (300 + 30 + 37);
-    EXPECT_EQ(r.out, "slides: 2\nsize: " + QByteArray::number(size) + "\n");
-    EXPECT_EQ(mmsc(u"--info"_s).out, QByteArray("slides: 0\nsize: 0\n"));
+    EXPECT_EQ(r.out, u"slides: 2\nsize: %1\n"_s.arg(size));
+    EXPECT_EQ(mmsc(u"--info"_s).out, u"slides: 0\nsize: 0\n"_s);
     EXPECT_TRUE(homeEntries().isEmpty());
 }
 
 TEST_F(MmscBuild, SaveReplacesTheOldMessageWholeAndExportWritesOnlyTheChosenFile) {
     ASSERT_EQ(mmsc(u"--slide --slide --slide --text x --save msg"_s).exitCode, 0);
     EXPECT_FALSE(stored(u"msg/text3.txt"_s).isEmpty());
-    const Outcome r = mmsc(twoSlides + u"--save msg"_s);
+    const test::MmscRun r = mmsc(twoSlides + u"--save msg"_s);
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(QDir(home.file(u"UserData/MMS/msg"_s)).entryList(QDir::Files, QDir::Name).join(u' '),
               u"main.smil pic1.gif sound2.amr text1.txt texts.xml"_s);
@@ -88,9 +79,9 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoWritingNothing) {
           "--slide --colour red", "--slide extra", "--slide --save temp", "--slide --save a/b",
           "--slide --save m --export %2", "--slide --export %1", "--slide --export %1/no/dir/x.tpl",
           "--subject two\nlines --save m"}) {
-        const Outcome r = mmsc(QString::fromUtf8(line));
+        const test::MmscRun r = mmsc(QString::fromUtf8(line));
         EXPECT_EQ(r.exitCode, 2) << line;
-        EXPECT_TRUE(r.err.startsWith("mmsc: ") && r.err.count('\n') == 1) << line << r.err.toStdString();
+        EXPECT_TRUE(r.err.startsWith(u"mmsc: "_s) && r.err.count(u'\n') == 1) << line << r.err.toStdString();
         EXPECT_TRUE(r.out.isEmpty()) << line;
     }
     EXPECT_TRUE(homeEntries().isEmpty());

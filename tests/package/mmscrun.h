@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <gtest/gtest.h>
+
+namespace mms::test {
+
+struct MmscRun {
+    int exitCode = -1;
+    QString out, err;
+};
+
+// Runs the built mmsc as scripts run it: `line` split at spaces, after the words of `prefix`.
+inline MmscRun runMmsc(const QStringList& prefix, const QString& line) {
+    QProcess p;
+    p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), prefix + line.split(QLatin1Char(' ')));
+    EXPECT_TRUE(p.waitForFinished(60000)) << "mmsc did not run; is it built?";
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+} // namespace mms::test
