@@ -1,4 +1,5 @@
 #include "image/imageprobe.h"
+#include "picturefiles.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -22,9 +23,7 @@ QByteArray encode(const QImage& image, const char* format, bool progressive = fa
 }
 
 QImage picture(int w, int h, QImage::Format format) {
-    QImage image(w, h, format);
-    image.fill(Qt::red);
-    return image;
+    return test::filled(w, h, Qt::red).convertToFormat(format);
 }
 
 void expectProbe(const QByteArray& bytes, bool answer, int type, int w, int h, int depth, const char* what) {
@@ -34,6 +33,9 @@ void expectProbe(const QByteArray& bytes, bool answer, int type, int w, int h, i
     EXPECT_EQ(r.imgWidth, w) << what;
     EXPECT_EQ(r.imgHeight, h) << what;
     EXPECT_EQ(r.imgDepth, depth) << what;
+}
+void expectRefused(const QByteArray& bytes, const char* what) {
+    expectProbe(bytes, false, 0, 0, 0, 0, what);
 }
 
 QByteArray bytes(std::initializer_list<int> values) {
@@ -79,7 +81,7 @@ TEST(ImageProbe, HeaderFieldRules) {
     png[24] = 16;
     expectProbe(png, true, 3, 4, 4, 32, "grey with alpha");
     png[25] = 5; // unknown colour type: falls through to the JPEG scan, which finds nothing
-    expectProbe(png, false, 0, 0, 0, 0, "unknown colour type");
+    expectRefused(png, "unknown colour type");
     expectProbe(png + segment(0xD8, {}).left(2) + segment(0xC0, frame(9, 7, 3)), true, 2, 7, 9, 24,
                 "unknown colour type with a frame");
 
@@ -96,9 +98,9 @@ TEST(ImageProbe, HeaderFieldRules) {
 }
 
 TEST(ImageProbe, HostileBytesStayInsideTheBuffer) {
-    expectProbe({}, false, 0, 0, 0, 0, "empty");
-    expectProbe("just some text\n", false, 0, 0, 0, 0, "text");
-    expectProbe(QByteArray(70000, char(0xFF)), false, 0, 0, 0, 0, "all 0xFF");
+    expectRefused({}, "empty");
+    expectRefused("just some text\n", "text");
+    expectRefused(QByteArray(70000, char(0xFF)), "all 0xFF");
 
     const QByteArray soi("\xFF\xD8\xFF", 3);
     for (int at : {65520, 65522, 65523, 65524, 65525, 65530}) {
@@ -110,16 +112,16 @@ TEST(ImageProbe, HostileBytesStayInsideTheBuffer) {
     }
     // A segment length that jumps past the limit, one that lands on the limit, and a zero length.
     const QByteArray start("\xFF\xD8\xFF\xE1", 4);
-    expectProbe(start + QByteArray("\xFF\xFF", 2), false, 0, 0, 0, 0, "jump past the end");
+    expectRefused(start + QByteArray("\xFF\xFF", 2), "jump past the end");
     QByteArray toLimit = start + QByteArray::fromHex("fff8") + QByteArray(65540, '\0');
-    expectProbe(toLimit, false, 0, 0, 0, 0, "jump to the limit");
+    expectRefused(toLimit, "jump to the limit");
     expectProbe(start + QByteArray(2, '\0') + segment(0xC1, frame(3, 4, 3)), true, 2, 4, 3, 24,
                 "zero length");
 
     // A frame beyond the first 64 KiB is not seen.
-    expectProbe(soi.left(2) + segment(0xFE, QByteArray(65000, 'c')) + segment(0xFE, QByteArray(600, 'c')) +
-                    segment(0xC0, frame(1, 1, 3)),
-                false, 0, 0, 0, 0, "frame too late");
+    expectRefused(soi.left(2) + segment(0xFE, QByteArray(65000, 'c')) + segment(0xFE, QByteArray(600, 'c')) +
+                      segment(0xC0, frame(1, 1, 3)),
+                  "frame too late");
 }
 
 TEST(ImageProbe, FilesAreReadAndUnreadableOnesReported) {

@@ -63,16 +63,14 @@ TEST_F(PictureImportTest, OnlyFilesUnderTheLimitAreUsedAsTheyAre) {
     EXPECT_EQ(scratchCount(), 1);
 }
 
-TEST_F(PictureImportTest, LargeGifsAreRefusedByTheirTwoPatternsOnly) {
+TEST_F(PictureImportTest, LargeGifsByTheirTwoPatternsAndConversionsStillTooLargeAreRefused) {
     for (const char* name : {"big.gif", "BIG.GIF"})
         EXPECT_EQ(import(library(QLatin1String(name), test::tinyGif(), 150000)).errorNumber,
                   kErrPictureTooLarge);
     EXPECT_EQ(scratchCount(), 0);
     const PictureImport mixed = import(library(QStringLiteral("mixed.Gif"), test::tinyGif(), 150000));
     EXPECT_GT(QImage(mixed.picturePath).pixelColor(0, 0).red(), 180);
-}
-
-TEST_F(PictureImportTest, AConversionStillTooLargeIsRefusedAndLeftInTheScratchFolder) {
+    // A conversion still too large stays in the scratch folder.
     const PictureImport result =
         import(library(QStringLiteral("noise.bmp"), test::encoded(test::noise(600, 600), "BMP")));
     EXPECT_EQ(result.errorNumber, kErrPictureTooLarge);

@@ -13,18 +13,16 @@ using namespace mms;
 
 namespace {
 
-// A JPEG header the probe accepts with no picture behind it: listed by the probe, not decodable.
-const QByteArray
-    kHeaderOnlyJpeg("\xFF\xD8\xFF\xC0\x00\x11\x08\x00\x10\x00\x10\x03\x01\x22\x00\x02\x11\x01\x03\x11"
-                    "\x01\xFF\xD9",
-                    23);
-
 bool near(QColor a, QColor b) {
     return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
 }
 
 QColor centre(const QImage& image) {
     return image.pixelColor(image.width() / 2, image.height() / 2);
+}
+
+QByteArray bmp(QColor colour, int width = 10, int height = 10) {
+    return test::encoded(test::filled(width, height, colour), "BMP");
 }
 
 class PicturePanelTest : public test::ComposerTest {
@@ -34,9 +32,7 @@ protected:
     QString put(const QString& name, const QByteArray& bytes) {
         return home.write(QStringLiteral("UserData/Picture/") + name, bytes);
     }
-
-    // Lets the event loop run until the thumbnails of the last refill are all in (or a generous
-    // limit passes, which the expectations after it then report).
+    // Runs the event loop until the thumbnails of the last refill are all in.
     void waitForListing() {
         const QDeadlineTimer deadline(20000);
         while (panel().isListing() && !deadline.hasExpired()) {
@@ -49,12 +45,11 @@ protected:
         panel().refreshcmd->click();
         waitForListing();
     }
-
-    QStringList names() {
+    QString names() {
         QStringList out;
         for (int i = 0; i < panel().lstPicView->count(); ++i)
             out << panel().lstPicView->item(i)->text();
-        return out;
+        return out.join(u' ');
     }
     QColor iconColour(int row) {
         return centre(panel().lstPicView->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
@@ -76,42 +71,32 @@ protected:
     }
 };
 
-TEST_F(PicturePanelTest, ListsByTypeInOrderWithEveryThumbnailBesideItsName) {
-    put(QStringLiteral("b.gif"), test::encoded(test::filled(20, 10, Qt::green), "PNG")); // PNG named .gif
-    put(QStringLiteral("A.GIF"), test::tinyGif());                                       // red
-    put(QStringLiteral("c.jpg"), "a text file, not a picture");
-    put(QStringLiteral("d.jpg"), kHeaderOnlyJpeg);
+TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
+    put(QStringLiteral("A.GIF"), test::tinyGif()); // red
+    // A header the probe accepts with nothing behind it: listed, then dropped without a gap.
+    put(QStringLiteral("d.jpg"), QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
     put(QStringLiteral("e.jpg"), test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
-    put(QStringLiteral("f.bmp"), test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
-    put(QStringLiteral("g.png"), test::encoded(test::filled(8, 8, Qt::magenta), "PNG"));
-
+    put(QStringLiteral("f.bmp"), bmp(Qt::yellow, 80, 20));
     refresh();
-    EXPECT_EQ(names(), (QStringList{QStringLiteral("A.GIF"), QStringLiteral("b.gif"), QStringLiteral("e.jpg"),
-                                    QStringLiteral("f.bmp")}));
-    const QColor colours[] = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
-    for (int row = 0; row < 4; ++row)
+    EXPECT_EQ(names(), QStringLiteral("A.GIF e.jpg f.bmp"));
+    const QColor colours[] = {Qt::red, Qt::blue, Qt::yellow};
+    const char* byType[] = {"A.GIF", "e.jpg", "f.bmp"};
+    for (int row = 0; row < 3; ++row) {
         EXPECT_TRUE(near(iconColour(row), colours[row])) << row;
-    // A wide picture keeps its shape inside the square.
-    const QImage wide = panel().lstPicView->item(3)->icon().pixmap(PicturePanel::kThumbnailSize).toImage();
-    EXPECT_TRUE(near(wide.pixelColor(20, 2), thumbnailBackground()));
-
-    const QStringList byType[] = {{QStringLiteral("A.GIF"), QStringLiteral("b.gif")},
-                                  {QStringLiteral("e.jpg")},
-                                  {QStringLiteral("f.bmp")}};
-    for (int entry = 1; entry <= 3; ++entry) {
         panel().lstPicView->setCurrentRow(0);
-        EXPECT_TRUE(panel().chgImgCmd->isEnabled());
-        panel().imgTypeCombo->setCurrentIndex(entry);
+        panel().imgTypeCombo->setCurrentIndex(row + 1);
         EXPECT_FALSE(panel().chgImgCmd->isEnabled()) << "nothing is selected after a refill";
         waitForListing();
-        EXPECT_EQ(names(), byType[entry - 1]) << entry;
+        EXPECT_EQ(names(), QLatin1String(byType[row])) << row;
+        panel().imgTypeCombo->setCurrentIndex(0);
+        waitForListing();
     }
 }
 
 TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     test::TempDir other;
-    other.write(QStringLiteral("sea.bmp"), test::encoded(test::filled(10, 10, Qt::blue), "BMP"));
-    put(QStringLiteral("own.bmp"), test::encoded(test::filled(10, 10, Qt::red), "BMP"));
+    other.write(QStringLiteral("sea.bmp"), bmp(Qt::blue));
+    put(QStringLiteral("own.bmp"), bmp(Qt::red));
     refresh();
 
     // Cancelled: nothing changes. The start folder loses its trailing separator.
@@ -119,7 +104,7 @@ TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     panel().imgChgDirBrowse->click();
     EXPECT_EQ(fake.dialogs.folderRequests, QStringList{QStringLiteral("I62|") + library()});
     EXPECT_EQ(panel().imgDirPath->text(), library() + QLatin1Char('/'));
-    EXPECT_EQ(names(), QStringList{QStringLiteral("own.bmp")});
+    EXPECT_EQ(names(), QStringLiteral("own.bmp"));
 
     // Chosen: shown and listed at once; a root keeps its separator as the start folder.
     panel().imgDirPath->setText(QStringLiteral("/"));
@@ -128,21 +113,21 @@ TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     EXPECT_EQ(fake.dialogs.folderRequests.last(), QStringLiteral("I62|/"));
     EXPECT_EQ(panel().imgDirPath->text(), QDir::toNativeSeparators(other.path()));
     waitForListing();
-    EXPECT_EQ(names(), QStringList{QStringLiteral("sea.bmp")});
+    EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
 
-    // Typing a folder lists nothing new until the refresh command.
+    // A typed folder is listed only on refresh; until then pictures come from the listed one.
     panel().imgDirPath->setText(library());
-    EXPECT_EQ(names(), QStringList{QStringLiteral("sea.bmp")});
-    attach(QStringLiteral("sea.bmp")); // from the folder the list shows, not the one typed
+    EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
+    attach(QStringLiteral("sea.bmp"));
     EXPECT_EQ(slidePicture(1), other.file(QStringLiteral("sea.bmp")));
     refresh();
-    EXPECT_EQ(names(), QStringList{QStringLiteral("own.bmp")});
+    EXPECT_EQ(names(), QStringLiteral("own.bmp"));
 }
 
 TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOneAndTheLimitIsExclusive) {
-    const QByteArray bmp = test::encoded(test::filled(240, 60, Qt::blue), "BMP");
-    const QString small = put(QStringLiteral("small.bmp"), test::padded(bmp, 102399));
-    put(QStringLiteral("large.bmp"), test::padded(bmp, 102400));
+    const QByteArray wide = bmp(Qt::blue, 240, 60);
+    const QString small = put(QStringLiteral("small.bmp"), test::padded(wide, 102399));
+    put(QStringLiteral("large.bmp"), test::padded(wide, 102400));
     refresh();
     ASSERT_TRUE(w->IsEmpty());
 
@@ -154,7 +139,6 @@ TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOneAndTheLimitIsExclus
     EXPECT_TRUE(w->isModified());
     // The strip thumbnail and the phone screen keep the picture's 4:1 shape.
     const QImage thumbnail = w->stripModel().thumbnail(1);
-    EXPECT_EQ(thumbnail.size(), QSize(70, 70));
     EXPECT_TRUE(near(centre(thumbnail), Qt::blue));
     EXPECT_FALSE(near(thumbnail.pixelColor(35, 5), Qt::blue));
     EXPECT_EQ(w->picPanel->pixmap().size(), QSize(160, 40));
@@ -169,38 +153,23 @@ TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOneAndTheLimitIsExclus
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
 
-TEST_F(PicturePanelTest, LargeGifsAreRefusedByTheirTwoPatternsAndOtherCasesConverted) {
-    const QByteArray big = test::padded(test::tinyGif(), 150 * 1024);
-    put(QStringLiteral("a.gif"), big);
-    put(QStringLiteral("b.GIF"), big);
-    put(QStringLiteral("c.Gif"), big);
-    refresh();
-
-    attach(QStringLiteral("a.gif"));
-    attach(QStringLiteral("b.GIF"));
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{QStringLiteral("E0"), QStringLiteral("E0")}));
-    EXPECT_TRUE(w->IsEmpty());
-    EXPECT_TRUE(converted().isEmpty());
-    EXPECT_FALSE(w->isModified());
-
-    attach(QStringLiteral("c.Gif"));
-    ASSERT_EQ(converted().size(), 1);
-    EXPECT_EQ(slidePicture(1), home.file(QStringLiteral("Temp/tmpJPG/") + converted().first()));
-    EXPECT_TRUE(near(centre(w->stripModel().thumbnail(1)), Qt::red));
-}
-
-TEST_F(PicturePanelTest, FailedAttachLeavesTheSlideAsItWas) {
-    const QString first =
-        put(QStringLiteral("first.bmp"), test::encoded(test::filled(10, 10, Qt::red), "BMP"));
+TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
+    const QString first = put(QStringLiteral("first.bmp"), bmp(Qt::red));
+    put(QStringLiteral("a.gif"), test::padded(test::tinyGif(), 150 * 1024));
+    put(QStringLiteral("b.GIF"), test::padded(test::tinyGif(), 150 * 1024));
     put(QStringLiteral("noise.bmp"), test::encoded(test::noise(800, 600), "BMP"));
-    put(QStringLiteral("gone.bmp"), test::encoded(test::filled(10, 10, Qt::blue), "BMP"));
+    put(QStringLiteral("gone.bmp"), bmp(Qt::blue));
     refresh();
     attach(QStringLiteral("first.bmp"));
     w->setModified(false);
 
-    // Still too large as a JPEG: the JPEG stays in the scratch folder, the slide keeps its picture.
+    // Large GIFs are refused unconverted; a JPEG still too large stays in the scratch folder.
+    for (const char* name : {"a.gif", "b.GIF"})
+        attach(QLatin1String(name));
+    EXPECT_TRUE(converted().isEmpty());
     attach(QStringLiteral("noise.bmp"));
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E0")});
+    EXPECT_EQ(fake.dialogs.texts(),
+              (QStringList{QStringLiteral("E0"), QStringLiteral("E0"), QStringLiteral("E0")}));
     ASSERT_EQ(converted().size(), 1);
     EXPECT_GE(QFileInfo(home.file(QStringLiteral("Temp/tmpJPG/") + converted().first())).size(), 102400);
 
@@ -210,10 +179,11 @@ TEST_F(PicturePanelTest, FailedAttachLeavesTheSlideAsItWas) {
     loc.setTexts(texts);
     QFile::remove(library() + QStringLiteral("/gone.bmp"));
     attach(QStringLiteral("gone.bmp"));
-    ASSERT_EQ(fake.dialogs.shown.size(), 2u);
-    EXPECT_TRUE(fake.dialogs.shown[1].text.startsWith(QStringLiteral("E31")));
-    EXPECT_TRUE(fake.dialogs.shown[1].text.contains(QStringLiteral("gone.bmp")));
+    ASSERT_EQ(fake.dialogs.shown.size(), 4u);
+    EXPECT_TRUE(fake.dialogs.shown[3].text.startsWith(QStringLiteral("E31")));
+    EXPECT_TRUE(fake.dialogs.shown[3].text.contains(QStringLiteral("gone.bmp")));
 
+    EXPECT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), first);
     EXPECT_TRUE(near(centre(w->stripModel().thumbnail(1)), Qt::red));
     EXPECT_FALSE(w->isModified());
@@ -226,21 +196,19 @@ TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {
         put(QStringLiteral("old%1.jpg").arg(i, 2, 10, QLatin1Char('0')), photo);
     test::TempDir other;
     for (const char* name : {"new1.bmp", "new2.bmp"})
-        other.write(QString::fromLatin1(name), test::encoded(test::filled(12, 12, Qt::green), "BMP"));
+        other.write(QString::fromLatin1(name), bmp(Qt::green));
 
     panel().refreshcmd->click();
-    const QDeadlineTimer deadline(20000);
-    while (panel().lstPicView->count() == 0 && !deadline.hasExpired())
+    for (const QDeadlineTimer d(20000); panel().lstPicView->count() == 0 && !d.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     ASSERT_GT(panel().lstPicView->count(), 0);
     fake.dialogs.folderAnswers.push_back(other.path());
     panel().imgChgDirBrowse->click();
     waitForListing();
     // Results of the dropped listing still on their way must not turn up late either.
-    const QDeadlineTimer settle(300);
-    while (!settle.hasExpired())
+    for (const QDeadlineTimer d(300); !d.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    EXPECT_EQ(names(), (QStringList{QStringLiteral("new1.bmp"), QStringLiteral("new2.bmp")}));
+    EXPECT_EQ(names(), QStringLiteral("new1.bmp new2.bmp"));
     EXPECT_TRUE(near(iconColour(0), Qt::green) && near(iconColour(1), Qt::green));
 }
 

@@ -51,7 +51,7 @@ protected:
 
 } // namespace
 
-TEST_F(ThumbnailTest, ListsGifThenJpegThenBmpByNameAndProbesEach) {
+TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
     EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '),
               QStringLiteral("a.gif b.GIF c.jpg d.JPG e.jpg f.bmp"));
     EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), QStringLiteral("f.bmp"));
@@ -63,9 +63,8 @@ TEST_F(ThumbnailTest, ListsGifThenJpegThenBmpByNameAndProbesEach) {
         numbered.write(QLatin1String(name), "x");
     EXPECT_EQ(pictureCandidates(numbered.path(), 2).join(u' '),
               QStringLiteral("img1.jpg IMG9.jpg img10.jpg"));
-}
 
-TEST_F(ThumbnailTest, SkippedFilesDoNotShiftTheThumbnailsAfterThem) {
+    // Skipped files do not shift the thumbnails after them.
     ThumbnailLoader loader;
     Listing listing(loader);
     loader.start(dir.path(), 0);

@@ -63,16 +63,16 @@ TEST_F(MmscStoreTest, ListAndShowPrintExactLines) {
             .lastModified()
             .toString(u"yyyy-MM-dd'T'HH:mm:ss"_s);
     };
-    MmscRun r = mmsc({u"list"_s});
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta")));
-
-    r = mmsc({u"show"_s, u"beta"_s});
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, QStringLiteral(
-                         "subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"));
-    r = mmsc({u"show"_s, u"Alpha"_s});
-    EXPECT_EQ(r.out, u"subject: Empty\n"_s);
+    const std::pair<QStringList, QString> cases[] = {
+        {{u"list"_s}, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
+        {{u"show"_s, u"beta"_s},
+         u"subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"_s},
+        {{u"show"_s, u"Alpha"_s}, u"subject: Empty\n"_s}};
+    for (const auto& [args, out] : cases) {
+        const MmscRun r = mmsc(args);
+        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+        EXPECT_EQ(r.out, out);
+    }
     EXPECT_EQ(snapshot(), before);
 }
 

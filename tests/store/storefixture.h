@@ -23,12 +23,10 @@ class StoreFixture : public ::testing::Test {
 protected:
     StoreFixture() : store(tmp.path()) {
         QDir().mkpath(workspace::messages(tmp.path()));
-        // An unprivileged child process must be able to reach the files.
         QFile::setPermissions(tmp.path(),
                               QFile::permissions(tmp.path()) | QFile::ReadOther | QFile::ExeOther);
     }
     ~StoreFixture() override {
-        // Read-only folders of a test must not outlive it.
         QDirIterator it(tmp.path(), QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot,
                         QDirIterator::Subdirectories);
         while (it.hasNext()) {
