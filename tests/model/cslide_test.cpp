@@ -1,6 +1,7 @@
 #include "model/cslide.h"
 #include "support/qtprint.h"
 #include "support/recordingsink.h"
+#include "support/tempdir.h"
 
 #include <gtest/gtest.h>
 
@@ -103,15 +104,41 @@ TEST(CSlidePaths, SplitAtTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(CSlide::extractFilePath(u"plain"_s), QString());
 }
 
-TEST(CSlideLifetime, DestoryKeepsTheFolderPathAndLongListsTearDownWithoutRecursion) {
+TEST(MessageSize, FollowsTheFormulaUpToTheLongestListWhichClearsWithoutRecursion) {
+    test::TempDir dir;
     CSlide list;
-    list.setfolderpath(u"msg"_s);
-    list.setfilename(u"msg"_s);
-    for (int i = 0; i <= CSlide::kMaxSlides; ++i)
-        list.InsertAtBack(kThree, {}, {}, {});
-    EXPECT_THROW(list.getTotalSlide(), std::overflow_error);
-    EXPECT_FALSE(list.Destory());
-    EXPECT_TRUE(list.IsEmpty());
-    EXPECT_EQ(list.folderPath(), u"msg"_s);
-    EXPECT_EQ(list.fileName(), QString());
+    EXPECT_EQ(list.getTotalSize({}, {}, {}), 0);
+    list.InsertAtBack(kThree, {}, {}, {});
+    EXPECT_EQ(list.getTotalSize({}, {}, {}), 535);
+    // Strings and slide text count by characters, not UTF-8 bytes.
+    EXPECT_EQ(list.getTotalSize(u"ab"_s, u"c"_s, u"dé"_s), 540);
+    list.firstItem()->DataText = u"Hé"_s;
+    EXPECT_EQ(list.getTotalSize({}, {}, {}), 609);
+
+    CSlide media;
+    media.InsertAtBack(kThree, dir.write(u"a.gif"_s, QByteArray(1000, 'p')), {}, {});
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603);
+    media.InsertAtBack(kThree, dir.write(u"b.jpg"_s, QByteArray(500, 'q')), {}, {});
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577);
+    // Sounds: file size + 30 each, 37 once; a missing file counts 0 bytes but still costs its overhead.
+    media.InsertAtBack(kThree, {}, {}, dir.write(u"c.amr"_s, QByteArray(300, 's')));
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37);
+    media.InsertAtBack(kThree, dir.file(u"gone.gif"_s), {}, dir.file(u"gone.amr"_s));
+    EXPECT_EQ(media.getTotalSize({}, {}, {}), 1603 + 577 + 36 + 300 + 30 + 37 + 36 + 41 + 30);
+
+    CSlide full;
+    for (int i = 0; i < CSlide::kMaxSlides; ++i)
+        full.InsertAtBack(kThree, {}, u"x"_s, {});
+    EXPECT_EQ(full.getTotalSlide(), CSlide::kMaxSlides);
+    EXPECT_EQ(full.getTotalSize({}, {}, {}), 499 + 28 + CSlide::kMaxSlides * (36 + 3 + 42));
+
+    // One slide too many; the long list is cleared and torn down without recursion.
+    full.setfolderpath(u"msg"_s);
+    full.setfilename(u"msg"_s);
+    full.InsertAtBack(kThree, {}, {}, {});
+    EXPECT_THROW(full.getTotalSlide(), std::overflow_error);
+    EXPECT_FALSE(full.Destory());
+    EXPECT_TRUE(full.IsEmpty());
+    EXPECT_EQ(full.folderPath(), u"msg"_s); // Destory keeps the folder, not the file name
+    EXPECT_EQ(full.fileName(), QString());
 }
