@@ -13,7 +13,7 @@ struct EngineScript {
     bool acceptTunes = true;    // false: load() refuses
     std::optional<qint64> tick; // what currentTick() reports
     std::vector<qint64> plays;  // ticks passed to play()
-    int stops = 0, loads = 0, unloads = 0;
+    int loads = 0, unloads = 0;
     bool loaded = false;
 };
 
@@ -29,7 +29,7 @@ public:
         s_.plays.push_back(fromTick);
         return s_.loaded;
     }
-    void stop() override { ++s_.stops; }
+    void stop() override {}
     std::optional<qint64> currentTick() override { return s_.loaded ? s_.tick : std::nullopt; }
     void unload() override {
         ++s_.unloads;

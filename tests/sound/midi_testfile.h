@@ -34,9 +34,7 @@ public:
         data_ += vlq(delta) + bytes;
         return *this;
     }
-    Track& on(quint32 delta, int channel, int note, int velocity = 100) {
-        return raw(delta, bytes({0x90 | channel, note, velocity}));
-    }
+    Track& on(quint32 delta, int channel, int note) { return raw(delta, bytes({0x90 | channel, note, 100})); }
     Track& off(quint32 delta, int channel, int note) { return raw(delta, bytes({0x80 | channel, note, 64})); }
     Track& program(int channel, int program) { return raw(0, bytes({0xC0 | channel, program})); }
     Track& meta(int type, const QByteArray& body, quint32 delta = 0) {
