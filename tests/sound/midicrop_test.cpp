@@ -5,6 +5,7 @@
 #include "support/tempdir.h"
 
 #include <QFile>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 using namespace mms;
@@ -56,7 +57,7 @@ TEST_F(MidiCropTest, RefusesBadStretchesWithTheirTexts) {
     EXPECT_FALSE(QFile::exists(out));
 }
 
-TEST_F(MidiCropTest, OutputHoldsTheStretchWithItsProgramsTempoAndSignature) {
+TEST_F(MidiCropTest, OutputReadsBackWithOurDecoderAndAnIndependentReader) {
     ASSERT_TRUE(crop("1.0s", "2.5s")) << sink.texts().join(QLatin1Char('\n')).toStdString();
     ASSERT_TRUE(QFile::exists(out));
     MidiDecoder back;
@@ -69,4 +70,29 @@ TEST_F(MidiCropTest, OutputHoldsTheStretchWithItsProgramsTempoAndSignature) {
     EXPECT_EQ(back.channelProgram(2), 40);
     EXPECT_EQ(back.channelProgram(5), 12); // its stretch holds only rests: no notes, but the program stays
     EXPECT_TRUE(back.noteTable(5, 0).isEmpty());
+
+    // The same file through mido, which shares no code with our reader or writer.
+    const char* script = R"(
+import sys, mido
+m = mido.MidiFile(sys.argv[1])
+print("type", m.type, "tpb", m.ticks_per_beat)
+for track in m.tracks:
+    t = 0
+    for msg in track:
+        t += msg.time
+        if msg.type == "set_tempo": print("tempo", msg.tempo)
+        elif msg.type == "time_signature": print("signature", msg.numerator, msg.denominator)
+        elif msg.type == "program_change": print("program", msg.channel, msg.program)
+        elif msg.type == "note_on" and msg.velocity > 0: print("on", msg.channel, msg.note, t)
+        elif msg.type in ("note_on", "note_off"): print("off", msg.channel, msg.note, t)
+        elif msg.type == "end_of_track": print("end", t)
+)";
+    QProcess python;
+    python.start(u"/usr/bin/python3"_s, {u"-c"_s, QString::fromLatin1(script), out});
+    ASSERT_TRUE(python.waitForFinished(30000));
+    ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    EXPECT_EQ(QString::fromUtf8(python.readAllStandardOutput()),
+              u"type 1 tpb 480\nsignature 3 4\ntempo 500000\nend 0\n"
+              "program 2 40\non 2 64 0\noff 2 64 960\non 2 65 960\noff 2 65 1440\nend 1440\n"
+              "program 5 12\nend 2880\n"_s);
 }
