@@ -8,6 +8,7 @@
 #include <QImageWriter>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <tuple>
 
 using namespace mms;
 
@@ -28,11 +29,9 @@ QImage picture(int w, int h, QImage::Format format) {
 
 void expectProbe(const QByteArray& bytes, bool answer, int type, int w, int h, int depth, const char* what) {
     const ImageProbe r = checkValidImg(QByteArrayView(bytes));
-    EXPECT_EQ(r.answer, answer) << what;
-    EXPECT_EQ(r.imgType, type) << what;
-    EXPECT_EQ(r.imgWidth, w) << what;
-    EXPECT_EQ(r.imgHeight, h) << what;
-    EXPECT_EQ(r.imgDepth, depth) << what;
+    EXPECT_EQ(std::tuple(r.answer, r.imgType, r.imgWidth, r.imgHeight, r.imgDepth),
+              std::tuple(answer, type, w, h, depth))
+        << what;
 }
 void expectRefused(const QByteArray& bytes, const char* what) {
     expectProbe(bytes, false, 0, 0, 0, 0, what);

@@ -15,7 +15,7 @@ const SlideDur kThree = SlideDur::fromText(u"3"_s);
 class MessageStoreTest : public mms::test::StoreFixture {
 protected:
     // Picture + text, sound only, picture + sound.
-    void fill(CSlide& slides) {
+    MessageStoreTest() {
         slides.InsertAtBack(kThree, media(u"a.gif"_s, "GIF-1"), u"Hi"_s, {});
         slides.InsertAtBack(SlideDur::fromNumber(5), {}, {}, media(u"b.mid"_s, "MThd-2"));
         slides.InsertAtBack(kThree, media(u"c.jpg"_s, "JPG-3"), {}, media(u"d.amr"_s, "AMR-4"));
@@ -27,11 +27,10 @@ protected:
     }
     void readOnly(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x5555)); }
     void writable(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x7777)); }
+    CSlide slides;
 };
 
 TEST_F(MessageStoreTest, SaveReplacesTheStoredMessageWholeAndLeavesOthersAlone) {
-    CSlide slides;
-    fill(slides);
     ASSERT_TRUE(store.save(slides, u"trip"_s, u"Summer"_s).isOk());
     ASSERT_TRUE(store.save(slides, u"other"_s, u"Other"_s).isOk());
     const auto before = snapshot();
@@ -53,8 +52,6 @@ TEST_F(MessageStoreTest, SaveReplacesTheStoredMessageWholeAndLeavesOthersAlone) 
 }
 
 TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
-    CSlide slides;
-    fill(slides);
     ASSERT_TRUE(store.save(slides, u"trip"_s, u"S"_s).isOk());
     const auto before = snapshot();
 
@@ -78,8 +75,6 @@ TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
 }
 
 TEST_F(MessageStoreTest, RemoveAndHostileNames) {
-    CSlide slides;
-    fill(slides);
     ASSERT_TRUE(store.save(slides, u"a"_s, {}).isOk());
     ASSERT_TRUE(store.save(slides, u"b"_s, {}).isOk());
     const QString outside = tmp.write(u"UserData/keep.mmt"_s, "keep");
@@ -164,8 +159,6 @@ TEST_F(MessageStoreTest, AMalformedOrUnreadableIndexChangesNothing) {
 }
 
 TEST_F(MessageStoreTest, RoundTripThroughTheWorkingCopyKeepsEverySlide) {
-    CSlide slides;
-    fill(slides);
     slides.InsertAtBack(SlideDur::fromNumber(12), media(u"e.GIF"_s, "GIF-5"), u"Привет \\ \t end"_s, {});
     slides.InsertAtBack(kThree, media(u"f.3gp"_s, QByteArray(70000, 'v')), {}, {});
     slides.InsertAtBack(kThree, {}, {}, {});
