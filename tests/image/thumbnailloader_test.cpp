@@ -48,8 +48,7 @@ protected:
 } // namespace
 
 TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
-    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '),
-              QStringLiteral("a.gif b.GIF c.jpg e.jpg f.bmp"));
+    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), QStringLiteral("a.gif b.GIF c.jpg e.jpg f.bmp"));
     EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), QStringLiteral("f.bmp"));
     EXPECT_TRUE(pictureCandidates(dir.path(), 4).isEmpty());
     // The text file fails the probe; the PNG named .gif passes it.

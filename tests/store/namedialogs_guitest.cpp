@@ -1,4 +1,4 @@
-#include "composer/localisation.h"
+#include "composer/composerfixture.h"
 #include "store/storefixture.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
@@ -19,14 +19,7 @@ namespace {
 class NameDialogsTest : public mms::test::StoreFixture {
 protected:
     void SetUp() override {
-        // Texts name themselves ("E22"), so a test sees which entry was used.
-        LanguageTexts numbered;
-        for (int i = 0; i < 80; ++i) {
-            numbered.prompts << u"P%1"_s.arg(i);
-            numbered.errors << u"E%1"_s.arg(i);
-            numbered.interface << u"I%1"_s.arg(i);
-        }
-        texts.setTexts(numbered);
+        texts.setTexts(mms::test::numberedTexts());
         CSlide none;
         for (const QString& name : {u"zeta"_s, u"Alpha"_s, u"current"_s})
             ASSERT_TRUE(store.save(none, name, {}).isOk());
