@@ -4,7 +4,6 @@
 
 #include <QProcess>
 #include <gtest/gtest.h>
-#include <turbojpeg.h>
 
 using namespace mms;
 
@@ -37,18 +36,10 @@ TEST(JpegWriter, WritesBaselineThreeComponentJpegsOfTheSourceSizeAtQuality35) {
     for (const auto& [name, bytes] : sources) {
         ASSERT_TRUE(reencodeAsJpeg(dir.write(QLatin1String(name), bytes), out).isOk()) << name;
         const QByteArray jpeg = test::TempDir::read(out);
-        int width = 0, height = 0, subsampling = -1, colourspace = -1;
-        tjhandle handle = tjInitDecompress();
-        tjDecompressHeader3(handle, reinterpret_cast<const unsigned char*>(jpeg.constData()),
-                            static_cast<unsigned long>(jpeg.size()), &width, &height, &subsampling,
-                            &colourspace);
-        tjDestroy(handle);
-        EXPECT_EQ(QSize(width, height), QSize(37, 20)) << name;
-        EXPECT_EQ(subsampling, TJSAMP_420);
-        EXPECT_EQ(colourspace, TJCS_YCbCr);
         const qsizetype frame = jpeg.indexOf("\xFF\xC0"); // baseline
         ASSERT_GT(frame, 0) << name;
-        EXPECT_EQ(jpeg[frame + 9], 3) << name; // components
+        // 20 rows of 37; Y, Cb, Cr with only Y sampled 2x2 (4:2:0).
+        EXPECT_EQ(jpeg.mid(frame + 5, 14).toHex(), QByteArray("0014002503012200021101031101")) << name;
         // Quality 35 scales the standard tables by 5000 / 35: first entries 16 and 17 become 23 and 24.
         EXPECT_EQ(quantTables(jpeg)[5], 23);
         EXPECT_EQ(quantTables(jpeg)[69 + 5], 24);
