@@ -49,7 +49,6 @@ QByteArray segment(int marker, const QByteArray& body) {
     return bytes({0xFF, marker, n >> 8, n & 0xFF}) + body;
 }
 
-// Start-of-frame body: precision, height, width, components.
 QByteArray frame(int h, int w, int components) {
     return bytes({8, h >> 8, h & 0xFF, w >> 8, w & 0xFF, components});
 }

@@ -9,7 +9,6 @@ using namespace mms;
 
 namespace {
 
-// The two quantisation table segments, as the encoder writes them one after the other.
 QByteArray quantTables(const QByteArray& jpeg) {
     return jpeg.mid(jpeg.indexOf("\xFF\xDB"), 2 * 69);
 }

@@ -6,7 +6,6 @@
 
 namespace mms::test {
 
-// A picture encoded in one of Qt's formats ("BMP", "PNG", "JPG", "PPM").
 inline QByteArray encoded(const QImage& image, const char* format, int quality = -1) {
     QByteArray bytes;
     QBuffer buffer(&bytes);

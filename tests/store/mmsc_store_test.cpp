@@ -18,7 +18,6 @@ struct MmscRun {
     QString err;
 };
 
-// Member names and bytes of a tar archive, in archive order.
 std::vector<std::pair<QString, QByteArray>> members(const QString& path) {
     std::vector<std::pair<QString, QByteArray>> result;
     archive* a = archive_read_new();

@@ -18,7 +18,6 @@
 
 namespace mms::test {
 
-// A workspace with a message store and helpers to build slides from small media files.
 class StoreFixture : public ::testing::Test {
 protected:
     StoreFixture() : store(tmp.path()) {
