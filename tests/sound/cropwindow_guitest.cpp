@@ -110,7 +110,6 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     w->Command1->click();
     EXPECT_EQ(fake.dialogs.texts().size(), 2);
     EXPECT_TRUE(player.log.isEmpty());
-
     // A crop beyond the tune is refused, writes nothing, and closes the window and the tune.
     mark(*w, 1000, 4100); // the tune is 4 s long
     w->Command4->click();

@@ -31,14 +31,11 @@ TEST(MidiWriter, AcceptsExactlyTheDecoderTokens) {
         EXPECT_FALSE(s.isOk()) << text;
         EXPECT_FALSE(s.message().isEmpty());
     }
-    EXPECT_FALSE(w.ImportTrackNote(16, 0, u"4C5"_s).isOk());
-    EXPECT_FALSE(w.ImportTrackNote(0, 1, u"4C5"_s).isOk());
-    EXPECT_FALSE(w.ImportTrackGM(0, 128).isOk());
-    EXPECT_FALSE(w.ImportTrackGM(-1, 0).isOk());
+    EXPECT_FALSE(w.ImportTrackNote(16, 0, u"4C5"_s).isOk() || w.ImportTrackNote(0, 1, u"4C5"_s).isOk());
+    EXPECT_FALSE(w.ImportTrackGM(0, 128).isOk() || w.ImportTrackGM(-1, 0).isOk());
     QBuffer out;
     out.open(QIODevice::WriteOnly);
-    EXPECT_FALSE(w.ExportMidi(out, 120, 5).isOk());
-    EXPECT_FALSE(w.ExportMidi(out, 3, 2).isOk());
+    EXPECT_FALSE(w.ExportMidi(out, 120, 5).isOk() || w.ExportMidi(out, 3, 2).isOk());
     EXPECT_TRUE(out.data().isEmpty());
 }
 
