@@ -195,6 +195,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void moveOnePlace(bool towardsFront);
     // Defers the counter recount of nested commits to the end of the outermost command, so that a
     // command costs one recount however many commits the panel's change handlers make.
     class CounterBatch {

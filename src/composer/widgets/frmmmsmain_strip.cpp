@@ -116,30 +116,25 @@ void frmMMSMain::ffCmd_Click() {
     finishStripCommand(1);
 }
 
-void frmMMSMain::fCmd_Click() {
-    const qint16 cur = selectedSlide();
-    if (!moveCommandsFor(cur, stripCount()).towardsFront) return;
-    CounterBatch batch(*this);
-    const QScopedValueRollback quiet(stripFromCode_, true);
-    const SwapResult result = slides_.SwapTwoNodes(cur, kLeft);
-    if (result == SwapResult::Refused) platform_.dialogs.inform(loc_.getMCrErrStr(4));
-    if (result != SwapResult::Swapped) return;
-    stripModel_->moveSlide(cur, cur - 1);
-    stripModel_->refreshLabels(slides_);
-    finishStripCommand(static_cast<qint16>(cur - 1));
-}
+void frmMMSMain::fCmd_Click() { moveOnePlace(true); }
 
-void frmMMSMain::rCmd_Click() {
+void frmMMSMain::rCmd_Click() { moveOnePlace(false); }
+
+// Forward and backward: the selected slide changes places with its neighbour. A refused swap shows
+// error 4 (forward) or 3 (backward); the strip changes only when the list did.
+void frmMMSMain::moveOnePlace(bool towardsFront) {
     const qint16 cur = selectedSlide();
-    if (!moveCommandsFor(cur, stripCount()).towardsBack) return;
+    const MoveCommands allowed = moveCommandsFor(cur, stripCount());
+    if (!(towardsFront ? allowed.towardsFront : allowed.towardsBack)) return;
     CounterBatch batch(*this);
     const QScopedValueRollback quiet(stripFromCode_, true);
-    const SwapResult result = slides_.SwapTwoNodes(cur, kRight);
-    if (result == SwapResult::Refused) platform_.dialogs.inform(loc_.getMCrErrStr(3));
+    const SwapResult result = slides_.SwapTwoNodes(cur, towardsFront ? kLeft : kRight);
+    if (result == SwapResult::Refused) platform_.dialogs.inform(loc_.getMCrErrStr(towardsFront ? 4 : 3));
     if (result != SwapResult::Swapped) return;
-    stripModel_->moveSlide(cur, cur + 1);
+    const qint16 target = static_cast<qint16>(towardsFront ? cur - 1 : cur + 1);
+    stripModel_->moveSlide(cur, target);
     stripModel_->refreshLabels(slides_);
-    finishStripCommand(static_cast<qint16>(cur + 1));
+    finishStripCommand(target);
 }
 
 void frmMMSMain::rrCmd_Click() {
