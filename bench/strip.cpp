@@ -4,7 +4,7 @@
 // sound file, so every size recount reads 4,000 file lengths (BM_SizeRecount shows that part alone).
 // Each figure includes the window's own event processing (strip layout and repaint) after the
 // command; the window is shown on the offscreen platform.
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/frmmmsmain.h"
 
 #include <QApplication>

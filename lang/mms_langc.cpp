@@ -1,7 +1,7 @@
 // Builds a binary language file from its editable source, refusing sources that would lose or shift
 // a text: mms-langc SOURCE OUTPUT [REFERENCE-SOURCE]
-#include "composer/langsource.h"
-#include "composer/localisation.h"
+#include "common/langsource.h"
+#include "common/localisation.h"
 
 #include <QFile>
 #include <QFileInfo>

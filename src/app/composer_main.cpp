@@ -6,9 +6,9 @@
 // setting for this run. A language file or workspace folder that fails stops start-up with one
 // message (a message box when a display exists, always on stderr) and exit status 1.
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/frmmmsmain.h"
-#include "composer/widgets/qtdialogs.h"
+#include "common/widgets/qtdialogs.h"
 #include "model/clockrandom.h"
 #include "sound/fluidsynthdevice.h"
 #include "store/appfolder.h"

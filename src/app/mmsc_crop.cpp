@@ -1,6 +1,6 @@
 #include "app/mmsc.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "sound/midicrop.h"
 #include "store/appfolder.h"
 

@@ -1,6 +1,6 @@
 #include "composer/workspacefolders.h"
 
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 #include <QDirIterator>

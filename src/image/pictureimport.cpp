@@ -1,7 +1,7 @@
 #include "image/pictureimport.h"
 
 #include "image/jpegwriter.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,7 +2,7 @@
 
 #include "package/mmsencoder.h"
 #include "package/packagewriter.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>

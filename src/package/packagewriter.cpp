@@ -2,7 +2,7 @@
 
 #include "package/tararchive.h"
 #include "package/utf8.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "store/messagestore.h"
 
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 namespace mms {
 

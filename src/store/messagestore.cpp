@@ -3,7 +3,7 @@
 #include "package/packagewriter.h"
 #include "store/messageindex.h"
 #include "store/storefiles.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>

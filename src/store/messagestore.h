@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/messagestate.h"
+
 #include "model/cslide.h"
 #include "model/status.h"
 
@@ -10,15 +12,6 @@
 
 namespace mms {
 
-// The composer's notion of the current message, shared with the name dialogs: they hand their result
-// back by writing currentFile, isOverwrite and isCancel before they close.
-struct MessageState {
-    QString txtsubject;
-    QString currentFile; // empty while the message has never been saved or opened
-    bool isModified = false;
-    bool isOverwrite = false;
-    bool isCancel = false;
-};
 
 // One row of a name dialog's list, and one line of `mmsc list`.
 struct StoredMessageInfo {

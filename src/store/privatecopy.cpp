@@ -1,6 +1,6 @@
 #include "store/privatecopy.h"
 
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QDir>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "support/fakeplatform.h"

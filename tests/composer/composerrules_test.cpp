@@ -1,6 +1,6 @@
 #include "composer/composertext.h"
 #include "composer/workspacefolders.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 

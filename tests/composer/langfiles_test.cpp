@@ -1,5 +1,5 @@
 // The language files the build generates: each one loads and is a real translation.
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "support/qtprint.h"
 
 #include <QRegularExpression>

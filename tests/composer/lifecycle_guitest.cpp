@@ -1,5 +1,5 @@
 #include "composerfixture.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"

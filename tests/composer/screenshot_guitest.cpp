@@ -1,4 +1,4 @@
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "support/fakeplatform.h"
 #include "support/tempdir.h"

@@ -1,4 +1,4 @@
-#include "image/folderpaths.h"
+#include "common/folderpaths.h"
 #include "support/qtprint.h"
 
 #include <QDir>

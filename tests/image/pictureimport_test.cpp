@@ -1,6 +1,6 @@
 #include "image/pictureimport.h"
 #include "picturefiles.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 

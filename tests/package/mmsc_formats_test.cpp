@@ -2,7 +2,7 @@
 #include "package/mmsencoder.h"
 #include "sound/midi_testfile.h"
 #include "store/messagestore.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 

@@ -5,7 +5,7 @@
 #include "sound/widgets/frmmmscropmidi.h"
 #include "sound/widgets/soundpanel.h"
 #include "store/messagestore.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QComboBox>
 #include <QListWidget>

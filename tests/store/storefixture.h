@@ -2,7 +2,7 @@
 
 #include "model/cslide.h"
 #include "store/messagestore.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 

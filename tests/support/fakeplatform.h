@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composer/widgets/platform.h"
+#include "common/widgets/platform.h"
 #include "model/clockrandom.h"
 #include "sound/multimediadevice.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composer/widgets/platform.h"
+#include "common/widgets/platform.h"
 
 #include <QString>
 #include <QtGlobal>

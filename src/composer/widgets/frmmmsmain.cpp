@@ -1,13 +1,13 @@
 #include "composer/widgets/frmmmsmain.h"
 
 #include "composer/composertext.h"
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/workspacefolders.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QAbstractItemView>
 #include <QAction>
@@ -35,7 +35,7 @@
 
 // Resources compiled into a static library must be registered by name, outside any namespace.
 static void initComposerResources() {
-    Q_INIT_RESOURCE(composer);
+    Q_INIT_RESOURCE(icons);
 }
 
 namespace mms {
@@ -43,7 +43,7 @@ namespace mms {
 namespace {
 
 QIcon icon(const char* name) {
-    return QIcon(QStringLiteral(":/composer/icons/%1.svg").arg(QLatin1String(name)));
+    return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
 }
 
 QToolButton* stripButton(QWidget* parent, const char* objectName, const char* iconName) {

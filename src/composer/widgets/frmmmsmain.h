@@ -1,7 +1,7 @@
 #pragma once
 
 #include "composer/widgets/composerhost.h"
-#include "composer/widgets/platform.h"
+#include "common/widgets/platform.h"
 #include "model/cslide.h"
 #include "model/status.h"
 #include "store/messagestore.h"

@@ -2,7 +2,7 @@
 // Every edit is written into the selected slide's node at once; there is no apply step.
 
 #include "composer/composertext.h"
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -190,12 +190,12 @@ void frmMMSMain::showPicture(const QString& path, bool* failed) {
     }
     if (isVideoClipPath(path)) {
         // A clip is no picture: the panel shows that the slide carries one.
-        picPanel->setPixmap(QIcon(QStringLiteral(":/composer/icons/video.svg")).pixmap(48, 48));
+        picPanel->setPixmap(QIcon(QStringLiteral(":/icons/video.svg")).pixmap(48, 48));
         return;
     }
     const QImage picture = loadPicture(path);
     if (picture.isNull()) {
-        picPanel->setPixmap(QIcon(QStringLiteral(":/composer/icons/broken-picture.svg")).pixmap(48, 48));
+        picPanel->setPixmap(QIcon(QStringLiteral(":/icons/broken-picture.svg")).pixmap(48, 48));
         *failed = true;
         return;
     }

@@ -1,7 +1,7 @@
 // The sound preview: the play/stop toggle, its state switch and the end-of-playback notification.
 // Playing means the device alias "music" is open and playing and the button shows "stop".
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/frmmmsmain.h"
 
 #include <QLabel>

@@ -5,14 +5,14 @@
 // over a message whose save failed. Open reads and copies the chosen message before it clears the
 // current one, so a message that cannot be opened changes nothing (error 24).
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
 #include "store/widgets/frmmmsfilesave.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QAction>
 #include <QFileInfo>

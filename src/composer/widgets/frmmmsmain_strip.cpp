@@ -4,7 +4,7 @@
 // refusal never leaves the two out of step.
 
 #include "composer/composertext.h"
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"

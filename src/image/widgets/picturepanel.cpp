@@ -1,11 +1,11 @@
 #include "image/widgets/picturepanel.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/composerhost.h"
-#include "image/folderpaths.h"
+#include "common/folderpaths.h"
 #include "image/pictureimport.h"
 #include "image/thumbnailloader.h"
-#include "image/widgets/browsefolder.h"
+#include "common/widgets/browsefolder.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -46,11 +46,11 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
     imgDirPath->setObjectName(QStringLiteral("imgDirPath"));
     imgChgDirBrowse = new QToolButton(this);
     imgChgDirBrowse->setObjectName(QStringLiteral("imgChgDirBrowse"));
-    imgChgDirBrowse->setIcon(QIcon(QStringLiteral(":/composer/icons/folder.svg")));
+    imgChgDirBrowse->setIcon(QIcon(QStringLiteral(":/icons/folder.svg")));
     imgChgDirBrowse->setAutoRaise(true);
     refreshcmd = new QPushButton(this);
     refreshcmd->setObjectName(QStringLiteral("refreshcmd"));
-    refreshcmd->setIcon(QIcon(QStringLiteral(":/composer/icons/refresh.svg")));
+    refreshcmd->setIcon(QIcon(QStringLiteral(":/icons/refresh.svg")));
     imgTypeCombo = new QComboBox(this);
     imgTypeCombo->setObjectName(QStringLiteral("imgTypeCombo"));
     imgTypeCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -70,7 +70,7 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
 
     chgImgCmd = new QPushButton(this);
     chgImgCmd->setObjectName(QStringLiteral("chgImgCmd"));
-    chgImgCmd->setIcon(QIcon(QStringLiteral(":/composer/icons/attach.svg")));
+    chgImgCmd->setIcon(QIcon(QStringLiteral(":/icons/attach.svg")));
     chgImgCmd->setEnabled(false);
 
     auto* folderRow = new QHBoxLayout;

@@ -1,6 +1,6 @@
 #include "package/widgets/frmmmspromptsubject.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/messagesink.h"
-#include "store/messagestore.h"
+#include "model/messagestate.h"
 
 #include <QDialog>
 #include <QString>

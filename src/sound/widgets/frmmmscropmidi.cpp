@@ -1,11 +1,11 @@
 #include "sound/widgets/frmmmscropmidi.h"
 
-#include "composer/localisation.h"
-#include "composer/widgets/platform.h"
+#include "common/localisation.h"
+#include "common/widgets/platform.h"
 #include "model/filelength.h"
 #include "sound/midicrop.h"
 #include "sound/midiplayer.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QAction>
 #include <QFileInfo>

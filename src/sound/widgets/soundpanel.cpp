@@ -1,11 +1,11 @@
 #include "sound/widgets/soundpanel.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/composerhost.h"
-#include "image/folderpaths.h"
-#include "image/widgets/browsefolder.h"
+#include "common/folderpaths.h"
+#include "common/widgets/browsefolder.h"
 #include "sound/widgets/frmmmscropmidi.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -35,11 +35,11 @@ SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), h
     soundDirPath->setObjectName(QStringLiteral("soundDirPath"));
     SoundChgDirBrowse = new QToolButton(this);
     SoundChgDirBrowse->setObjectName(QStringLiteral("SoundChgDirBrowse"));
-    SoundChgDirBrowse->setIcon(QIcon(QStringLiteral(":/composer/icons/folder.svg")));
+    SoundChgDirBrowse->setIcon(QIcon(QStringLiteral(":/icons/folder.svg")));
     SoundChgDirBrowse->setAutoRaise(true);
     refresh2Cmd = new QPushButton(this);
     refresh2Cmd->setObjectName(QStringLiteral("refresh2Cmd"));
-    refresh2Cmd->setIcon(QIcon(QStringLiteral(":/composer/icons/refresh.svg")));
+    refresh2Cmd->setIcon(QIcon(QStringLiteral(":/icons/refresh.svg")));
     soundTypeCombo = new QComboBox(this);
     soundTypeCombo->setObjectName(QStringLiteral("soundTypeCombo"));
     soundTypeCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -53,11 +53,11 @@ SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), h
 
     cropCmd = new QPushButton(this);
     cropCmd->setObjectName(QStringLiteral("cropCmd"));
-    cropCmd->setIcon(QIcon(QStringLiteral(":/composer/icons/crop.svg")));
+    cropCmd->setIcon(QIcon(QStringLiteral(":/icons/crop.svg")));
     cropCmd->setEnabled(false);
     chgSoundCmd = new QPushButton(this);
     chgSoundCmd->setObjectName(QStringLiteral("chgSoundCmd"));
-    chgSoundCmd->setIcon(QIcon(QStringLiteral(":/composer/icons/attach.svg")));
+    chgSoundCmd->setIcon(QIcon(QStringLiteral(":/icons/attach.svg")));
     chgSoundCmd->setEnabled(false);
 
     auto* folderRow = new QHBoxLayout;
@@ -147,7 +147,7 @@ bool SoundPanel::refreshFileList(bool keepSelection) {
     // Without QDir::CaseSensitive the patterns match in any case, so "*.mid" lists TUNE.MID.
     const QStringList names =
         QDir(fileFolder_).entryList(patterns, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
-    const QIcon icon(QStringLiteral(":/composer/icons/sound.svg"));
+    const QIcon icon(QStringLiteral(":/icons/sound.svg"));
     for (const QString& name : names)
         new QListWidgetItem(icon, name, fileBoxSound);
     if (!kept.isEmpty()) {

@@ -1,6 +1,6 @@
 #include "store/widgets/frmmmsfilesave.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 
 #include <QLineEdit>
 #include <QPushButton>

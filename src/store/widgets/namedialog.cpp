@@ -1,6 +1,6 @@
 #include "store/widgets/namedialog.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>

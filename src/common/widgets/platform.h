@@ -2,7 +2,6 @@
 
 #include "model/clockrandom.h"
 #include "model/messagesink.h"
-#include "sound/multimediadevice.h"
 
 #include <QString>
 
@@ -10,6 +9,8 @@ class QDialog;
 class QWidget;
 
 namespace mms {
+
+class MultimediaDevice;
 
 // Every dialog the user meets. The real implementation uses Qt; tests answer through a scripted one
 // and never block on a modal window.

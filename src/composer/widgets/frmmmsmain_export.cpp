@@ -1,12 +1,12 @@
 // The composer's export commands: Export (the message as a .tpl package archive) and Export as MMS
 // (the message as one binary MMS send request).
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "package/messageexport.h"
 #include "package/packagewriter.h"
 #include "package/widgets/frmmmspromptsubject.h"
-#include "store/workspace.h"
+#include "common/workspace.h"
 
 #include <exception>
 

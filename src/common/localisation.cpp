@@ -1,4 +1,4 @@
-#include "composer/localisation.h"
+#include "common/localisation.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "image/widgets/browsefolder.h"
+#include "common/widgets/browsefolder.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "composer/widgets/composerhost.h"
 
 #include <QFileInfo>

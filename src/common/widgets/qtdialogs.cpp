@@ -1,6 +1,6 @@
-#include "composer/widgets/qtdialogs.h"
+#include "common/widgets/qtdialogs.h"
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 
 #include <QDialog>
 #include <QFileDialog>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composer/localisation.h"
+#include "common/localisation.h"
 #include "model/status.h"
 
 #include <QByteArray>

@@ -1,4 +1,4 @@
-#include "composer/langsource.h"
+#include "common/langsource.h"
 
 #include <QMap>
 #include <QRegularExpression>
