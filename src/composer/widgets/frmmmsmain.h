@@ -3,6 +3,7 @@
 #include "composer/widgets/composerhost.h"
 #include "common/widgets/platform.h"
 #include "model/cslide.h"
+#include "sound/multimediadevice.h"
 #include "model/status.h"
 #include "store/messagestore.h"
 
