@@ -171,12 +171,13 @@ void BM_KeystrokeInTheTextBox(benchmark::State& state) {
     Composer& c = composer(state);
     c.pick(kMiddle);
     c.window->txtText_Click();
+    auto* txtText = c.window->findChild<QPlainTextEdit*>(QStringLiteral("txtText"));
     int typed = 0;
     for (auto _ : state) {
         const bool erase = ++typed % 40 == 0;
         QKeyEvent key(QEvent::KeyPress, erase ? Qt::Key_Backspace : Qt::Key_A, Qt::NoModifier,
                       erase ? QString() : QStringLiteral("a"));
-        state.SetIterationTime(timed(state, [&] { QApplication::sendEvent(c.window->txtText, &key); }));
+        state.SetIterationTime(timed(state, [&] { QApplication::sendEvent(txtText, &key); }));
     }
     finish(state);
 }

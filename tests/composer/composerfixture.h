@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/localisation.h"
+#include "support/controls.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "support/fakeplatform.h"
@@ -53,14 +54,14 @@ protected:
 
     // The user picks strip item `position`.
     void pick(int position) {
-        w->lstSlide->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
+        ctl<QListView>(w, "lstSlide")->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
                                                        QItemSelectionModel::ClearAndSelect);
     }
 
     // Adds one slide per letter of `texts`, each with that letter as its text.
     void addSlides(const QString& texts) {
         for (QChar c : texts) {
-            w->addCmd->click();
+            ctl<QToolButton>(w, "addCmd")->click();
             typeText(QString(c));
         }
     }
@@ -82,14 +83,14 @@ protected:
     // Clicks into the text box and types, as a user would.
     void typeText(const QString& text) {
         w->txtText_Click();
-        w->txtText->moveCursor(QTextCursor::End);
-        type(w->txtText, text);
+        ctl<QPlainTextEdit>(w, "txtText")->moveCursor(QTextCursor::End);
+        type(ctl<QPlainTextEdit>(w, "txtText"), text);
     }
     // Selects the whole duration box and types `text` over it.
     void typeDuration(const QString& text) {
-        focusIn(w->txtSlideDur);
-        w->txtSlideDur->selectAll();
-        type(w->txtSlideDur, text);
+        focusIn(ctl<QLineEdit>(w, "txtSlideDur"));
+        ctl<QLineEdit>(w, "txtSlideDur")->selectAll();
+        type(ctl<QLineEdit>(w, "txtSlideDur"), text);
     }
 
     // A one-colour picture saved under the application folder.
@@ -130,14 +131,14 @@ protected:
         bool operator==(const Moves&) const = default;
     };
     Moves moves() const {
-        const bool front = w->ffCmd->isEnabled();
-        const bool back = w->rrCmd->isEnabled();
-        EXPECT_EQ(w->fCmd->isEnabled(), front);
-        EXPECT_EQ(w->sendfront->isEnabled(), front);
-        EXPECT_EQ(w->sendfwd->isEnabled(), front);
-        EXPECT_EQ(w->rCmd->isEnabled(), back);
-        EXPECT_EQ(w->sendbwd->isEnabled(), back);
-        EXPECT_EQ(w->sendback->isEnabled(), back);
+        const bool front = ctl<QToolButton>(w, "ffCmd")->isEnabled();
+        const bool back = ctl<QToolButton>(w, "rrCmd")->isEnabled();
+        EXPECT_EQ(ctl<QToolButton>(w, "fCmd")->isEnabled(), front);
+        EXPECT_EQ(ctl<QAction>(w, "sendfront")->isEnabled(), front);
+        EXPECT_EQ(ctl<QAction>(w, "sendfwd")->isEnabled(), front);
+        EXPECT_EQ(ctl<QToolButton>(w, "rCmd")->isEnabled(), back);
+        EXPECT_EQ(ctl<QAction>(w, "sendbwd")->isEnabled(), back);
+        EXPECT_EQ(ctl<QAction>(w, "sendback")->isEnabled(), back);
         return {front, back};
     }
 

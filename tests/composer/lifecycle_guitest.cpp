@@ -1,4 +1,5 @@
 #include "composerfixture.h"
+#include "support/controls.h"
 #include "common/workspace.h"
 
 #include "image/widgets/picturepanel.h"
@@ -33,21 +34,21 @@ protected:
 
 TEST_F(LifecycleTest, FirstStartShowsTheFiltersFoldersAndAnEmptyMessage) {
     EXPECT_EQ(w->windowTitle(), u"I0 - I1"_s);
-    PicturePanel& pictures = *w->picturePanel;
-    SoundPanel& sounds = *w->soundPanel;
-    EXPECT_EQ(comboEntries(pictures.imgTypeCombo),
+    PicturePanel& pictures = *ctl<PicturePanel>(w, "picturePanel");
+    SoundPanel& sounds = *ctl<SoundPanel>(w, "soundPanel");
+    EXPECT_EQ(comboEntries(ctl<QComboBox>(pictures, "imgTypeCombo")),
               (QStringList{u"I29"_s, u"I30 (*.gif)"_s, u"I31 (*.jpg)"_s, u"I32 (*.bmp)"_s}));
-    EXPECT_EQ(comboEntries(sounds.soundTypeCombo),
+    EXPECT_EQ(comboEntries(ctl<QComboBox>(sounds, "soundTypeCombo")),
               (QStringList{u"I33"_s, u"I34 (*.amr)"_s, u"I35 (*.mid)"_s}));
-    EXPECT_EQ(pictures.imgDirPath->text(), QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
-    EXPECT_EQ(sounds.soundDirPath->text(), QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
+    EXPECT_EQ(ctl<QLineEdit>(pictures, "imgDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
+    EXPECT_EQ(ctl<QLineEdit>(sounds, "soundDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
     // The empty message: only adding is possible.
-    EXPECT_TRUE(w->add_slide->isEnabled() && w->addCmd->isEnabled());
-    for (QAction* a : {w->rm_slide, w->sendfront, w->sendfwd, w->sendbwd, w->sendback, w->mnu_upload})
+    EXPECT_TRUE(ctl<QAction>(w, "add_slide")->isEnabled() && ctl<QToolButton>(w, "addCmd")->isEnabled());
+    for (QAction* a : {ctl<QAction>(w, "rm_slide"), ctl<QAction>(w, "sendfront"), ctl<QAction>(w, "sendfwd"), ctl<QAction>(w, "sendbwd"), ctl<QAction>(w, "sendback"), ctl<QAction>(w, "mnu_upload")})
         EXPECT_FALSE(a->isEnabled()) << a->objectName().toStdString();
-    for (QWidget* b : std::initializer_list<QWidget*>{w->ffCmd, w->fCmd, w->rCmd, w->rrCmd, w->removeCmd,
-                                                      w->createCmd, w->soundPlayCmd, pictures.chgImgCmd,
-                                                      sounds.chgSoundCmd, sounds.cropCmd})
+    for (QWidget* b : std::initializer_list<QWidget*>{ctl<QToolButton>(w, "ffCmd"), ctl<QToolButton>(w, "fCmd"), ctl<QToolButton>(w, "rCmd"), ctl<QToolButton>(w, "rrCmd"), ctl<QToolButton>(w, "removeCmd"),
+                                                      ctl<QPushButton>(w, "createCmd"), ctl<QToolButton>(w, "soundPlayCmd"), ctl<QPushButton>(pictures, "chgImgCmd"),
+                                                      ctl<QPushButton>(sounds, "chgSoundCmd"), ctl<QPushButton>(sounds, "cropCmd")})
         EXPECT_FALSE(b->isEnabled()) << b->objectName().toStdString();
     EXPECT_FALSE(w->isModified() || w->isPlaying());
 }
@@ -82,7 +83,7 @@ TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
     home.write(u"UserData/MMS/party.mmt"_s, "\"\"\n");
     home.write(u"Temp/tmpJPG/a.jpg"_s, "x");
     fake.dialogs.answers = {Answer::Yes};
-    w->mnu_exit->trigger();
+    ctl<QAction>(w, "mnu_exit")->trigger();
     EXPECT_FALSE(w->isVisible());
     for (const char* gone : {"UserData/MMS/temp", "UserData/MMS/temp.mmt", "Temp"})
         EXPECT_FALSE(exists(QLatin1String(gone))) << gone;
@@ -91,7 +92,7 @@ TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
 }
 
 TEST_F(LifecycleTest, ClosingAChangedMessageAsksToSaveWithItsCancelPaths) {
-    w->addCmd->click();
+    ctl<QToolButton>(w, "addCmd")->click();
     // Cancel, and Yes with the save's name dialog cancelled: the changes stay open.
     for (Answer answer : {Answer::Cancel, Answer::Yes}) {
         fake.dialogs.shown.clear();

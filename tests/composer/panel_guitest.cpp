@@ -1,4 +1,5 @@
 #include "composerfixture.h"
+#include "support/controls.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -14,39 +15,39 @@ TEST_F(PanelTest, TypedDurationsAreCommittedAndShownWithTheUnit) {
     addSlides(QStringLiteral("AB"));
     pick(1);
     typeDuration(QStringLiteral("5"));
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("5s"));
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("5s"));
     EXPECT_EQ(w->message().firstItem()->DataSlideDur, SlideDur::fromNumber(5));
     // Typing goes on in front of the unit: a second digit makes 57 seconds.
-    type(w->txtSlideDur, QStringLiteral("7"));
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("57s"));
+    type(ctl<QLineEdit>(w, "txtSlideDur"), QStringLiteral("7"));
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("57s"));
     EXPECT_EQ(w->stripModel().label(1), label(1, 57));
     // Letters, blanks and Backspace are discarded.
-    type(w->txtSlideDur, QStringLiteral("x "));
-    pressKey(w->txtSlideDur, Qt::Key_Backspace);
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("57s"));
+    type(ctl<QLineEdit>(w, "txtSlideDur"), QStringLiteral("x "));
+    pressKey(ctl<QLineEdit>(w, "txtSlideDur"), Qt::Key_Backspace);
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("57s"));
     EXPECT_TRUE(fake.dialogs.shown.empty());
     EXPECT_EQ(w->stripModel().label(2), label(2, 3));
 }
 
 TEST_F(PanelTest, ADurationThatIsNoNumberIsUndoneAndOneBeyondSixteenBitsIsNotStored) {
-    w->addCmd->click();
-    focusIn(w->txtSlideDur); // the box shows 3s
-    w->txtSlideDur->setCursorPosition(2);
-    type(w->txtSlideDur, QStringLiteral("5")); // 3s5
+    ctl<QToolButton>(w, "addCmd")->click();
+    focusIn(ctl<QLineEdit>(w, "txtSlideDur")); // the box shows 3s
+    ctl<QLineEdit>(w, "txtSlideDur")->setCursorPosition(2);
+    type(ctl<QLineEdit>(w, "txtSlideDur"), QStringLiteral("5")); // 3s5
     ASSERT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("I9")});
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("3s"));
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("3s"));
     // An emptied box: the same message, and the text at focus comes back.
-    w->txtSlideDur->selectAll();
-    pressKey(w->txtSlideDur, Qt::Key_Delete);
+    ctl<QLineEdit>(w, "txtSlideDur")->selectAll();
+    pressKey(ctl<QLineEdit>(w, "txtSlideDur"), Qt::Key_Delete);
     EXPECT_EQ(fake.dialogs.texts(), (QStringList{QStringLiteral("I9"), QStringLiteral("I9")}));
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("3s"));
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("3s"));
     EXPECT_EQ(w->message().firstItem()->DataSlideDur, SlideDur::fromNumber(3));
 
     fake.dialogs.shown.clear();
     w->setModified(false);
-    focusIn(w->txtSlideDur);
-    w->txtSlideDur->setText(QStringLiteral("40000")); // pasted over the whole text
-    EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("40000s"));
+    focusIn(ctl<QLineEdit>(w, "txtSlideDur"));
+    ctl<QLineEdit>(w, "txtSlideDur")->setText(QStringLiteral("40000")); // pasted over the whole text
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("40000s"));
     EXPECT_EQ(w->message().firstItem()->DataSlideDur, SlideDur::fromNumber(3));
     EXPECT_EQ(w->stripModel().label(1), label(1, 3));
     EXPECT_FALSE(w->isModified());
@@ -54,34 +55,34 @@ TEST_F(PanelTest, ADurationThatIsNoNumberIsUndoneAndOneBeyondSixteenBitsIsNotSto
 }
 
 TEST_F(PanelTest, TheTextHintMakesWayAndEveryKeystrokeIsCommittedAndCounted) {
-    EXPECT_EQ(w->lblSize->text(), QStringLiteral("I26 : 0 byte"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSize")->text(), QStringLiteral("I26 : 0 byte"));
     // The box is disabled with an empty message; should text reach it, it makes the first slide.
-    w->txtText->setPlainText(QStringLiteral("Hello"));
+    ctl<QPlainTextEdit>(w, "txtText")->setPlainText(QStringLiteral("Hello"));
     ASSERT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(w->message().firstItem()->DataText, QStringLiteral("Hello"));
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("Hello"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("Hello"));
     EXPECT_EQ(w->selectedSlide(), 1);
-    EXPECT_EQ(w->lblSlide->text(), QStringLiteral("I26 : 1"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSlide")->text(), QStringLiteral("I26 : 1"));
 
-    w->addCmd->click();
+    ctl<QToolButton>(w, "addCmd")->click();
     w->setModified(false);
-    ASSERT_EQ(w->txtText->toPlainText(), QStringLiteral("I36"));
+    ASSERT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("I36"));
     w->txtText_Click();
-    EXPECT_TRUE(w->txtText->toPlainText().isEmpty());
-    type(w->txtText, QStringLiteral("Hi"));
+    EXPECT_TRUE(ctl<QPlainTextEdit>(w, "txtText")->toPlainText().isEmpty());
+    type(ctl<QPlainTextEdit>(w, "txtText"), QStringLiteral("Hi"));
     EXPECT_EQ(w->message().lastItem()->DataText, QStringLiteral("Hi"));
     EXPECT_TRUE(w->isModified());
     const qint32 size = w->message().getTotalSize({}, {}, {});
-    EXPECT_EQ(w->lblSize->text(), QStringLiteral("I26 : %1bytes").arg(size));
-    type(w->txtText, QStringLiteral("!"));
-    EXPECT_EQ(w->lblSize->text(), QStringLiteral("I26 : %1bytes").arg(size + 1));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSize")->text(), QStringLiteral("I26 : %1bytes").arg(size));
+    type(ctl<QPlainTextEdit>(w, "txtText"), QStringLiteral("!"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSize")->text(), QStringLiteral("I26 : %1bytes").arg(size + 1));
     w->txtText_Click(); // a click into real text leaves it alone
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("Hi!"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("Hi!"));
 
     w->updateCurrentSlide(QStringLiteral("soundPath"),
                           home.write(QStringLiteral("tune.mid"), QByteArray(1000, 'x')));
     const qint32 withSound = w->message().getTotalSize({}, {}, {});
-    EXPECT_EQ(w->lblSize->text(), QStringLiteral("I26 : %1bytes").arg(withSound));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSize")->text(), QStringLiteral("I26 : %1bytes").arg(withSound));
     EXPECT_GE(withSound, size + 1001);
 }
 
@@ -94,12 +95,12 @@ TEST_F(PanelTest, TheSoundLabelNamesAStoredSoundAfterItsMessage) {
     for (const auto& [path, shown] : sounds) {
         w->updateCurrentSlide(QStringLiteral("soundPath"), path);
         w->lstSlide_ItemClick();
-        EXPECT_EQ(w->lblSoundName->text(), shown);
-        EXPECT_TRUE(w->soundPlayCmd->isEnabled());
+        EXPECT_EQ(ctl<QLabel>(w, "lblSoundName")->text(), shown);
+        EXPECT_TRUE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
     }
     pick(1);
-    EXPECT_TRUE(w->lblSoundName->text().isEmpty());
-    EXPECT_FALSE(w->soundPlayCmd->isEnabled());
+    EXPECT_TRUE(ctl<QLabel>(w, "lblSoundName")->text().isEmpty());
+    EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
 }
 
 } // namespace

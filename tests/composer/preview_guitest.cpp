@@ -1,4 +1,5 @@
 #include "composerfixture.h"
+#include "support/controls.h"
 
 #include <QLabel>
 #include <QThread>
@@ -23,24 +24,24 @@ protected:
         fake.device.sent.clear();
     }
     void play() {
-        w->soundPlayCmd->click();
+        ctl<QToolButton>(w, "soundPlayCmd")->click();
         fake.device.sent.clear();
     }
     void expectStopped() {
         EXPECT_FALSE(w->isPlaying());
-        EXPECT_EQ(w->soundPlayCmd->toolTip(), QStringLiteral("I28"));
+        EXPECT_EQ(ctl<QToolButton>(w, "soundPlayCmd")->toolTip(), QStringLiteral("I28"));
     }
     QString tune;
 };
 
 TEST_F(PreviewTest, PlayThenStopSendsTheFourCommandsAndLateReportsChangeNothing) {
-    w->soundPlayCmd->click();
+    ctl<QToolButton>(w, "soundPlayCmd")->click();
     EXPECT_TRUE(w->isPlaying());
-    EXPECT_EQ(w->soundPlayCmd->toolTip(), QStringLiteral("I27"));
+    EXPECT_EQ(ctl<QToolButton>(w, "soundPlayCmd")->toolTip(), QStringLiteral("I27"));
     EXPECT_EQ(fake.device.sent, (QStringList{QStringLiteral("open \"%1\" Alias music").arg(tune),
                                              QStringLiteral("play music from 0 notify")}));
     fake.device.sent.clear();
-    w->soundPlayCmd->click();
+    ctl<QToolButton>(w, "soundPlayCmd")->click();
     // The stop makes the device report an aborted playback, and a late end report may follow.
     for (auto late : {MultimediaDevice::Notify::Aborted, MultimediaDevice::Notify::Successful}) {
         fake.device.emitNotify(late);
@@ -72,13 +73,13 @@ TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreviewAndAnAmrSoundIsNeverPlayed
     pick(2);
     expectStopped();
     EXPECT_EQ(fake.device.sent, kStopClose + kStopClose);
-    EXPECT_FALSE(w->soundPlayCmd->isEnabled());
+    EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
 
     w->updateCurrentSlide(QStringLiteral("soundPath"),
                           home.write(QStringLiteral("UserData/Sound/voice.amr"), "#!AMR\n"));
     w->lstSlide_ItemClick();
     fake.device.sent.clear();
-    w->soundPlayCmd->click();
+    ctl<QToolButton>(w, "soundPlayCmd")->click();
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E7")});
     EXPECT_TRUE(fake.device.sent.isEmpty());
     expectStopped();

@@ -1,4 +1,5 @@
 #include "common/localisation.h"
+#include "support/controls.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "support/fakeplatform.h"
 #include "support/tempdir.h"
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using mms::test::ctl;
 
 // A smoke start of the real window with the shipped English texts, a library and a filled slide.
 // With MMS_SCREENSHOT set to a file name the window is saved there as a PNG, to look at.
@@ -31,11 +33,11 @@ TEST(ComposerScreenshot, TheFilledWindowRendersWithRealTexts) {
     frmMMSMain w(fake.platform, loc, options);
     const Status started = w.Form_Load();
     ASSERT_TRUE(started.isOk()) << started.message().toStdString();
-    w.addCmd->click();
+    ctl<QToolButton>(w, "addCmd")->click();
     w.updateCurrentSlide(QStringLiteral("imgPath"), path);
     w.updateCurrentSlide(QStringLiteral("soundPath"), tune);
     w.txtText_Click();
-    w.txtText->setPlainText(QStringLiteral("Happy birthday, Anna!"));
+    ctl<QPlainTextEdit>(w, "txtText")->setPlainText(QStringLiteral("Happy birthday, Anna!"));
     w.lstSlide_ItemClick();
 
     w.show();

@@ -1,4 +1,5 @@
 #include "composer/slidepicture.h"
+#include "support/controls.h"
 #include "composerfixture.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
@@ -18,9 +19,9 @@ protected:
         fake.dialogs.modalHooks.push_back([name](QDialog& d) {
             auto& dialog = dynamic_cast<Dialog&>(d);
             dialog.txtName->setText(name);
-            if constexpr (std::is_same_v<Dialog, frmMMSFileSave>) dialog.cmdSave->click();
-            if constexpr (std::is_same_v<Dialog, frmMMSFileOpen>) dialog.cmdOpen->click();
-            if constexpr (std::is_same_v<Dialog, frmMMSFileDelete>) dialog.cmdDelete->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileSave>) ctl<QPushButton>(dialog, "cmdSave")->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileOpen>) ctl<QPushButton>(dialog, "cmdOpen")->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileDelete>) ctl<QPushButton>(dialog, "cmdDelete")->click();
         });
     }
     bool stored(const QString& name) const {
@@ -47,7 +48,7 @@ protected:
 TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrentOne) {
     composeTwoSlides();
     answerDialog<frmMMSFileSave>(QStringLiteral("old"));
-    w->mnu_save->trigger(); // never saved: Save behaves as Save as
+    ctl<QAction>(w, "mnu_save")->trigger(); // never saved: Save behaves as Save as
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P8")});
     EXPECT_TRUE(stored(QStringLiteral("old")));
     EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - old"));
@@ -64,7 +65,7 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     fake.dialogs.shown.clear();
     answerDialog<frmMMSFileDelete>(QStringLiteral("old"));
     fake.dialogs.answers = {Answer::Yes};
-    w->mnu_delete->trigger();
+    ctl<QAction>(w, "mnu_delete")->trigger();
     EXPECT_EQ(fake.dialogs.texts(), (QStringList{QStringLiteral("P1"), QStringLiteral("P7")}));
     EXPECT_EQ(fake.dialogs.shown[0].title, QStringLiteral("I7"));
     EXPECT_FALSE(stored(QStringLiteral("old")));
@@ -99,7 +100,7 @@ TEST_F(StoreTest, ASaveThatFailsKeepsTheNameTheChangesAndTheStoredCopy) {
 TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
     composeTwoSlides();
     fake.dialogs.answers = {Answer::Cancel};
-    w->mnu_new->trigger();
+    ctl<QAction>(w, "mnu_new")->trigger();
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P3")});
     EXPECT_EQ(w->message().getTotalSlide(), 2);
 
@@ -110,7 +111,7 @@ TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
     EXPECT_EQ(w->stripModel().count(), 0);
     EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - I1"));
     EXPECT_FALSE(w->isModified());
-    EXPECT_FALSE(w->ffCmd->isEnabled() || w->sendback->isEnabled());
+    EXPECT_FALSE(ctl<QToolButton>(w, "ffCmd")->isEnabled() || ctl<QAction>(w, "sendback")->isEnabled());
 }
 
 TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
@@ -120,7 +121,7 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     fake.dialogs.shown.clear();
 
     answerDialog<frmMMSFileOpen>(QStringLiteral("trip"));
-    w->mnu_open->trigger();
+    ctl<QAction>(w, "mnu_open")->trigger();
     EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(QLatin1Char('|')).toStdString();
     EXPECT_EQ(order(), QStringLiteral("AB"));
     EXPECT_EQ(labels(), (QStringList{label(1, 5), label(2, 3)}));
@@ -130,12 +131,12 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     const QString workingCopy = home.file(QStringLiteral("UserData/MMS/temp/"));
     EXPECT_TRUE(w->message().firstItem()->DataImgPath.startsWith(workingCopy));
     EXPECT_TRUE(w->message().lastItem()->DataSoundPath.startsWith(workingCopy));
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("A"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("A"));
     EXPECT_FALSE(w->isModified());
     EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - trip"));
 
     pick(2);
-    EXPECT_EQ(w->lblSoundName->text(), QStringLiteral("trip-sound2.mid"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSoundName")->text(), QStringLiteral("trip-sound2.mid"));
 
     // Cancelling the dialog changes nothing.
     w->mnu_open_Click();

@@ -1,4 +1,5 @@
 #include "composer/slidepicture.h"
+#include "support/controls.h"
 #include "composerfixture.h"
 
 #include <QAction>
@@ -13,14 +14,14 @@ namespace {
 using StripTest = ComposerTest;
 
 TEST_F(StripTest, AddShowsTheNewSlideAfterTheSelectedOneOrAtTheBack) {
-    w->addCmd->click();
+    ctl<QToolButton>(w, "addCmd")->click();
     EXPECT_EQ(labels(), QStringList{label(1, 3)});
-    EXPECT_EQ(w->frameSlide->title(), QStringLiteral("I9 1"));
-    EXPECT_TRUE(w->removeCmd->isEnabled() && w->createCmd->isEnabled() && w->rm_slide->isEnabled() &&
-                w->mnu_upload->isEnabled() && w->frameSlide->isEnabled());
-    EXPECT_FALSE(w->soundPlayCmd->isEnabled());
+    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title(), QStringLiteral("I9 1"));
+    EXPECT_TRUE(ctl<QToolButton>(w, "removeCmd")->isEnabled() && ctl<QPushButton>(w, "createCmd")->isEnabled() && ctl<QAction>(w, "rm_slide")->isEnabled() &&
+                ctl<QAction>(w, "mnu_upload")->isEnabled() && ctl<QGroupBox>(w, "frameSlide")->isEnabled());
+    EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
     EXPECT_EQ(moves(), (Moves{false, false}));
-    EXPECT_EQ(w->lblSlide->text(), QStringLiteral("I26 : 1"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSlide")->text(), QStringLiteral("I26 : 1"));
     // The shown duration was committed as a number; the hint was never stored as the text.
     ASSERT_TRUE(w->message().firstItem()->DataSlideDur.isNumber());
     EXPECT_EQ(w->message().firstItem()->DataSlideDur.number(), 3);
@@ -32,15 +33,15 @@ TEST_F(StripTest, AddShowsTheNewSlideAfterTheSelectedOneOrAtTheBack) {
     pick(4);
     typeDuration(QStringLiteral("9"));
     pick(2);
-    w->addCmd->click();
+    ctl<QToolButton>(w, "addCmd")->click();
     EXPECT_EQ(order(), QStringLiteral("AB_CD"));
     EXPECT_EQ(w->selectedSlide(), 3);
     EXPECT_EQ(labels(), (QStringList{label(1, 3), label(2, 3), label(3, 3), label(4, 3), label(5, 9)}));
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("I36"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("I36"));
     expectInStep();
 
     pick(5);
-    w->add_slide->trigger();
+    ctl<QAction>(w, "add_slide")->trigger();
     EXPECT_EQ(w->selectedSlide(), 6);
     EXPECT_EQ(order(), QStringLiteral("AB_CD_"));
     EXPECT_EQ(moves(), (Moves{true, false}));
@@ -50,27 +51,27 @@ TEST_F(StripTest, AddShowsTheNewSlideAfterTheSelectedOneOrAtTheBack) {
 
 TEST_F(StripTest, RemoveSelectsTheNeighbourAndTheLastRemovalResetsThePanel) {
     addSlides(QStringLiteral("ABC"));
-    w->removeCmd->click(); // the last of three
+    ctl<QToolButton>(w, "removeCmd")->click(); // the last of three
     EXPECT_EQ(order(), QStringLiteral("AB"));
     EXPECT_EQ(w->selectedSlide(), 2);
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("B"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("B"));
 
     pick(1);
-    w->rm_slide->trigger();
+    ctl<QAction>(w, "rm_slide")->trigger();
     EXPECT_EQ(order(), QStringLiteral("B"));
-    EXPECT_EQ(w->frameSlide->title(), QStringLiteral("I9 1"));
+    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title(), QStringLiteral("I9 1"));
     expectInStep();
 
-    w->removeCmd->click();
+    ctl<QToolButton>(w, "removeCmd")->click();
     EXPECT_TRUE(w->message().IsEmpty());
     EXPECT_EQ(w->stripModel().count(), 0);
-    EXPECT_EQ(w->lblSlide->text(), QStringLiteral("I26 : 0"));
-    EXPECT_EQ(w->lblSize->text(), QStringLiteral("I26 : 0 byte"));
-    EXPECT_EQ(w->frameSlide->title(), QStringLiteral("I9 "));
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("I36"));
-    EXPECT_TRUE(w->txtSlideDur->text().isEmpty());
-    EXPECT_FALSE(w->frameSlide->isEnabled() || w->removeCmd->isEnabled() || w->createCmd->isEnabled() ||
-                 w->rm_slide->isEnabled() || w->mnu_upload->isEnabled());
+    EXPECT_EQ(ctl<QLabel>(w, "lblSlide")->text(), QStringLiteral("I26 : 0"));
+    EXPECT_EQ(ctl<QLabel>(w, "lblSize")->text(), QStringLiteral("I26 : 0 byte"));
+    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title(), QStringLiteral("I9 "));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("I36"));
+    EXPECT_TRUE(ctl<QLineEdit>(w, "txtSlideDur")->text().isEmpty());
+    EXPECT_FALSE(ctl<QGroupBox>(w, "frameSlide")->isEnabled() || ctl<QToolButton>(w, "removeCmd")->isEnabled() || ctl<QPushButton>(w, "createCmd")->isEnabled() ||
+                 ctl<QAction>(w, "rm_slide")->isEnabled() || ctl<QAction>(w, "mnu_upload")->isEnabled());
     EXPECT_TRUE(w->isModified());
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
@@ -105,8 +106,8 @@ TEST_F(StripTest, MovesCarryTextDurationAndThumbnailAndSelectTheMovedSlide) {
         (w.get()->*step.command)();
         EXPECT_EQ(order(), step.order);
         EXPECT_EQ(w->selectedSlide(), step.selected);
-        EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("C"));
-        EXPECT_EQ(w->txtSlideDur->text(), QStringLiteral("7s"));
+        EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("C"));
+        EXPECT_EQ(ctl<QLineEdit>(w, "txtSlideDur")->text(), QStringLiteral("7s"));
         EXPECT_EQ(w->stripModel().label(step.selected), label(step.selected, 7));
         EXPECT_EQ(w->stripModel().thumbnail(step.selected), cThumb);
         EXPECT_EQ(moves(), step.moves);
@@ -115,7 +116,7 @@ TEST_F(StripTest, MovesCarryTextDurationAndThumbnailAndSelectTheMovedSlide) {
     }
     // The menu commands do the same; a move that cannot apply does nothing.
     pick(2);
-    w->sendfront->trigger();
+    ctl<QAction>(w, "sendfront")->trigger();
     EXPECT_EQ(order(), QStringLiteral("BADEC"));
     w->fCmd_Click();
     w->ffCmd_Click();
@@ -128,7 +129,7 @@ TEST_F(StripTest, ShowingASlideIsNoChangeButEveryCommandIs) {
     w->setModified(false);
     pick(1);
     EXPECT_FALSE(w->isModified());
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("A"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("A"));
     typeText(QStringLiteral("x")); // a change made before another slide is shown stays a change
     pick(2);
     EXPECT_TRUE(w->isModified());
@@ -144,8 +145,8 @@ TEST_F(StripTest, AGonePictureIsReportedAndAVideoClipKeepsTheThumbnail) {
     pick(1);
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E6")});
     // The rest of the slide is shown all the same, so typing goes to the right slide.
-    EXPECT_EQ(w->txtText->toPlainText(), QStringLiteral("A"));
-    EXPECT_EQ(w->frameSlide->title(), QStringLiteral("I9 1"));
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("A"));
+    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title(), QStringLiteral("I9 1"));
 
     fake.dialogs.shown.clear();
     pick(2);

@@ -1,4 +1,5 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "image/thumbnailloader.h"
 #include "image/widgets/picturepanel.h"
 #include "picturefiles.h"
@@ -10,6 +11,7 @@
 #include <QThread>
 
 using namespace mms;
+using mms::test::ctl;
 
 namespace {
 
@@ -27,7 +29,7 @@ QByteArray bmp(QColor colour, int width = 10, int height = 10) {
 
 class PicturePanelTest : public test::ComposerTest {
 protected:
-    PicturePanel& panel() { return *w->picturePanel; }
+    PicturePanel& panel() { return *ctl<PicturePanel>(w, "picturePanel"); }
     QString library() const { return home.file(QStringLiteral("UserData/Picture")); }
     QString put(const QString& name, const QByteArray& bytes) {
         return home.write(QStringLiteral("UserData/Picture/") + name, bytes);
@@ -41,24 +43,24 @@ protected:
         EXPECT_FALSE(panel().isListing());
     }
     void refresh() {
-        panel().refreshcmd->click();
+        ctl<QPushButton>(panel(), "refreshcmd")->click();
         waitForListing();
     }
     QString names() {
         QStringList out;
-        for (int i = 0; i < panel().lstPicView->count(); ++i)
-            out << panel().lstPicView->item(i)->text();
+        for (int i = 0; i < ctl<QListWidget>(panel(), "lstPicView")->count(); ++i)
+            out << ctl<QListWidget>(panel(), "lstPicView")->item(i)->text();
         return out.join(u' ');
     }
     QColor iconColour(int row) {
-        return centre(panel().lstPicView->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
+        return centre(ctl<QListWidget>(panel(), "lstPicView")->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
     }
     void attach(const QString& name) {
-        const QList<QListWidgetItem*> found = panel().lstPicView->findItems(name, Qt::MatchExactly);
+        const QList<QListWidgetItem*> found = ctl<QListWidget>(panel(), "lstPicView")->findItems(name, Qt::MatchExactly);
         ASSERT_EQ(found.size(), 1) << name.toStdString();
-        panel().lstPicView->setCurrentItem(found.first());
-        ASSERT_TRUE(panel().chgImgCmd->isEnabled());
-        panel().chgImgCmd->click();
+        ctl<QListWidget>(panel(), "lstPicView")->setCurrentItem(found.first());
+        ASSERT_TRUE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
+        ctl<QPushButton>(panel(), "chgImgCmd")->click();
     }
     QStringList converted() const {
         return QDir(home.file(QStringLiteral("Temp/tmpJPG"))).entryList(QDir::Files);
@@ -81,12 +83,12 @@ TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
     const char* byType[] = {"A.GIF", "e.jpg", "f.bmp"};
     for (int row = 0; row < 3; ++row) {
         EXPECT_TRUE(near(iconColour(row), colours[row])) << row;
-        panel().lstPicView->setCurrentRow(0);
-        panel().imgTypeCombo->setCurrentIndex(row + 1);
-        EXPECT_FALSE(panel().chgImgCmd->isEnabled()) << "nothing is selected after a refill";
+        ctl<QListWidget>(panel(), "lstPicView")->setCurrentRow(0);
+        ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(row + 1);
+        EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled()) << "nothing is selected after a refill";
         waitForListing();
         EXPECT_EQ(names(), QLatin1String(byType[row])) << row;
-        panel().imgTypeCombo->setCurrentIndex(0);
+        ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(0);
         waitForListing();
     }
 }
@@ -98,23 +100,23 @@ TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     refresh();
 
     // Cancelled: nothing changes. The start folder loses its trailing separator.
-    panel().imgDirPath->setText(library() + QLatin1Char('/'));
-    panel().imgChgDirBrowse->click();
+    ctl<QLineEdit>(panel(), "imgDirPath")->setText(library() + QLatin1Char('/'));
+    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
     EXPECT_EQ(fake.dialogs.folderRequests, QStringList{QStringLiteral("I62|") + library()});
-    EXPECT_EQ(panel().imgDirPath->text(), library() + QLatin1Char('/'));
+    EXPECT_EQ(ctl<QLineEdit>(panel(), "imgDirPath")->text(), library() + QLatin1Char('/'));
     EXPECT_EQ(names(), QStringLiteral("own.bmp"));
 
     // Chosen: shown and listed at once; a root keeps its separator as the start folder.
-    panel().imgDirPath->setText(QStringLiteral("/"));
+    ctl<QLineEdit>(panel(), "imgDirPath")->setText(QStringLiteral("/"));
     fake.dialogs.folderAnswers.push_back(other.path());
-    panel().imgChgDirBrowse->click();
+    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
     EXPECT_EQ(fake.dialogs.folderRequests.last(), QStringLiteral("I62|/"));
-    EXPECT_EQ(panel().imgDirPath->text(), QDir::toNativeSeparators(other.path()));
+    EXPECT_EQ(ctl<QLineEdit>(panel(), "imgDirPath")->text(), QDir::toNativeSeparators(other.path()));
     waitForListing();
     EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
 
     // A typed folder is listed only on refresh; until then pictures come from the listed one.
-    panel().imgDirPath->setText(library());
+    ctl<QLineEdit>(panel(), "imgDirPath")->setText(library());
     EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
     attach(QStringLiteral("sea.bmp"));
     EXPECT_EQ(slidePicture(1), other.file(QStringLiteral("sea.bmp")));
@@ -136,7 +138,7 @@ TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOne) {
     const QImage thumbnail = w->stripModel().thumbnail(1);
     EXPECT_TRUE(near(centre(thumbnail), Qt::blue));
     EXPECT_FALSE(near(thumbnail.pixelColor(35, 5), Qt::blue));
-    EXPECT_EQ(w->picPanel->pixmap().size(), QSize(160, 40));
+    EXPECT_EQ(ctl<QLabel>(w, "picPanel")->pixmap().size(), QSize(160, 40));
 }
 
 TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
@@ -181,12 +183,12 @@ TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {
     for (const char* name : {"new1.bmp", "new2.bmp"})
         other.write(QString::fromLatin1(name), bmp(Qt::green));
 
-    panel().refreshcmd->click();
-    for (const QDeadlineTimer d(20000); panel().lstPicView->count() == 0 && !d.hasExpired();)
+    ctl<QPushButton>(panel(), "refreshcmd")->click();
+    for (const QDeadlineTimer d(20000); ctl<QListWidget>(panel(), "lstPicView")->count() == 0 && !d.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    ASSERT_GT(panel().lstPicView->count(), 0);
+    ASSERT_GT(ctl<QListWidget>(panel(), "lstPicView")->count(), 0);
     fake.dialogs.folderAnswers.push_back(other.path());
-    panel().imgChgDirBrowse->click();
+    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
     waitForListing();
     // Results of the dropped listing still on their way must not turn up late either.
     for (const QDeadlineTimer d(300); !d.hasExpired();)

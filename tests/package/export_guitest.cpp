@@ -1,4 +1,5 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "package/archivereader.h"
 #include "package/widgets/frmmmspromptsubject.h"
 #include "support/recordingsink.h"
@@ -138,7 +139,7 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     fillMessage();
     const QString out = home.file(u"hello.mms"_s);
     answer(u"Hi"_s, out);
-    w->mnu_exportMms->trigger();
+    ctl<QAction>(w, "mnu_exportMms")->trigger();
     EXPECT_EQ(fake.dialogs.saveFileRequests.last(),
               u"I64|"_s + home.path() + u"/UserData/MMS/|I65 (*.mms)"_s);
     EXPECT_EQ(fake.dialogs.texts(), QStringList(u"P11"_s));

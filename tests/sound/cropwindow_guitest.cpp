@@ -1,4 +1,5 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "sound/midi_testfile.h"
 #include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
@@ -30,9 +31,9 @@ protected:
     // Mark in at one position, Mark out at another, as a user does.
     void mark(frmMMSCropMIDI& window, qint64 inMs, qint64 outMs) {
         player.pos = inMs;
-        window.Command2->click();
+        ctl<QPushButton>(window, "Command2")->click();
         player.pos = outMs;
-        window.Command3->click();
+        ctl<QPushButton>(window, "Command3")->click();
     }
     TempDir dir;
     QString tune = dir.write(u"tune.mid"_s, cMajorScale(8));
@@ -45,8 +46,8 @@ protected:
 } // namespace
 
 TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
-    EXPECT_TRUE(w->Command2->isEnabled()); // only Mark in, before a tune is open
-    for (QWidget* off : std::initializer_list<QWidget*>{w->Command3, w->Command1, w->Command4, w->Slider1})
+    EXPECT_TRUE(ctl<QPushButton>(w, "Command2")->isEnabled()); // only Mark in, before a tune is open
+    for (QWidget* off : std::initializer_list<QWidget*>{ctl<QPushButton>(w, "Command3"), ctl<QPushButton>(w, "Command1"), ctl<QPushButton>(w, "Command4"), ctl<QSlider>(w, "Slider1")})
         EXPECT_FALSE(off->isEnabled()) << off->objectName().toStdString();
     QStringList times;
     for (qint64 ms : {90000, 3599000, 3600499, 500})
@@ -54,65 +55,65 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_EQ(times.join(QLatin1Char(' ')), u"01:30 59:59 00:00 00:01"_s);
     w->MnuOpen_Click();
     EXPECT_EQ(player.log, QStringList{u"Open tune.mid"_s});
-    EXPECT_TRUE(w->Slider1->isEnabled());
-    EXPECT_TRUE(w->MnuClose->isEnabled());
-    EXPECT_EQ(w->lblStatus->text(), u"I53 00:00 / 01:30"_s);
+    EXPECT_TRUE(ctl<QSlider>(w, "Slider1")->isEnabled());
+    EXPECT_TRUE(ctl<QAction>(w, "MnuClose")->isEnabled());
+    EXPECT_EQ(ctl<QLabel>(w, "lblStatus")->text(), u"I53 00:00 / 01:30"_s);
     player.playing = true;
     player.reportAt(45400);
-    EXPECT_EQ(w->lblStatus->text(), u"I53 00:45 / 01:30"_s);
-    EXPECT_EQ(w->Slider1->maximum(), 90);
-    EXPECT_EQ(w->Slider1->value(), 45);
-    EXPECT_EQ(w->Label1->text() + w->Label2->text() + w->Label3->text(), u"00:0000:4501:30"_s);
-    EXPECT_TRUE(w->MMControl1Stop->isEnabled() && !w->MMControl1Play->isEnabled());
+    EXPECT_EQ(ctl<QLabel>(w, "lblStatus")->text(), u"I53 00:45 / 01:30"_s);
+    EXPECT_EQ(ctl<QSlider>(w, "Slider1")->maximum(), 90);
+    EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 45);
+    EXPECT_EQ(ctl<QLabel>(w, "Label1")->text() + ctl<QLabel>(w, "Label2")->text() + ctl<QLabel>(w, "Label3")->text(), u"00:0000:4501:30"_s);
+    EXPECT_TRUE(ctl<QToolButton>(w, "MMControl1Stop")->isEnabled() && !ctl<QToolButton>(w, "MMControl1Play")->isEnabled());
     player.reportAt(90000); // the end of the tune: back to the beginning
     EXPECT_EQ(player.log.last(), u"Prev"_s);
-    EXPECT_EQ(w->Slider1->value(), 0);
-    w->Slider1->setValue(30); // the user drags the slider
-    emit w->Slider1->sliderReleased();
+    EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 0);
+    ctl<QSlider>(w, "Slider1")->setValue(30); // the user drags the slider
+    emit ctl<QSlider>(w, "Slider1")->sliderReleased();
     EXPECT_EQ(player.log.last(), u"Seek 30000"_s);
     w->MnuClose_Click();
     EXPECT_EQ(player.log.last(), u"Close"_s);
-    EXPECT_FALSE(w->MnuClose->isEnabled());
+    EXPECT_FALSE(ctl<QAction>(w, "MnuClose")->isEnabled());
     // A tune that cannot be opened is reported, and the slider stays off.
     frmMMSCropMIDI other(loc, fake.dialogs, player);
     player.openError = u"tune.mid: not a MIDI file"_s;
     other.MnuOpen_Click();
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E28 tune.mid: not a MIDI file"_s});
-    EXPECT_FALSE(other.Slider1->isEnabled());
+    EXPECT_FALSE(ctl<QSlider>(other, "Slider1")->isEnabled());
 }
 
 TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyondTheTuneIsRefused) {
     w->MnuOpen_Click();
     w->Command3_Click(); // no start yet: nothing happens
-    EXPECT_TRUE(w->txtCropEnd->text().isEmpty());
+    EXPECT_TRUE(ctl<QLineEdit>(w, "txtCropEnd")->text().isEmpty());
     mark(*w, 3440, 3449); // both read 3.4 s
-    EXPECT_EQ(w->txtCropStart->text(), u"3.4s"_s);
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text(), u"3.4s"_s);
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E18"_s});
-    EXPECT_TRUE(w->txtCropEnd->text().isEmpty());
-    EXPECT_TRUE(w->Command3->isEnabled());
-    EXPECT_FALSE(w->Command1->isEnabled() || w->Command4->isEnabled());
+    EXPECT_TRUE(ctl<QLineEdit>(w, "txtCropEnd")->text().isEmpty());
+    EXPECT_TRUE(ctl<QPushButton>(w, "Command3")->isEnabled());
+    EXPECT_FALSE(ctl<QPushButton>(w, "Command1")->isEnabled() || ctl<QPushButton>(w, "Command4")->isEnabled());
     mark(*w, 7000, 12460);
-    EXPECT_EQ(w->txtCropStart->text() + w->txtCropEnd->text(), u"7.0s12.5s"_s);
-    EXPECT_TRUE(w->Command1->isEnabled() && w->Command4->isEnabled());
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text() + ctl<QLineEdit>(w, "txtCropEnd")->text(), u"7.0s12.5s"_s);
+    EXPECT_TRUE(ctl<QPushButton>(w, "Command1")->isEnabled() && ctl<QPushButton>(w, "Command4")->isEnabled());
     player.log.clear();
     player.reportAt(12500); // before the stretch is played, the end mark is nothing special
     EXPECT_TRUE(player.log.isEmpty());
-    w->Command1->click();
+    ctl<QPushButton>(w, "Command1")->click();
     EXPECT_EQ(player.log, (QStringList{u"Stop"_s, u"Play 7000-12500"_s}));
     player.reportAt(12400);
-    EXPECT_EQ(w->Slider1->value(), 12);
+    EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 12);
     player.reportAt(12500);
     EXPECT_EQ(player.log.last(), u"Prev"_s);
-    EXPECT_EQ(w->Slider1->value(), 0);
+    EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 0);
     player.pos = 20000; // a start moved past the end: refused without playing
-    w->Command2->click();
+    ctl<QPushButton>(w, "Command2")->click();
     player.log.clear();
-    w->Command1->click();
+    ctl<QPushButton>(w, "Command1")->click();
     EXPECT_EQ(fake.dialogs.texts().size(), 2);
     EXPECT_TRUE(player.log.isEmpty());
     // A crop beyond the tune is refused, writes nothing, and closes the window and the tune.
     mark(*w, 1000, 4100); // the tune is 4 s long
-    w->Command4->click();
+    ctl<QPushButton>(w, "Command4")->click();
     EXPECT_EQ(fake.dialogs.texts().mid(2), (QStringList{u"E20"_s, u"E19"_s}));
     EXPECT_FALSE(w->validflag);
     EXPECT_EQ(w->result(), QDialog::Rejected);

@@ -1,4 +1,5 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "sound/midi_testfile.h"
 #include "sound/mididecoder.h"
 #include "sound/scriptedplayer.h"
@@ -24,27 +25,27 @@ class SoundPanelTest : public ComposerTest {
 protected:
     void SetUp() override {
         ComposerTest::SetUp();
-        p = w->soundPanel;
+        p = ctl<SoundPanel>(w, "soundPanel");
         library = home.file(u"UserData/Sound"_s);
         tune = home.write(u"UserData/Sound/TUNE.MID"_s, midifile::cMajorScale(5));
         home.write(u"UserData/Sound/tune.amr"_s, QByteArray(102399, 'a'));
         home.write(u"UserData/Sound/big.amr"_s, QByteArray(102400, 'a'));
         home.write(u"UserData/Sound/notes.txt"_s, "x");
-        p->refresh2Cmd->click();
+        ctl<QPushButton>(p, "refresh2Cmd")->click();
         p->setCropPlayer(&player);
     }
     QStringList listed() const {
         QStringList names;
-        for (int i = 0; i < p->fileBoxSound->count(); ++i)
-            names << p->fileBoxSound->item(i)->text();
+        for (int i = 0; i < ctl<QListWidget>(p, "fileBoxSound")->count(); ++i)
+            names << ctl<QListWidget>(p, "fileBoxSound")->item(i)->text();
         return names;
     }
-    Commands commands() const { return {p->chgSoundCmd->isEnabled(), p->cropCmd->isEnabled()}; }
+    Commands commands() const { return {ctl<QPushButton>(p, "chgSoundCmd")->isEnabled(), ctl<QPushButton>(p, "cropCmd")->isEnabled()}; }
     // The user clicks a file of the list; the commands it leaves enabled.
     Commands choose(const QString& name) {
-        const auto items = p->fileBoxSound->findItems(name, Qt::MatchExactly);
+        const auto items = ctl<QListWidget>(p, "fileBoxSound")->findItems(name, Qt::MatchExactly);
         EXPECT_EQ(items.size(), 1) << name.toStdString();
-        if (!items.isEmpty()) p->fileBoxSound->setCurrentItem(items.front());
+        if (!items.isEmpty()) ctl<QListWidget>(p, "fileBoxSound")->setCurrentItem(items.front());
         return commands();
     }
     QString soundOf(int position) const { return w->message().nodeAt(qint16(position))->DataSoundPath; }
@@ -57,69 +58,69 @@ TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionAndTheType) {
     EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s, u"TUNE.MID"_s}));
     EXPECT_EQ(choose(u"TUNE.MID"_s), kBoth);
     EXPECT_EQ(choose(u"tune.amr"_s), kAttach);
-    p->fileBoxSound->clearSelection();
+    ctl<QListWidget>(p, "fileBoxSound")->clearSelection();
     EXPECT_EQ(commands(), kNone);
     choose(u"TUNE.MID"_s); // a refresh keeps a file that is still there, and the commands
-    p->refresh2Cmd->click();
+    ctl<QPushButton>(p, "refresh2Cmd")->click();
     EXPECT_EQ(p->selectedFileName(), u"TUNE.MID"_s);
     EXPECT_EQ(commands(), kBoth);
-    p->soundTypeCombo->setCurrentIndex(1);
+    ctl<QComboBox>(p, "soundTypeCombo")->setCurrentIndex(1);
     EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s}));
     EXPECT_EQ(commands(), kNone);
-    p->soundTypeCombo->setCurrentIndex(2);
+    ctl<QComboBox>(p, "soundTypeCombo")->setCurrentIndex(2);
     EXPECT_EQ(listed(), QStringList{u"TUNE.MID"_s});
     // A slide reset disables the commands; clicking the selected file brings them back.
     choose(u"TUNE.MID"_s);
     w->refreshSlidePanel();
-    emit p->fileBoxSound->itemClicked(p->fileBoxSound->currentItem());
+    emit ctl<QListWidget>(p, "fileBoxSound")->itemClicked(ctl<QListWidget>(p, "fileBoxSound")->currentItem());
     EXPECT_EQ(commands(), kBoth);
 }
 
 TEST_F(SoundPanelTest, EveryFolderChangeDisablesTheCommandsAndNoFolderShowsNothing) {
     choose(u"TUNE.MID"_s);
-    p->SoundChgDirBrowse->click(); // cancelled
+    ctl<QToolButton>(p, "SoundChgDirBrowse")->click(); // cancelled
     EXPECT_EQ(fake.dialogs.folderRequests, QStringList{u"I62|"_s + library});
     EXPECT_EQ(commands(), kNone);
     const QString other = home.file(u"other"_s);
     home.write(u"other/a.mid"_s, "MThd");
     fake.dialogs.folderAnswers = {other, other};
-    p->SoundChgDirBrowse->click();
-    EXPECT_EQ(p->soundDirPath->text(), QDir::toNativeSeparators(other));
+    ctl<QToolButton>(p, "SoundChgDirBrowse")->click();
+    EXPECT_EQ(ctl<QLineEdit>(p, "soundDirPath")->text(), QDir::toNativeSeparators(other));
     EXPECT_EQ(listed(), QStringList{u"a.mid"_s});
     choose(u"a.mid"_s);
     home.write(u"other/b.amr"_s, "#!AMR");
-    p->SoundChgDirBrowse->click(); // the same folder is read again
+    ctl<QToolButton>(p, "SoundChgDirBrowse")->click(); // the same folder is read again
     EXPECT_EQ(listed(), (QStringList{u"a.mid"_s, u"b.amr"_s}));
     EXPECT_EQ(commands(), kNone);
     // A typed text that names no folder empties the list without a word, as do refresh and type.
     choose(u"a.mid"_s);
-    p->soundDirPath->setText(home.file(u"missing"_s));
+    ctl<QLineEdit>(p, "soundDirPath")->setText(home.file(u"missing"_s));
     EXPECT_TRUE(listed().isEmpty() && p->fileListFolder().isEmpty());
     EXPECT_EQ(commands(), kNone);
-    p->refresh2Cmd->click();
-    p->soundTypeCombo->setCurrentIndex(0);
+    ctl<QPushButton>(p, "refresh2Cmd")->click();
+    ctl<QComboBox>(p, "soundTypeCombo")->setCurrentIndex(0);
     EXPECT_TRUE(listed().isEmpty());
     EXPECT_TRUE(fake.dialogs.shown.empty());
-    p->soundDirPath->setText(library);
+    ctl<QLineEdit>(p, "soundDirPath")->setText(library);
     EXPECT_EQ(listed().size(), 3);
 }
 
 TEST_F(SoundPanelTest, AttachingPutsTheLibraryPathOnTheSelectedSlideBelowTheSizeLimit) {
     const QString amr = library + u"/tune.amr"_s;
     choose(u"tune.amr"_s); // an empty message gets its first slide
-    p->chgSoundCmd->click();
+    ctl<QPushButton>(p, "chgSoundCmd")->click();
     ASSERT_EQ(w->stripModel().count(), 1);
     EXPECT_EQ(soundOf(1), amr);
     EXPECT_TRUE(w->isModified());
     // On the selected slide; a playing preview is stopped and the device closed.
     addSlides(u"B"_s);
     choose(u"TUNE.MID"_s);
-    p->chgSoundCmd->click();
+    ctl<QPushButton>(p, "chgSoundCmd")->click();
     EXPECT_EQ(soundOf(2), tune);
-    w->soundPlayCmd->click();
+    ctl<QToolButton>(w, "soundPlayCmd")->click();
     ASSERT_TRUE(w->isPlaying());
     choose(u"tune.amr"_s);
-    p->chgSoundCmd->click();
+    ctl<QPushButton>(p, "chgSoundCmd")->click();
     EXPECT_EQ(soundOf(2), amr);
     EXPECT_EQ(w->selectedSlide(), 2);
     EXPECT_FALSE(w->isPlaying());
@@ -127,10 +128,10 @@ TEST_F(SoundPanelTest, AttachingPutsTheLibraryPathOnTheSelectedSlideBelowTheSize
     // 102400 bytes or a file that has gone: the slide keeps its sound and nothing is sent.
     fake.device.sent.clear();
     choose(u"big.amr"_s);
-    p->chgSoundCmd->click();
+    ctl<QPushButton>(p, "chgSoundCmd")->click();
     choose(u"TUNE.MID"_s);
     QFile::remove(tune);
-    p->chgSoundCmd->click();
+    ctl<QPushButton>(p, "chgSoundCmd")->click();
     EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"E1"_s, u"E28"_s}));
     EXPECT_EQ(soundOf(2), amr);
     EXPECT_TRUE(fake.device.sent.isEmpty());
@@ -138,7 +139,7 @@ TEST_F(SoundPanelTest, AttachingPutsTheLibraryPathOnTheSelectedSlideBelowTheSize
 
 TEST_F(SoundPanelTest, ACroppedTuneIsAttachedSavedAndReadBack) {
     choose(u"TUNE.MID"_s);
-    p->cropCmd->click(); // closed at once: nothing changes
+    ctl<QPushButton>(p, "cropCmd")->click(); // closed at once: nothing changes
     EXPECT_EQ(fake.dialogs.modalRuns, 1);
     EXPECT_TRUE(w->message().IsEmpty());
     EXPECT_TRUE(fake.device.sent.isEmpty());
@@ -152,19 +153,19 @@ TEST_F(SoundPanelTest, ACroppedTuneIsAttachedSavedAndReadBack) {
         EXPECT_EQ(crop.outfilename, cropped);
         EXPECT_TRUE(player.isOpen()) << "the tune is opened before the window shows";
         player.pos = 520;
-        crop.Command2->click();
+        ctl<QPushButton>(crop, "Command2")->click();
         player.pos = 1480;
-        crop.Command3->click();
-        crop.Command4->click();
+        ctl<QPushButton>(crop, "Command3")->click();
+        ctl<QPushButton>(crop, "Command4")->click();
     });
     fake.device.sent.clear();
-    p->cropCmd->click();
+    ctl<QPushButton>(p, "cropCmd")->click();
     EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
     EXPECT_EQ(soundOf(1), cropped);
     EXPECT_EQ(w->selectedSlide(), 1);
     EXPECT_EQ(TempDir::read(tune), midifile::cMajorScale(5)) << "the library tune is untouched";
     EXPECT_EQ(fake.device.sent, kStopClose);
-    w->soundPlayCmd->click(); // the preview plays the cropped tune
+    ctl<QToolButton>(w, "soundPlayCmd")->click(); // the preview plays the cropped tune
     EXPECT_EQ(fake.device.sent.mid(2, 1), QStringList{u"open \"%1\" Alias music"_s.arg(cropped)});
     // Saved, the message keeps its own copy of the cropped tune.
     const MessageStore store(home.path());

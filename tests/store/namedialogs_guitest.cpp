@@ -1,4 +1,5 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "store/storefixture.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
@@ -12,6 +13,7 @@
 #include <QTreeWidget>
 
 using namespace mms;
+using mms::test::ctl;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -43,29 +45,29 @@ TEST_F(NameDialogsTest, SaveDialogListsMessagesAndAsksBeforeReplacing) {
     EXPECT_FALSE(state.isCancel);
     EXPECT_FALSE(dialog.windowFlags() & Qt::WindowCloseButtonHint);
     QStringList rows;
-    for (int i = 0; i < dialog.lstFile->topLevelItemCount(); ++i)
-        rows << dialog.lstFile->topLevelItem(i)->text(0);
+    for (int i = 0; i < ctl<QTreeWidget>(dialog, "lstFile")->topLevelItemCount(); ++i)
+        rows << ctl<QTreeWidget>(dialog, "lstFile")->topLevelItem(i)->text(0);
     EXPECT_EQ(rows, QStringList({u"Alpha"_s, u"current"_s, u"zeta"_s}));
-    EXPECT_FALSE(dialog.lstFile->topLevelItem(0)->text(1).isEmpty());
+    EXPECT_FALSE(ctl<QTreeWidget>(dialog, "lstFile")->topLevelItem(0)->text(1).isEmpty());
 
     // Spaces are dropped as they are typed; the button follows the box.
-    EXPECT_FALSE(dialog.cmdSave->isEnabled());
+    EXPECT_FALSE(ctl<QPushButton>(dialog, "cmdSave")->isEnabled());
     type(dialog.txtName, u"n w"_s);
     EXPECT_EQ(dialog.txtName->text(), u"nw"_s);
-    EXPECT_TRUE(dialog.cmdSave->isEnabled());
+    EXPECT_TRUE(ctl<QPushButton>(dialog, "cmdSave")->isEnabled());
 
     for (const QString& name : {u"temp"_s, u".."_s, u"a/b"_s, u"a\\b"_s, u".hidden"_s, u"tab\there"_s}) {
         dialog.txtName->setText(name);
-        dialog.cmdSave->click();
+        ctl<QPushButton>(dialog, "cmdSave")->click();
         EXPECT_EQ(sink.texts().last(), u"E22"_s) << name.toStdString();
     }
     sink.shown.clear();
     // An existing name: No stays in the dialog, Yes replaces.
-    emit dialog.lstFile->itemClicked(dialog.lstFile->topLevelItem(2), 0);
+    emit ctl<QTreeWidget>(dialog, "lstFile")->itemClicked(ctl<QTreeWidget>(dialog, "lstFile")->topLevelItem(2), 0);
     sink.answers = {Answer::No, Answer::Yes};
-    dialog.cmdSave->click();
+    ctl<QPushButton>(dialog, "cmdSave")->click();
     EXPECT_TRUE(state.currentFile == u"current"_s && dialog.result() == QDialog::Rejected);
-    dialog.cmdSave->click();
+    ctl<QPushButton>(dialog, "cmdSave")->click();
     ASSERT_EQ(sink.shown.size(), 2u);
     EXPECT_TRUE(sink.shown[0].text == u"P9"_s && sink.shown[0].title == u"E15"_s);
     EXPECT_EQ(sink.shown[0].defaultAnswer, Answer::No);
@@ -74,14 +76,14 @@ TEST_F(NameDialogsTest, SaveDialogListsMessagesAndAsksBeforeReplacing) {
 
     frmMMSFileSave fresh(nullptr, texts, sink, store, state);
     fresh.txtName->setText(u"new one"_s);
-    fresh.cmdSave->click();
+    ctl<QPushButton>(fresh, "cmdSave")->click();
     EXPECT_TRUE(state.currentFile == u"new one"_s && !state.isOverwrite && sink.shown.size() == 2u);
 }
 
 TEST_F(NameDialogsTest, EveryWayOutButTheActionCountsAsCancel) {
     frmMMSFileSave save(nullptr, texts, sink, store, state);
     save.txtName->setText(u"x"_s);
-    save.cmdCancel->click();
+    ctl<QPushButton>(save, "cmdCancel")->click();
     EXPECT_TRUE(state.isCancel);
 
     frmMMSFileOpen open(nullptr, texts, sink, store, state);
@@ -121,7 +123,7 @@ TEST_F(NameDialogsTest, OpenAndDeleteRefuseInOrderAndHandBackTheName) {
     EXPECT_TRUE(open.txtName->text() == u"Alpha "_s && remove.txtName->text() == u"Alpha  "_s);
 
     open.txtName->setText(u"zeta"_s);
-    open.cmdOpen->click();
+    ctl<QPushButton>(open, "cmdOpen")->click();
     EXPECT_TRUE(state.currentFile == u"zeta"_s && open.result() == QDialog::Accepted && !state.isCancel);
 }
 

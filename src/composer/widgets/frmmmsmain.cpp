@@ -2,6 +2,7 @@
 
 #include "composer/composertext.h"
 #include "common/localisation.h"
+#include "common/widgets/sizecombo.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/workspacefolders.h"
@@ -92,8 +93,12 @@ void frmMMSMain::buildUi() {
     MenuTab = new QTabWidget(splitter);
     MenuTab->setObjectName(QStringLiteral("MenuTab"));
     MenuTab->setDocumentMode(true);
-    picturePanel = new PicturePanel(*this, MenuTab);
-    soundPanel = new SoundPanel(*this, MenuTab);
+    picturePanel = new PicturePanel(loc_, platform_, options_.appFolder, MenuTab);
+    soundPanel = new SoundPanel(loc_, platform_, options_.appFolder, MenuTab);
+    connect(picturePanel, &PicturePanel::pictureChosen, this,
+            [this](const QString& path) { attachToCurrentSlide(QStringLiteral("imgPath"), path); });
+    connect(soundPanel, &SoundPanel::soundChosen, this,
+            [this](const QString& path) { attachToCurrentSlide(QStringLiteral("soundPath"), path); });
     MenuTab->addTab(picturePanel, icon("picture"), QString());
     MenuTab->addTab(soundPanel, icon("sound"), QString());
     splitter->addWidget(MenuTab);
@@ -409,7 +414,7 @@ Status frmMMSMain::Form_Load() {
         soundPanel->setLibraryFolder(QDir::toNativeSeparators(workspace::soundLibrary(options_.appFolder)));
         soundPanel->fillTypeCombo();
         picturePanel->fillTypeCombo();
-        SizeCombo(picturePanel->imgTypeCombo);
+        picturePanel->sizeTypeCombo();
         picturePanel->refreshImgList();
     } catch (const std::out_of_range& e) {
         return Status::failure(QString::fromUtf8(e.what()));
@@ -485,12 +490,7 @@ void frmMMSMain::mnu_exit_Click() {
 }
 
 int frmMMSMain::SizeCombo(QComboBox* combo) {
-    const QFontMetrics metrics(combo->font());
-    int width = 10;
-    for (int i = 0; i < combo->count(); ++i)
-        width = std::max(width, metrics.horizontalAdvance(combo->itemText(i)));
-    combo->view()->setMinimumWidth(width);
-    return width;
+    return mms::SizeCombo(combo);
 }
 
 QString frmMMSMain::extractFileName(const QString& path) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "composer/widgets/composerhost.h"
 #include "common/widgets/platform.h"
 #include "model/cslide.h"
 #include "sound/multimediadevice.h"
@@ -47,8 +46,8 @@ class SoundPanel;
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
-//   package/widgets/frmmmsmain_export.cpp  Export, Export as MMS
-class frmMMSMain final : public QMainWindow, public ComposerHost {
+//   frmmmsmain_export.cpp   Export, Export as MMS
+class frmMMSMain final : public QMainWindow {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmMMSMain)
 
@@ -97,7 +96,7 @@ public:
     void mnu_exportMms_Click();
 
     // --- Slide strip ---
-    void addCmd_Click() override;
+    void addCmd_Click();
     void removeCmd_Click();
     void ffCmd_Click();
     void fCmd_Click();
@@ -110,11 +109,11 @@ public:
     void sendfwd_Click() { fCmd_Click(); }
     void sendbwd_Click() { rCmd_Click(); }
     void sendback_Click() { rrCmd_Click(); }
-    void lstSlide_ItemClick() override;
+    void lstSlide_ItemClick();
     void updateMoveCmds(qint16 position);
 
     // --- Slide panel ---
-    void updateCurrentSlide(const QString& field, const QString& value) override;
+    void updateCurrentSlide(const QString& field, const QString& value);
     void txtSlideDur_GotFocus();
     // Whether a key typed into the duration box is kept: digits only, Backspace discarded.
     bool txtSlideDur_KeyPress(int key, const QString& text);
@@ -133,21 +132,25 @@ public:
     const MessageState& messageState() const { return state_; }
     bool isModified() const { return state_.isModified; }
     bool isPlaying() const { return isPlaying_; }
-    qint16 currentSlide() const { return currentSlide_; }
     const SlideStripModel& stripModel() const { return *stripModel_; }
 
-    // --- ComposerHost ---
-    const Localisation& localisation() const override { return loc_; }
-    Platform& platform() override { return platform_; }
-    QWidget* hostWindow() override { return this; }
-    QString appFolder() const override { return options_.appFolder; }
-    const CSlide& message() const override { return slides_; }
-    bool IsEmpty() const override { return slides_.IsEmpty(); }
-    qint16 selectedSlide() const override;
-    void selectSlide(qint16 position) override;
-    void setModified(bool modified) override { state_.isModified = modified; }
-    int sendPreviewCommand(const QString& command) override;
+    const CSlide& message() const { return slides_; }
+    bool IsEmpty() const { return slides_.IsEmpty(); }
+    // 1-based position of the strip's selected item, 0 when the strip is empty.
+    qint16 selectedSlide() const;
+    // Makes strip item `position` the selected and highlighted item (without showing it).
+    void selectSlide(qint16 position);
+    void setModified(bool modified) { state_.isModified = modified; }
+    int sendPreviewCommand(const QString& command);
+    // Puts a picture or sound the panels chose on the selected slide (field "imgPath" or
+    // "soundPath"), adding a first slide when there is none, and shows the slide again.
+    void attachToCurrentSlide(const QString& field, const QString& path);
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
     // Controls, named as the handlers name them.
     QMenu* file = nullptr;
     QAction* mnu_new = nullptr;
@@ -191,11 +194,6 @@ public:
     PicturePanel* picturePanel = nullptr;
     SoundPanel* soundPanel = nullptr;
 
-protected:
-    void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
     void moveOnePlace(bool towardsFront);
     // Defers the counter recount of nested commits to the end of the outermost command, so that a
     // command costs one recount however many commits the panel's change handlers make.

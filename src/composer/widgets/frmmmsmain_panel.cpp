@@ -210,8 +210,7 @@ void frmMMSMain::refreshSlidePanel() {
 
     stopSoundPreview();
     soundPlayCmd->setEnabled(false);
-    soundPanel->cropCmd->setEnabled(false);
-    soundPanel->chgSoundCmd->setEnabled(false);
+    soundPanel->disableFileCommands();
 
     setDurationText(QString());
     setTextBox(textHint());
@@ -238,6 +237,21 @@ void frmMMSMain::enableSlideCmds() {
         w->setEnabled(true);
     for (QAction* a : {rm_slide, mnu_upload, mnu_exportMms})
         a->setEnabled(true);
+}
+
+
+void frmMMSMain::attachToCurrentSlide(const QString& field, const QString& path) {
+    if (IsEmpty()) addCmd_Click();
+    const qint16 current = selectedSlide();
+    updateCurrentSlide(field, path);
+    selectSlide(current);
+    lstSlide_ItemClick();
+    setModified(true);
+    // A new sound ends the preview of the old one for good.
+    if (field == QLatin1String("soundPath")) {
+        sendPreviewCommand(QStringLiteral("stop music"));
+        sendPreviewCommand(QStringLiteral("close music"));
+    }
 }
 
 } // namespace mms

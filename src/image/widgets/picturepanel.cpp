@@ -1,7 +1,8 @@
 #include "image/widgets/picturepanel.h"
 
 #include "common/localisation.h"
-#include "composer/widgets/composerhost.h"
+#include "common/widgets/platform.h"
+#include "common/widgets/sizecombo.h"
 #include "common/folderpaths.h"
 #include "image/pictureimport.h"
 #include "image/thumbnailloader.h"
@@ -38,8 +39,9 @@ public:
 
 } // namespace
 
-PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
-    : QWidget(parent), host_(host), loader_(new ThumbnailLoader(this)) {
+PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
+    : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
+      loader_(new ThumbnailLoader(this)) {
     setObjectName(QStringLiteral("picturePanel"));
 
     imgDirPath = new QLineEdit(this);
@@ -117,7 +119,7 @@ PicturePanel::PicturePanel(ComposerHost& host, QWidget* parent)
 }
 
 void PicturePanel::applyLanguage() {
-    const Localisation& loc = host_.localisation();
+    const Localisation& loc = loc_;
     imgChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
     refreshcmd->setText(loc.getMCrInterfaceStr(20));
     chgImgCmd->setText(loc.getMCrInterfaceStr(21));
@@ -129,12 +131,16 @@ void PicturePanel::clearThumbnails() {
     lstPicView->setIconSize(kThumbnailSize);
 }
 
+void PicturePanel::sizeTypeCombo() {
+    SizeCombo(imgTypeCombo);
+}
+
 void PicturePanel::setLibraryFolder(const QString& folder) {
     imgDirPath->setText(folder);
 }
 
 void PicturePanel::fillTypeCombo() {
-    const Localisation& loc = host_.localisation();
+    const Localisation& loc = loc_;
     {
         const QSignalBlocker quiet(imgTypeCombo);
         imgTypeCombo->clear();
@@ -179,7 +185,7 @@ void PicturePanel::refreshcmd_Click() {
 
 void PicturePanel::imgChgDirBrowse_Click() {
     const QString chosen =
-        browseFolder(host_, browseStartPath(QDir::fromNativeSeparators(imgDirPath->text())));
+        browseFolder(platform_.dialogs, loc_, this, browseStartPath(QDir::fromNativeSeparators(imgDirPath->text())));
     if (chosen.isEmpty()) return;
     imgDirPath->setText(QDir::toNativeSeparators(chosen));
     refreshImgList();
@@ -203,24 +209,19 @@ void PicturePanel::chgImgCmd_Click() {
     if (!item) return;
     // The file is taken from the folder the list shows, not from a folder typed since.
     const QString source = QDir(listedFolder_).filePath(item->text());
-    Platform& platform = host_.platform();
+    Platform& platform = platform_;
     PictureImport import;
     {
         const BusyCursor busy;
-        import = importPicture(source, lstPicView->count() > 0, host_.appFolder(), platform.clock,
+        import = importPicture(source, lstPicView->count() > 0, appFolder_, platform.clock,
                                platform.random);
     }
     if (!import.attach()) {
-        const QString text = import.errorText(host_.localisation().getMCrErrStr(import.errorNumber));
+        const QString text = import.errorText(loc_.getMCrErrStr(import.errorNumber));
         platform.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
-    if (host_.IsEmpty()) host_.addCmd_Click();
-    const qint16 cur = host_.selectedSlide();
-    host_.updateCurrentSlide(QStringLiteral("imgPath"), import.picturePath);
-    host_.selectSlide(cur);
-    host_.lstSlide_ItemClick();
-    host_.setModified(true);
+    emit pictureChosen(import.picturePath);
 }
 
 } // namespace mms

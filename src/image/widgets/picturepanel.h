@@ -13,12 +13,13 @@ class QToolButton;
 
 namespace mms {
 
-class ComposerHost;
+class Localisation;
+struct Platform;
 class ThumbnailLoader;
 
 // The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails,
-// filtered by type, and the command that puts the chosen picture on the current slide.
-// Everything it changes in the message goes through the ComposerHost.
+// filtered by type, and the command that prepares the chosen picture for a slide (converted when too
+// large) and hands it to the composer through pictureChosen.
 class PicturePanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PicturePanel)
@@ -26,7 +27,8 @@ class PicturePanel final : public QWidget {
 public:
     static constexpr QSize kThumbnailSize{40, 40};
 
-    explicit PicturePanel(ComposerHost& host, QWidget* parent = nullptr);
+    // appFolder: where the workspace lies (conversions go below its Temp folder).
+    PicturePanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent = nullptr);
 
     // Captions and tooltips from the language.
     void applyLanguage();
@@ -34,6 +36,8 @@ public:
     // Start-up, in the composer's order: the thumbnails emptied, the library folder shown, then
     // the type list filled with entry 0 chosen, which lists the folder.
     void clearThumbnails();
+    // Widens the type list's drop-down so that its longest entry fits.
+    void sizeTypeCombo();
     void setLibraryFolder(const QString& folder);
     void fillTypeCombo();
 
@@ -43,8 +47,6 @@ public:
     void refreshImgList();
     // A refill is still delivering thumbnails.
     bool isListing() const;
-    // The folder the list shows (the text of imgDirPath at the last refill, "/" separators).
-    QString listedFolder() const { return listedFolder_; }
 
     void imgTypeCombo_Click();
     void refreshcmd_Click();
@@ -52,6 +54,11 @@ public:
     void lstPicView_ItemClick();
     void chgImgCmd_Click();
 
+signals:
+    // A picture ready to go on the current slide (the file itself, or its conversion below Temp).
+    void pictureChosen(const QString& path);
+
+private:
     QLineEdit* imgDirPath = nullptr;
     QToolButton* imgChgDirBrowse = nullptr;
     QPushButton* refreshcmd = nullptr;
@@ -59,11 +66,12 @@ public:
     QListWidget* lstPicView = nullptr;
     QPushButton* chgImgCmd = nullptr;
 
-private:
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
 
-    ComposerHost& host_;
+    const Localisation& loc_;
+    Platform& platform_;
+    QString appFolder_;
     ThumbnailLoader* loader_ = nullptr;
     QString listedFolder_;
 };

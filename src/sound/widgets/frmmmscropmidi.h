@@ -49,6 +49,12 @@ public:
     QString outfilename;
 
     QLineEdit* txtName = nullptr;
+
+public slots:
+    // Form_Unload: the tune is stopped and closed whichever way the window closes.
+    void done(int result) override;
+
+private:
     QWidget* MMControl1 = nullptr; // the player's own buttons: back to the start, play, stop
     QToolButton* MMControl1Prev = nullptr;
     QToolButton* MMControl1Play = nullptr;
@@ -73,11 +79,6 @@ public:
     QAction* MnuOpen = nullptr;
     QAction* MnuClose = nullptr;
 
-public slots:
-    // Form_Unload: the tune is stopped and closed whichever way the window closes.
-    void done(int result) override;
-
-private:
     void Form_Load();
     void buildControls();
     void showStatusLine();

@@ -1,7 +1,7 @@
 #include "sound/widgets/soundpanel.h"
 
 #include "common/localisation.h"
-#include "composer/widgets/composerhost.h"
+#include "common/widgets/platform.h"
 #include "common/folderpaths.h"
 #include "common/widgets/browsefolder.h"
 #include "sound/widgets/frmmmscropmidi.h"
@@ -28,7 +28,8 @@ constexpr qint64 kSizeLimit = 102400;
 
 } // namespace
 
-SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), host_(host) {
+SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
+    : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)) {
     setObjectName(QStringLiteral("soundPanel"));
 
     soundDirPath = new QLineEdit(this);
@@ -97,7 +98,7 @@ SoundPanel::SoundPanel(ComposerHost& host, QWidget* parent) : QWidget(parent), h
 }
 
 void SoundPanel::applyLanguage() {
-    const Localisation& loc = host_.localisation();
+    const Localisation& loc = loc_;
     SoundChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
     cropCmd->setText(loc.getMCrInterfaceStr(23));
     refresh2Cmd->setText(loc.getMCrInterfaceStr(20));
@@ -109,7 +110,7 @@ void SoundPanel::setLibraryFolder(const QString& folder) {
 }
 
 void SoundPanel::fillTypeCombo() {
-    const Localisation& loc = host_.localisation();
+    const Localisation& loc = loc_;
     {
         const QSignalBlocker quiet(soundTypeCombo);
         soundTypeCombo->clear();
@@ -117,7 +118,6 @@ void SoundPanel::fillTypeCombo() {
         soundTypeCombo->addItem(loc.getMCrInterfaceStr(34) + QStringLiteral(" (*.amr)"));
         soundTypeCombo->addItem(loc.getMCrInterfaceStr(35) + QStringLiteral(" (*.mid)"));
     }
-    setFileListPattern(QStringLiteral("*.mid;*.gif"));
     setFileListFolder(soundDirPath->text());
     {
         const QSignalBlocker quiet(soundTypeCombo);
@@ -190,7 +190,7 @@ void SoundPanel::refresh2Cmd_Click() {
 }
 
 void SoundPanel::SoundChgDirBrowse_Click() {
-    const QString chosen = browseFolder(host_, browseStartPath(soundDirPath->text()));
+    const QString chosen = browseFolder(platform_.dialogs, loc_, this, browseStartPath(soundDirPath->text()));
     if (!chosen.isEmpty()) {
         soundDirPath->setText(QDir::toNativeSeparators(chosen));
         // The same folder again changes no text; the list is read anew all the same.
@@ -228,8 +228,8 @@ void SoundPanel::fileBoxSound_Click() {
 void SoundPanel::chgSoundCmd_Click() {
     const QString path = selectedFilePath();
     if (path.isEmpty()) return;
-    Dialogs& dialogs = host_.platform().dialogs;
-    const Localisation& loc = host_.localisation();
+    Dialogs& dialogs = platform_.dialogs;
+    const Localisation& loc = loc_;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         dialogs.inform(loc.getMCrErrStr(28).replace(QStringLiteral("%1"), QDir::toNativeSeparators(path) +
@@ -243,28 +243,21 @@ void SoundPanel::chgSoundCmd_Click() {
         dialogs.inform(loc.getMCrErrStr(1));
         return;
     }
-    attachSound(path);
+    emit soundChosen(path);
 }
 
 void SoundPanel::cropCmd_Click() {
     const QString path = selectedFilePath();
     if (path.isEmpty()) return;
     // The cropped tune goes below Temp; should the folder have gone since start-up, it is made again.
-    QDir().mkpath(workspace::tmpMid(host_.appFolder()));
-    const QString cropped = runCropWindow(host_.platform(), host_.localisation(), host_.appFolder(), path,
-                                          host_.hostWindow(), cropPlayer_);
-    if (!cropped.isEmpty()) attachSound(cropped);
+    QDir().mkpath(workspace::tmpMid(appFolder_));
+    const QString cropped = runCropWindow(platform_, loc_, appFolder_, path, window(), cropPlayer_);
+    if (!cropped.isEmpty()) emit soundChosen(cropped);
 }
 
-void SoundPanel::attachSound(const QString& path) {
-    if (host_.IsEmpty()) host_.addCmd_Click();
-    const qint16 current = host_.selectedSlide();
-    host_.updateCurrentSlide(QStringLiteral("soundPath"), path);
-    host_.lstSlide_ItemClick();
-    host_.selectSlide(current);
-    host_.setModified(true);
-    host_.sendPreviewCommand(QStringLiteral("stop music"));
-    host_.sendPreviewCommand(QStringLiteral("close music"));
+void SoundPanel::disableFileCommands() {
+    cropCmd->setEnabled(false);
+    chgSoundCmd->setEnabled(false);
 }
 
 } // namespace mms

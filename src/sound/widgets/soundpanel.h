@@ -11,18 +11,21 @@ class QToolButton;
 
 namespace mms {
 
-class ComposerHost;
+class Localisation;
 class PlayerControl;
+struct Platform;
 
 // The sound tab of the composer: the sound files of one library folder, filtered by type, the
 // command that attaches the chosen sound to the current slide and the one that opens a MIDI file
-// in the crop window. Everything it changes in the message goes through the ComposerHost.
+// in the crop window. A sound chosen for the slide (a library file or a cropped tune) is handed to
+// the composer through soundChosen.
 class SoundPanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SoundPanel)
 
 public:
-    explicit SoundPanel(ComposerHost& host, QWidget* parent = nullptr);
+    // appFolder: where the workspace lies (cropped tunes go below its Temp folder).
+    SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent = nullptr);
 
     // Captions and tooltips from the language.
     void applyLanguage();
@@ -38,7 +41,6 @@ public:
     bool setFileListFolder(const QString& folder);
     void setFileListPattern(const QString& pattern);
     QString fileListFolder() const { return fileFolder_; }
-    QString fileListPattern() const { return filePattern_; }
     // The selected file name (no folder), empty when nothing is selected.
     QString selectedFileName() const;
 
@@ -53,7 +55,14 @@ public:
     void fileBoxSound_Click();
     void chgSoundCmd_Click();
     void cropCmd_Click();
+    // Attach and crop rest until a file is clicked again (the composer's slide panel reset).
+    void disableFileCommands();
 
+signals:
+    // A sound ready to go on the current slide.
+    void soundChosen(const QString& path);
+
+private:
     QLineEdit* soundDirPath = nullptr;
     QToolButton* SoundChgDirBrowse = nullptr;
     QPushButton* refresh2Cmd = nullptr;
@@ -62,17 +71,15 @@ public:
     QPushButton* chgSoundCmd = nullptr;
     QPushButton* cropCmd = nullptr;
 
-private:
     // Lists the folder again; keeps the selected name when asked to and it is still listed.
     bool refreshFileList(bool keepSelection = false);
     // The file list's folder, or the empty folder when the text names no readable folder.
     void showFolderOrNothing(const QString& folder, bool keepSelection);
     // The selected file with the folder the list shows; empty when nothing is selected.
     QString selectedFilePath() const;
-    // Puts `path` on the current slide (a first slide when there is none) and shows the slide.
-    void attachSound(const QString& path);
-
-    ComposerHost& host_;
+    const Localisation& loc_;
+    Platform& platform_;
+    QString appFolder_;
     PlayerControl* cropPlayer_ = nullptr;
     QString fileFolder_;
     QString filePattern_;

@@ -7,6 +7,7 @@ namespace mms {
 frmMMSFileDelete::frmMMSFileDelete(QWidget* parent, const Localisation& texts, MessageSink& sink,
                                    const MessageStore& store, MessageState& state)
     : MessageNameDialog(parent, texts, sink, store, state, {37, 43}, false), cmdDelete(actionButton()) {
+    cmdDelete->setObjectName(QStringLiteral("cmdDelete"));
     connect(cmdDelete, &QPushButton::clicked, this, &frmMMSFileDelete::cmdDelete_Click);
 }
 

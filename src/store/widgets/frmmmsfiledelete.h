@@ -14,9 +14,10 @@ public:
     frmMMSFileDelete(QWidget* parent, const Localisation& texts, MessageSink& sink, const MessageStore& store,
                      MessageState& state);
 
-    QPushButton* cmdDelete;
-
     void cmdDelete_Click() { acceptExisting(11); }
+
+private:
+    QPushButton* cmdDelete;
 };
 
 } // namespace mms

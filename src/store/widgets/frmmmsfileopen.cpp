@@ -7,6 +7,7 @@ namespace mms {
 frmMMSFileOpen::frmMMSFileOpen(QWidget* parent, const Localisation& texts, MessageSink& sink,
                                const MessageStore& store, MessageState& state)
     : MessageNameDialog(parent, texts, sink, store, state, {38, 42}, true), cmdOpen(actionButton()) {
+    cmdOpen->setObjectName(QStringLiteral("cmdOpen"));
     connect(cmdOpen, &QPushButton::clicked, this, &frmMMSFileOpen::cmdOpen_Click);
 }
 

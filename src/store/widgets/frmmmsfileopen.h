@@ -13,9 +13,10 @@ public:
     frmMMSFileOpen(QWidget* parent, const Localisation& texts, MessageSink& sink, const MessageStore& store,
                    MessageState& state);
 
-    QPushButton* cmdOpen;
-
     void cmdOpen_Click() { acceptExisting(14); }
+
+private:
+    QPushButton* cmdOpen;
 };
 
 } // namespace mms

@@ -10,6 +10,7 @@ namespace mms {
 frmMMSFileSave::frmMMSFileSave(QWidget* parent, const Localisation& texts, MessageSink& sink,
                                const MessageStore& store, MessageState& state)
     : MessageNameDialog(parent, texts, sink, store, state, {39, 5}, true), cmdSave(actionButton()) {
+    cmdSave->setObjectName(QStringLiteral("cmdSave"));
     connect(cmdSave, &QPushButton::clicked, this, &frmMMSFileSave::cmdSave_Click);
 }
 

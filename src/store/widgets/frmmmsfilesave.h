@@ -13,9 +13,10 @@ public:
     frmMMSFileSave(QWidget* parent, const Localisation& texts, MessageSink& sink, const MessageStore& store,
                    MessageState& state);
 
-    QPushButton* cmdSave;
-
     void cmdSave_Click();
+
+private:
+    QPushButton* cmdSave;
 };
 
 } // namespace mms

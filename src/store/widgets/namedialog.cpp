@@ -22,10 +22,13 @@ bool removeCloseCommand(QWidget& dialog) {
 MessageNameDialog::MessageNameDialog(QWidget* parent, const Localisation& texts, MessageSink& sink,
                                      const MessageStore& store, MessageState& state, Captions captions,
                                      bool dropSpaces)
-    : QDialog(parent), lstFile(new QTreeWidget(this)), txtName(new QLineEdit(this)), Label1(new QLabel(this)),
+    : QDialog(parent), txtName(new QLineEdit(this)), lstFile(new QTreeWidget(this)), Label1(new QLabel(this)),
       cmdCancel(new QPushButton(this)), texts_(texts), sink_(sink), store_(store), state_(state),
       action_(new QPushButton(this)), dropSpaces_(dropSpaces) {
     state_.isCancel = false;
+    for (const auto& [control, name] : {std::pair<QObject*, const char*>{lstFile, "lstFile"},
+                                        {txtName, "txtName"}, {Label1, "Label1"}, {cmdCancel, "cmdCancel"}})
+        control->setObjectName(QLatin1String(name));
     removeCloseCommand(*this);
     setModal(true);
 

@@ -27,10 +27,7 @@ class MessageNameDialog : public QDialog {
     Q_DISABLE_COPY_MOVE(MessageNameDialog)
 
 public:
-    QTreeWidget* lstFile;
     QLineEdit* txtName;
-    QLabel* Label1;
-    QPushButton* cmdCancel;
 
     // Cancel, Escape and a close request all land here.
     void reject() override;
@@ -50,6 +47,10 @@ protected:
     // The checks of Open and Delete: not the current message (error `currentError`), not empty,
     // a plain name, and present in the store. On success hands the name back and closes.
     void acceptExisting(int currentError);
+
+    QTreeWidget* lstFile;
+    QLabel* Label1;
+    QPushButton* cmdCancel;
 
     const Localisation& texts_;
     MessageSink& sink_;
