@@ -8,20 +8,17 @@ namespace mms::test {
 
 // A window's control by its object name (the names the handlers use). Fails the test, rather than
 // crashing it, when the window has no such control.
-template <class T>
-T* ctl(const QObject& window, const char* name) {
+template <class T> T* ctl(const QObject& window, const char* name) {
     T* found = window.findChild<T*>(QLatin1String(name));
     if (!found) ADD_FAILURE() << "no control " << name;
     return found;
 }
 
-template <class T>
-T* ctl(const QObject* window, const char* name) {
+template <class T> T* ctl(const QObject* window, const char* name) {
     return ctl<T>(*window, name);
 }
 
-template <class T, class W>
-T* ctl(const std::unique_ptr<W>& window, const char* name) {
+template <class T, class W> T* ctl(const std::unique_ptr<W>& window, const char* name) {
     return ctl<T>(*window, name);
 }
 

@@ -2,8 +2,8 @@
 
 #include "common/widgets/platform.h"
 #include "model/cslide.h"
-#include "sound/multimediadevice.h"
 #include "model/status.h"
+#include "sound/multimediadevice.h"
 #include "store/messagestore.h"
 
 #include <QIcon>
@@ -13,6 +13,7 @@
 class QAction;
 class QComboBox;
 class QGroupBox;
+class QLayout;
 class QLabel;
 class QLineEdit;
 class QListView;
@@ -42,6 +43,7 @@ class SoundPanel;
 //
 // The handlers live in several files by area:
 //   frmmmsmain.cpp          construction, captions, start-up and shutdown
+//   frmmmsmain_layout.cpp   controls, menus and their layout
 //   frmmmsmain_strip.cpp    strip commands, selection, move rule
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
@@ -210,7 +212,14 @@ private:
 
     void buildUi();
     QWidget* buildStripColumn();
+    QListView* buildStripList(QWidget* column);
+    QLayout* buildStripButtons(QWidget* column);
+    QLayout* buildCounters(QWidget* column);
     QWidget* buildSlideColumn();
+    QWidget* buildEmptyPage(QWidget* stack);
+    QWidget* buildSlidePanel(QWidget* stack);
+    QWidget* buildPhoneScreen(QWidget* frame);
+    QLayout* buildSoundRow(QWidget* frame);
     void buildMenus();
     Status applyLanguage(int langIndex);
     void updateCaption();

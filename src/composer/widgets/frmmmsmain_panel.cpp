@@ -1,8 +1,8 @@
 // The slide panel: the commit rule, the duration and text boxes, the counters, reset and enable.
 // Every edit is written into the selected slide's node at once; there is no apply step.
 
-#include "composer/composertext.h"
 #include "common/localisation.h"
+#include "composer/composertext.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -238,7 +238,6 @@ void frmMMSMain::enableSlideCmds() {
     for (QAction* a : {rm_slide, mnu_upload, mnu_exportMms})
         a->setEnabled(true);
 }
-
 
 void frmMMSMain::attachToCurrentSlide(const QString& field, const QString& path) {
     if (IsEmpty()) addCmd_Click();

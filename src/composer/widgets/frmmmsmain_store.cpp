@@ -6,13 +6,13 @@
 // current one, so a message that cannot be opened changes nothing (error 24).
 
 #include "common/localisation.h"
+#include "common/workspace.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
 #include "store/widgets/frmmmsfilesave.h"
-#include "common/workspace.h"
 
 #include <QAction>
 #include <QFileInfo>

@@ -3,8 +3,8 @@
 // slide; the list is changed first, and the strip only when the list accepted the change, so a
 // refusal never leaves the two out of step.
 
-#include "composer/composertext.h"
 #include "common/localisation.h"
+#include "composer/composertext.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -116,9 +116,13 @@ void frmMMSMain::ffCmd_Click() {
     finishStripCommand(1);
 }
 
-void frmMMSMain::fCmd_Click() { moveOnePlace(true); }
+void frmMMSMain::fCmd_Click() {
+    moveOnePlace(true);
+}
 
-void frmMMSMain::rCmd_Click() { moveOnePlace(false); }
+void frmMMSMain::rCmd_Click() {
+    moveOnePlace(false);
+}
 
 // Forward and backward: the selected slide changes places with its neighbour. A refused swap shows
 // error 4 (forward) or 3 (backward); the strip changes only when the list did.

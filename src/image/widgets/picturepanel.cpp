@@ -1,12 +1,12 @@
 #include "image/widgets/picturepanel.h"
 
+#include "common/folderpaths.h"
 #include "common/localisation.h"
+#include "common/widgets/browsefolder.h"
 #include "common/widgets/platform.h"
 #include "common/widgets/sizecombo.h"
-#include "common/folderpaths.h"
 #include "image/pictureimport.h"
 #include "image/thumbnailloader.h"
-#include "common/widgets/browsefolder.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -184,8 +184,8 @@ void PicturePanel::refreshcmd_Click() {
 }
 
 void PicturePanel::imgChgDirBrowse_Click() {
-    const QString chosen =
-        browseFolder(platform_.dialogs, loc_, this, browseStartPath(QDir::fromNativeSeparators(imgDirPath->text())));
+    const QString chosen = browseFolder(platform_.dialogs, loc_, this,
+                                        browseStartPath(QDir::fromNativeSeparators(imgDirPath->text())));
     if (chosen.isEmpty()) return;
     imgDirPath->setText(QDir::toNativeSeparators(chosen));
     refreshImgList();
@@ -213,8 +213,7 @@ void PicturePanel::chgImgCmd_Click() {
     PictureImport import;
     {
         const BusyCursor busy;
-        import = importPicture(source, lstPicView->count() > 0, appFolder_, platform.clock,
-                               platform.random);
+        import = importPicture(source, lstPicView->count() > 0, appFolder_, platform.clock, platform.random);
     }
     if (!import.attach()) {
         const QString text = import.errorText(loc_.getMCrErrStr(import.errorNumber));

@@ -2,10 +2,10 @@
 
 #include "common/localisation.h"
 #include "common/widgets/platform.h"
+#include "common/workspace.h"
 #include "model/filelength.h"
 #include "sound/midicrop.h"
 #include "sound/midiplayer.h"
-#include "common/workspace.h"
 
 #include <QAction>
 #include <QFileInfo>
@@ -205,10 +205,11 @@ void frmMMSCropMIDI::buildControls() {
     connect(&player_, &PlayerControl::statusUpdate, this, [this] { MMControl1_StatusUpdate(); });
 
     const std::pair<QObject*, const char*> names[] = {
-        {Label1, "Label1"},     {Label2, "Label2"},     {Label3, "Label3"},     {Label4, "Label4"},
-        {Label5, "Label5"},     {Label6, "Label6"},     {Label7, "Label7"},     {Frame1, "Frame1"},
-        {Frame2, "Frame2"},     {Command1, "Command1"}, {Command2, "Command2"}, {Command3, "Command3"},
-        {Command4, "Command4"}, {lblStatus, "lblStatus"}, {txtCropStart, "txtCropStart"},
+        {Label1, "Label1"},        {Label2, "Label2"},       {Label3, "Label3"},
+        {Label4, "Label4"},        {Label5, "Label5"},       {Label6, "Label6"},
+        {Label7, "Label7"},        {Frame1, "Frame1"},       {Frame2, "Frame2"},
+        {Command1, "Command1"},    {Command2, "Command2"},   {Command3, "Command3"},
+        {Command4, "Command4"},    {lblStatus, "lblStatus"}, {txtCropStart, "txtCropStart"},
         {txtCropEnd, "txtCropEnd"}};
     for (const auto& [control, name] : names)
         control->setObjectName(QLatin1String(name));

@@ -1,11 +1,11 @@
 #include "sound/widgets/soundpanel.h"
 
-#include "common/localisation.h"
-#include "common/widgets/platform.h"
 #include "common/folderpaths.h"
+#include "common/localisation.h"
 #include "common/widgets/browsefolder.h"
-#include "sound/widgets/frmmmscropmidi.h"
+#include "common/widgets/platform.h"
 #include "common/workspace.h"
+#include "sound/widgets/frmmmscropmidi.h"
 
 #include <QComboBox>
 #include <QDir>

@@ -27,7 +27,9 @@ MessageNameDialog::MessageNameDialog(QWidget* parent, const Localisation& texts,
       action_(new QPushButton(this)), dropSpaces_(dropSpaces) {
     state_.isCancel = false;
     for (const auto& [control, name] : {std::pair<QObject*, const char*>{lstFile, "lstFile"},
-                                        {txtName, "txtName"}, {Label1, "Label1"}, {cmdCancel, "cmdCancel"}})
+                                        {txtName, "txtName"},
+                                        {Label1, "Label1"},
+                                        {cmdCancel, "cmdCancel"}})
         control->setObjectName(QLatin1String(name));
     removeCloseCommand(*this);
     setModal(true);
