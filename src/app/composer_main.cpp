@@ -38,45 +38,53 @@ struct StartOptions {
     std::optional<int> quitAfterSeconds;
 };
 
-// Reads the command line into `options`; returns the exit status when the program ends here
-// (--help, --version, a bad argument).
-std::optional<int> parseCommandLine(StartOptions& options) {
+// The options and their help texts.
+struct CommandLine {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Composes multimedia phone messages (MMS)."));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Shows this help and exits."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Shows the version and exits."));
-    const QCommandLineOption home(
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Shows this help and exits.")};
+    const QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Shows the version and exits.")};
+    const QCommandLineOption home{
         QStringLiteral("home"),
         QStringLiteral("The application folder holding UserData/ and Temp/. Default: $MMS_COMPOSER_HOME, "
                        "else the folder of the executable in a build folder or portable copy, else "
                        "the user's data folder (~/.local/share/Morvane/mms-composer)."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption language(
+        QStringLiteral("DIR")};
+    const QCommandLineOption language{
         QStringLiteral("language"),
         QStringLiteral("The interface language for this run: en, fra, ger, it, spa, ru, sch (Simplified "
                        "Chinese) or tch (Traditional Chinese). Default: the \"Language\" setting of the "
                        "organisation \"Morvane\"."),
-        QStringLiteral("CODE"));
-    const QCommandLineOption quitAfter(
+        QStringLiteral("CODE")};
+    const QCommandLineOption quitAfter{
         QStringLiteral("quit-after"),
         QStringLiteral("Ends the program SECONDS seconds after the window opens, without the close "
                        "questions: changes are lost and the temporary folders stay. For start-up checks."),
-        QStringLiteral("SECONDS"));
-    parser.addOptions({help, version, home, language, quitAfter});
+        QStringLiteral("SECONDS")};
 
+    CommandLine() {
+        parser.setApplicationDescription(QStringLiteral("Composes multimedia phone messages (MMS)."));
+        parser.addOptions({help, version, home, language, quitAfter});
+    }
+};
+
+// Reads the command line into `options`; returns the exit status when the program ends here
+// (--help, --version, a bad argument).
+std::optional<int> parseCommandLine(StartOptions& options) {
+    CommandLine line;
+    QCommandLineParser& parser = line.parser;
     if (!parser.parse(QCoreApplication::arguments())) {
         QString text = parser.errorText();
         if (text.endsWith(QLatin1Char('.'))) text.chop(1);
         printError(text + QStringLiteral(" (see mms-composer --help)"));
         return kUsageError;
     }
-    if (parser.isSet(help)) {
+    if (parser.isSet(line.help)) {
         std::fputs(qPrintable(parser.helpText()), stdout);
         return 0;
     }
-    if (parser.isSet(version)) {
+    if (parser.isSet(line.version)) {
         std::printf("mms-composer %s\n", qPrintable(mms::programVersion()));
         return 0;
     }
@@ -85,9 +93,9 @@ std::optional<int> parseCommandLine(StartOptions& options) {
                        .arg(parser.positionalArguments().front()));
         return kUsageError;
     }
-    options.home = parser.value(home);
-    if (parser.isSet(language)) {
-        const QString code = parser.value(language);
+    options.home = parser.value(line.home);
+    if (parser.isSet(line.language)) {
+        const QString code = parser.value(line.language);
         if (code != QLatin1String("en") && !mms::languageCodes().contains(code)) {
             printError(QStringLiteral("unknown language \"%1\"; known codes: en %2")
                            .arg(code, mms::languageCodes().join(QLatin1Char(' '))));
@@ -95,9 +103,9 @@ std::optional<int> parseCommandLine(StartOptions& options) {
         }
         options.languageCode = code;
     }
-    if (parser.isSet(quitAfter)) {
+    if (parser.isSet(line.quitAfter)) {
         bool ok = false;
-        const int seconds = parser.value(quitAfter).toInt(&ok);
+        const int seconds = parser.value(line.quitAfter).toInt(&ok);
         if (!ok || seconds < 0 || seconds > 86400) {
             printError(QStringLiteral("--quit-after needs a whole number of seconds from 0 to 86400"));
             return kUsageError;
