@@ -34,7 +34,7 @@ void printError(const QString& text) {
 
 struct StartOptions {
     QString home;
-    std::optional<QString> languageCode;
+    QString languageCode; // empty: the "Language" setting
     std::optional<int> quitAfterSeconds;
 };
 
@@ -170,7 +170,7 @@ int main(int argc, char** argv) {
     mms::frmMMSMain::Options options;
     options.appFolder = folders.appFolder;
     options.languageFolder = folders.languageFolder;
-    options.languageCode = start.languageCode.value_or(QString());
+    options.languageCode = start.languageCode;
 
     auto window = std::make_unique<mms::frmMMSMain>(platform, localisation, options);
     QApplication::setWindowIcon(window->windowIcon());

@@ -39,9 +39,7 @@ TEST(AppFolderTest, ChoosesWorkspaceAndLanguageFolders) {
     const Case cases[] = {
         {"build folder", l.build, {}, {}, l.data, l.build, l.build, false},
         {"installed", l.installedBin, {}, {}, l.data, l.data, l.installedShare, true},
-        {"--home, build folder", l.build, home, {}, l.data, home, l.build, false},
         {"--home, installed", l.installedBin, home, {}, l.data, home, l.installedShare, true},
-        {"variable, build folder", l.build, {}, variable, l.data, variable, l.build, false},
         {"variable, installed", l.installedBin, {}, variable, l.data, variable, l.installedShare, true},
         {"--home beats the variable", l.installedBin, home, variable, l.data, home, l.installedShare, true},
         {"installed without a data folder", l.installedBin, {}, {}, {}, {}, l.installedShare, true},
