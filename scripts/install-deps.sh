@@ -13,6 +13,7 @@ packages=(
   clang-14 libclang-rt-14-dev clang-format
   python3-mido imagemagick
   libsmf-dev
+  desktop-file-utils appstream lintian man-db
 )
 
 missing=()
