@@ -7,7 +7,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace mms;
 using namespace Qt::StringLiterals;
@@ -22,9 +25,10 @@ protected:
         media.write(u"voice.amr"_s, QByteArray(300, 'a'));
     }
     // `line` split at spaces; %1 is the media folder, %2 a target archive in it.
-    test::MmscRun mmsc(QString line) {
+    test::MmscRun mmsc(QString line, std::function<void()> inChild = {},
+                       const QString& command = u"build"_s) {
         line.replace(u"%1"_s, media.path()).replace(u"%2"_s, target);
-        return test::runMmsc({u"--home"_s, home.path(), u"build"_s}, line);
+        return test::runMmsc({u"--home"_s, home.path(), command}, line, std::move(inChild));
     }
     QStringList homeEntries() const {
         return QDir(home.path())
@@ -126,6 +130,39 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoWritingNothing) {
     }
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));
+}
+
+// Writes stop at 20000 bytes, as on a full disk, and mmsc says so in the system's words.
+TEST_F(MmscBuild, AFullDiskAndAReadOnlyFolderAreNamed) {
+    media.write(u"voice.amr"_s, QByteArray(60000, 'a'));
+    const auto fullDisk = [] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{20000, 20000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    };
+    for (const char* line :
+         {"--slide --sound %1/voice.amr --save m", "--slide --sound %1/voice.amr --export %2"}) {
+        const test::MmscRun r = mmsc(QString::fromLatin1(line), fullDisk);
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_TRUE(r.err.contains(u"sound1.amr"_s) && r.err.contains(u"File too large"_s))
+            << r.err.toStdString();
+    }
+    ASSERT_EQ(mmsc(u"--slide --sound %1/voice.amr --save m"_s).exitCode, 0);
+    const test::MmscRun r = mmsc(u"m %2"_s, fullDisk, u"mms"_s);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains(u"File too large"_s)) << r.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(target));
+
+    // Without the power to override permissions, in a home folder that cannot be written.
+    test::TempDir readOnly;
+    QFile::setPermissions(readOnly.path(), QFileDevice::Permissions(0x5555));
+    QFile::setPermissions(media.path(), QFileDevice::Permissions(0x7755));
+    const test::MmscRun denied =
+        test::runMmsc({u"--home"_s, readOnly.path(), u"build"_s}, u"--slide --save m"_s, [] {
+            if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(3);
+        });
+    EXPECT_EQ(denied.exitCode, 2);
+    EXPECT_TRUE(denied.err.contains(u"Permission denied"_s)) << denied.err.toStdString();
 }
 
 TEST(MessageName, IsOnePlainNameOtherThanTheWorkingCopy) {
