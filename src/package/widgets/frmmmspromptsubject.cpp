@@ -59,6 +59,8 @@ frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink&
         layout->addSpacing(6);
         layout->addWidget(lblRecipients);
         layout->addWidget(txtRecipients);
+        setTabOrder(subject, txtRecipients); // the button was made first
+        setTabOrder(txtRecipients, cmdUpload);
     }
     layout->addSpacing(6);
     layout->addLayout(buttons);
