@@ -67,32 +67,13 @@ TEST(SubjectPrompt, RefusesTypedForbiddenCharactersEmptyAndLongSubjects) {
     EXPECT_TRUE(second.validflag && state.txtsubject == QString(25, u'y') && sink.shown.size() == 4u);
 }
 
-TEST(SubjectPrompt, RecipientsAreAddressesOrRefusedNamingThePiece) {
-    Localisation loc;
-    LanguageTexts texts = numberedTexts();
-    texts.errors[sendtexts::kNotAnAddress] = u"E32 %1"_s;
-    loc.setTexts(texts);
-    RecordingSink sink;
-    MessageState state;
-    frmMMSPromptSubject prompt(loc, sink, state, nullptr, true);
-    EXPECT_EQ(prompt.findChild<QLabel*>(u"lblRecipients"_s)->text(), u"I70"_s);
-    box(prompt, "subject")->setText(u"Hi"_s);
-    box(prompt, "txtRecipients")->setText(u"+44 1234 5678; bob@example.com, Bob Smith"_s);
-    confirm(prompt);
-    EXPECT_FALSE(prompt.validflag);
-    EXPECT_EQ(sink.texts(), QStringList(u"E32 Bob Smith"_s));
-    box(prompt, "txtRecipients")->setText(u"+44 1234 5678; bob@example.com,"_s);
-    confirm(prompt);
-    EXPECT_TRUE(prompt.validflag);
-    EXPECT_EQ(prompt.recipients, QStringList({u"+4412345678/TYPE=PLMN"_s, u"bob@example.com"_s}));
-}
-
 class ExportTest : public ComposerTest {
 protected:
     void SetUp() override {
         LanguageTexts texts = numberedTexts();
         texts.errors[29] = u"E29 %1"_s;
         texts.errors[30] = u"E30 %1"_s;
+        texts.errors[sendtexts::kNotAnAddress] = u"E32 %1"_s;
         loc.setTexts(texts);
         start();
     }
@@ -211,6 +192,12 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     EXPECT_TRUE(fake.dialogs.texts().last().startsWith(u"E29 "_s));
     EXPECT_TRUE(fake.dialogs.texts().last().contains(u"t.mid"_s));
     EXPECT_FALSE(QFile::exists(home.file(u"broken.mms"_s)));
+
+    // A recipient that is no address is named, and the prompt stays open.
+    recipients = u"a@b.c; Bob Smith"_s;
+    answer(u"Hi"_s);
+    w->mnu_exportMms_Click();
+    EXPECT_EQ(fake.dialogs.texts().last(), u"E32 Bob Smith"_s);
 }
 
 } // namespace

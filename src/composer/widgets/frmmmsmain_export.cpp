@@ -2,11 +2,11 @@
 // (the message as one binary MMS send request).
 
 #include "common/localisation.h"
+#include "common/workspace.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "package/messageexport.h"
 #include "package/packagewriter.h"
 #include "package/widgets/frmmmspromptsubject.h"
-#include "common/workspace.h"
 
 #include <exception>
 
