@@ -11,7 +11,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth
   clang-14 libclang-rt-14-dev clang-format
-  python3-mido imagemagick
+  python3-mido imagemagick tshark
   libsmf-dev
   desktop-file-utils appstream lintian man-db
 )
