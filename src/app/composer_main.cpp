@@ -10,7 +10,7 @@
 #include "composer/widgets/frmmmsmain.h"
 #include "common/widgets/qtdialogs.h"
 #include "model/clockrandom.h"
-#include "sound/fluidsynthdevice.h"
+#include "sound/sounddevice.h"
 #include "store/appfolder.h"
 
 #include <QApplication>
@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
     mms::QtDialogs dialogs;
     mms::SystemClock clock;
     mms::SystemRandom random;
-    mms::FluidSynthDevice device;
+    mms::SoundDevice device;
     mms::Platform platform{dialogs, clock, random, device};
     mms::Localisation localisation;
 

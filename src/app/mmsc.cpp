@@ -3,7 +3,9 @@
 #include "store/appfolder.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <map>
+#include <memory>
 
 namespace mms::cli {
 
@@ -19,13 +21,15 @@ void printHelp(QTextStream& out) {
            "  --home DIR   the application folder holding UserData/ and Temp/ (default: $MMS_COMPOSER_HOME,\n"
            "               else the folder of the executable)\n\n"
            "Commands:\n";
-    for (const auto& [name, info] : registry()) out << info.usage << "\n";
+    for (const auto& [name, info] : registry())
+        out << info.usage << "\n";
     out << "Bad input gets a one-line message on stderr and exit status 2.\n";
 }
 } // namespace
 
-Registrar::Registrar(const char* name, const char* usage, Command run) {
-    registry()[QString::fromLatin1(name)] = {QString::fromLatin1(name), QString::fromUtf8(usage), std::move(run)};
+Registrar::Registrar(const char* name, const char* usage, Command run, bool drawsText) {
+    registry()[QString::fromLatin1(name)] = {QString::fromLatin1(name), QString::fromUtf8(usage),
+                                             std::move(run), drawsText};
 }
 
 int fail(Context& context, const QString& message) {
@@ -35,11 +39,30 @@ int fail(Context& context, const QString& message) {
 
 } // namespace mms::cli
 
+namespace {
+
+// Text can only be drawn under a QGuiApplication. A command that draws gets one on Qt's offscreen
+// platform (unless QT_QPA_PLATFORM names another), so it needs no display; the others stay on a
+// QCoreApplication.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    QStringList args;
+    for (int i = 1; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+    mms::takeHomeOption(args);
+    const auto found = args.isEmpty() ? mms::cli::registry().end() : mms::cli::registry().find(args.first());
+    if (found == mms::cli::registry().end() || !found->second.drawsText)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+} // namespace
+
 int main(int argc, char* argv[]) {
-    QCoreApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv);
     QTextStream out(stdout);
     QTextStream err(stderr);
-    QStringList args = app.arguments().mid(1);
+    QStringList args = QCoreApplication::arguments().mid(1);
     const QString home = mms::takeHomeOption(args);
     mms::cli::Context context{mms::resolveAppFolder(home), out, err};
 

@@ -1,5 +1,7 @@
 #include "common/localisation.h"
 
+#include "common/playbacktexts.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSettings>
@@ -148,6 +150,7 @@ QList<int> usedPromptNumbers() {
 QList<int> usedErrorNumbers() {
     QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
     numbers.append(range(10, 31));
+    numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
     return numbers;
 }
 
@@ -157,6 +160,7 @@ QList<int> usedInterfaceNumbers() {
     numbers.removeAll(46);
     numbers.removeAll(47);
     numbers.removeAll(59);
+    numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
     return numbers;
 }
 

@@ -10,19 +10,11 @@ namespace mms {
 
 namespace {
 
-// Result codes of sendString; callers only tell 0 from the rest.
-enum Result : int {
-    kOk = 0,
-    kUnknownCommand = 1,
-    kNoSound = 2,
-    kNotOpen = 3,
-    kAlreadyOpen = 4,
-    kCannotOpen = 5,
-};
-
 const QString kPlay = QStringLiteral("play music from 0 notify");
 const QString kStop = QStringLiteral("stop music");
 const QString kClose = QStringLiteral("close music");
+const QString kPause = QStringLiteral("pause music");
+const QString kResume = QStringLiteral("resume music");
 
 } // namespace
 
@@ -52,7 +44,9 @@ FluidSynthDevice::~FluidSynthDevice() = default; // the player stops its tune; n
 int FluidSynthDevice::sendString(const QString& command) {
     static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
     const QRegularExpressionMatch open = openCommand.match(command);
-    if (!open.hasMatch() && command != kPlay && command != kStop && command != kClose) return kUnknownCommand;
+    if (!open.hasMatch() && command != kPlay && command != kStop && command != kClose && command != kPause &&
+        command != kResume)
+        return kUnknownCommand;
 
     Impl& d = *impl_;
     if (!d.player) {
@@ -96,6 +90,15 @@ int FluidSynthDevice::sendString(const QString& command) {
         }
         d.notifyPending = true;
         return kOk;
+    }
+    // A paused tune keeps its place and its pending notification.
+    if (command == kPause) {
+        d.player->stop();
+        return kOk;
+    }
+    if (command == kResume) {
+        if (!d.notifyPending || d.player->isPlaying()) return kOk;
+        return d.player->play() ? kOk : kNoSound;
     }
     if (command == kStop) {
         d.player->stop();
