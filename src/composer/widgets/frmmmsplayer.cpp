@@ -21,10 +21,10 @@ namespace {
 
 constexpr int kZooms = 4;
 
-QToolButton* playerButton(QWidget* parent, const char* objectName, QStyle::StandardPixmap icon) {
+QToolButton* playerButton(QWidget* parent, const char* objectName, const QIcon& icon) {
     auto* button = new QToolButton(parent);
     button->setObjectName(QLatin1String(objectName));
-    button->setIcon(parent->style()->standardIcon(icon));
+    button->setIcon(icon);
     button->setIconSize(QSize(22, 22));
     button->setAutoRaise(true);
     // The keys belong to the window: a focused button would take Space for itself.
@@ -81,11 +81,14 @@ void frmMMSPlayer::buildUi() {
     lblStatus = new QLabel(this);
     lblStatus->setObjectName(QStringLiteral("lblStatus"));
     lblStatus->setWordWrap(true);
+    // Room for two lines, so that the window keeps its size as the status changes.
+    lblStatus->setMinimumHeight(2 * lblStatus->fontMetrics().lineSpacing());
+    lblStatus->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
-    prevCmd = playerButton(this, "prevCmd", QStyle::SP_MediaSkipBackward);
-    pauseCmd = playerButton(this, "pauseCmd", QStyle::SP_MediaPause);
-    nextCmd = playerButton(this, "nextCmd", QStyle::SP_MediaSkipForward);
-    restartCmd = playerButton(this, "restartCmd", QStyle::SP_BrowserReload);
+    prevCmd = playerButton(this, "prevCmd", style()->standardIcon(QStyle::SP_MediaSkipBackward));
+    pauseCmd = playerButton(this, "pauseCmd", style()->standardIcon(QStyle::SP_MediaPause));
+    nextCmd = playerButton(this, "nextCmd", style()->standardIcon(QStyle::SP_MediaSkipForward));
+    restartCmd = playerButton(this, "restartCmd", QIcon(QStringLiteral(":/icons/refresh.svg")));
     connect(prevCmd, &QToolButton::clicked, this, [this] { command(&SlideShow::previous); });
     connect(pauseCmd, &QToolButton::clicked, this, [this] { command(&SlideShow::togglePause); });
     connect(nextCmd, &QToolButton::clicked, this, [this] { command(&SlideShow::next); });
@@ -149,7 +152,6 @@ void frmMMSPlayer::refresh() {
     if (show_.isFinished()) status << texts_.getMCrInterfaceStr(kMessageEnded);
     if (show_.isSilent()) status << texts_.getMCrInterfaceStr(kNoAudioOutput);
     lblStatus->setText(status.join(QLatin1Char('\n')));
-    lblStatus->setVisible(!status.isEmpty());
     const bool stopped = show_.isPaused() || show_.isFinished();
     pauseCmd->setIcon(style()->standardIcon(stopped ? QStyle::SP_MediaPlay : QStyle::SP_MediaPause));
 
