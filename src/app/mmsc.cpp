@@ -53,7 +53,13 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     if (found == mms::cli::registry().end() || !found->second.drawsText)
         return std::make_unique<QCoreApplication>(argc, argv);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QGuiApplication>(argc, argv);
+    // The platform's start-up notices (such as a missing runtime folder) would precede every
+    // command's own output on stderr; they say nothing about the command.
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    auto app = std::make_unique<QGuiApplication>(argc, argv);
+    qInstallMessageHandler(previous);
+    return app;
 }
 
 } // namespace
