@@ -4,6 +4,7 @@
 #include "sound/midiplayer.h"
 
 #include <QRegularExpression>
+#include <QStringList>
 #include <functional>
 
 namespace mms {
@@ -44,9 +45,8 @@ FluidSynthDevice::~FluidSynthDevice() = default; // the player stops its tune; n
 int FluidSynthDevice::sendString(const QString& command) {
     static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
     const QRegularExpressionMatch open = openCommand.match(command);
-    if (!open.hasMatch() && command != kPlay && command != kStop && command != kClose && command != kPause &&
-        command != kResume)
-        return kUnknownCommand;
+    static const QStringList kCommands{kPlay, kStop, kClose, kPause, kResume};
+    if (!open.hasMatch() && !kCommands.contains(command)) return kUnknownCommand;
 
     Impl& d = *impl_;
     if (!d.player) {
@@ -63,13 +63,6 @@ int FluidSynthDevice::sendString(const QString& command) {
         return kNoSound;
     }
 
-    // A pending notification is answered before the command takes effect, as the old play ends here.
-    auto endPending = [this](Notify how) {
-        if (!impl_->notifyPending) return;
-        impl_->notifyPending = false;
-        notify(how);
-    };
-
     if (open.hasMatch()) {
         if (d.isOpen) return kAlreadyOpen;
         if (!d.player->open(open.captured(1))) return kCannotOpen;
@@ -81,6 +74,11 @@ int FluidSynthDevice::sendString(const QString& command) {
         return kOk;
     }
     if (!d.isOpen) return kNotOpen;
+    return controlOpenTune(command);
+}
+
+int FluidSynthDevice::controlOpenTune(const QString& command) {
+    Impl& d = *impl_;
     if (command == kPlay) {
         endPending(Notify::Superseded);
         d.player->setFrom(0);
@@ -109,6 +107,13 @@ int FluidSynthDevice::sendString(const QString& command) {
     d.isOpen = false;
     endPending(Notify::Aborted);
     return kOk;
+}
+
+// A pending notification is answered before a command takes effect, as the old play ends there.
+void FluidSynthDevice::endPending(Notify how) {
+    if (!impl_->notifyPending) return;
+    impl_->notifyPending = false;
+    notify(how);
 }
 
 } // namespace mms

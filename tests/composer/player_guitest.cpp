@@ -2,6 +2,7 @@
 #include "composerfixture.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QLabel>
 
 using namespace mms;
@@ -56,6 +57,10 @@ TEST_F(PlayerTest, EachSlideStaysForItsDurationWithItsSoundOnlyWhileItIsShown) {
     play({{3, u"a.mid"_s}, {0, u"b.amr"_s}, {2, {}}, {4, u"c.amr"_s}});
     EXPECT_EQ(sent(), starts(u"a.mid"_s));
     EXPECT_EQ(shown("lblPosition") + u' ' + shown("lblTimeLeft"), u"1 / 4 0:03"_s);
+    auto* screen = player->findChild<QLabel*>(u"picScreen"_s);
+    EXPECT_EQ(screen->size(), QSize(320, 280));
+    player->findChild<QComboBox*>(u"cboZoom"_s)->setCurrentIndex(2);
+    EXPECT_EQ(screen->size(), QSize(480, 420));
     after(2999);
     EXPECT_EQ(shown("lblTimeLeft"), u"0:01"_s);
     EXPECT_TRUE(sent().isEmpty());

@@ -85,6 +85,15 @@ void frmMMSPlayer::buildUi() {
     lblStatus->setMinimumHeight(2 * lblStatus->fontMetrics().lineSpacing());
     lblStatus->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
+    auto* layout = new QVBoxLayout(this);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(phone, 0, Qt::AlignHCenter);
+    layout->addLayout(info);
+    layout->addWidget(lblStatus);
+    layout->addLayout(buildControls());
+}
+
+QLayout* frmMMSPlayer::buildControls() {
     prevCmd = playerButton(this, "prevCmd", style()->standardIcon(QStyle::SP_MediaSkipBackward));
     pauseCmd = playerButton(this, "pauseCmd", style()->standardIcon(QStyle::SP_MediaPause));
     nextCmd = playerButton(this, "nextCmd", style()->standardIcon(QStyle::SP_MediaSkipForward));
@@ -107,18 +116,11 @@ void frmMMSPlayer::buildUi() {
     });
 
     auto* buttons = new QHBoxLayout;
-    for (QWidget* w : {static_cast<QWidget*>(prevCmd), static_cast<QWidget*>(pauseCmd),
-                       static_cast<QWidget*>(nextCmd), static_cast<QWidget*>(restartCmd)})
-        buttons->addWidget(w);
+    for (QToolButton* button : {prevCmd, pauseCmd, nextCmd, restartCmd})
+        buttons->addWidget(button);
     buttons->addStretch(1);
     buttons->addWidget(cboZoom);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->addWidget(phone, 0, Qt::AlignHCenter);
-    layout->addLayout(info);
-    layout->addWidget(lblStatus);
-    layout->addLayout(buttons);
+    return buttons;
 }
 
 void frmMMSPlayer::applyLanguage() {

@@ -8,6 +8,7 @@
 
 class QComboBox;
 class QLabel;
+class QLayout;
 class QToolButton;
 
 namespace mms {
@@ -43,6 +44,7 @@ protected:
 
 private:
     void buildUi();
+    QLayout* buildControls();
     void applyLanguage();
     // Runs one command of the show, then brings the view in step.
     void command(void (SlideShow::*action)());
