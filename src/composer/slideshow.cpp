@@ -56,8 +56,9 @@ void SlideShow::show(int index) {
     current_ = std::clamp(index, 0, count() - 1);
     paused_ = finished_ = false;
     playedMs_ = 0;
-    runningSince_ = clock_.now();
     startSound();
+    // The slide's time runs from its sound's start: the first tune may take a while to load.
+    runningSince_ = clock_.now();
 }
 
 void SlideShow::next() {

@@ -42,14 +42,19 @@ public:
                         qsizetype(samples.size() * sizeof(qint16)));
         buffer->open(QIODevice::ReadOnly);
         finished_ = std::move(finished);
-        // The sink turns idle when the buffer has run dry: the sound has been heard to its end.
+        // The sink turns idle when the buffer has run dry: the sound has been heard to its end. A sink
+        // that stops on an error (the output went away) has ended as well.
         QObject::connect(sink_, &QAudioSink::stateChanged, sink_, [this, buffer](QAudio::State state) {
-            if (state != QAudio::IdleState || !buffer->atEnd()) return;
+            const bool heard = state == QAudio::IdleState && buffer->atEnd();
+            const bool failed = state == QAudio::StoppedState && sink_->error() != QAudio::NoError;
+            if (starting_ || (!heard && !failed)) return; // a failed start is answered by start()
             auto done = std::move(finished_);
             stop();
             if (done) done();
         });
+        starting_ = true;
         sink_->start(buffer);
+        starting_ = false;
         if (sink_->error() != QAudio::NoError) {
             stop();
             return false;
@@ -76,6 +81,7 @@ public:
 
 private:
     QAudioSink* sink_ = nullptr;
+    bool starting_ = false;
     std::function<void()> finished_;
 };
 
