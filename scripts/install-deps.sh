@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools libgl-dev libqt6svg6
   libarchive-dev libturbojpeg0-dev libjpeg-turbo-progs
-  libfluidsynth-dev fluid-soundfont-gm
+  libfluidsynth-dev fluid-soundfont-gm libopencore-amrnb-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth
   clang-14 libclang-rt-14-dev clang-format

@@ -1,6 +1,7 @@
 #include "common/localisation.h"
 
 #include "common/sendtexts.h"
+#include "common/playbacktexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -151,6 +152,7 @@ QList<int> usedErrorNumbers() {
     QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
     numbers.append(range(10, 31));
     numbers.append(sendtexts::kNotAnAddress);
+    numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
     return numbers;
 }
 
@@ -161,6 +163,7 @@ QList<int> usedInterfaceNumbers() {
     numbers.removeAll(47);
     numbers.removeAll(59);
     numbers.append(sendtexts::kRecipientsLabel);
+    numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
     return numbers;
 }
 

@@ -47,6 +47,7 @@ class SoundPanel;
 //   frmmmsmain_strip.cpp    strip commands, selection, move rule
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
+//   frmmmsmain_player.cpp   Play Message
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
 //   frmmmsmain_export.cpp   Export, Export as MMS
 class frmMMSMain final : public QMainWindow {
@@ -121,6 +122,9 @@ public:
     // --- Sound preview ---
     void soundPlayCmd_Click();
     void switchMCICtrl();
+
+    // --- Player ---
+    void mnu_play_Click();
 
     // --- State shared with the store, the name dialogs and the other windows ---
     MessageState& messageState() { return state_; }
@@ -243,6 +247,12 @@ private:
     // Preview helpers.
     void stopSoundPreview();
     void onPreviewNotify(MultimediaDevice::Notify result);
+
+    // Player helpers and controls (the Slide menu item and the button beside the strip).
+    void installPlayerCommands();
+    void applyPlayerLanguage();
+    QAction* mnu_play = nullptr;
+    QToolButton* playCmd = nullptr;
 
     Platform& platform_;
     Localisation& loc_;
