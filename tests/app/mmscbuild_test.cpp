@@ -1,5 +1,5 @@
+#include "app/mmscrun.h"
 #include "package/archivereader.h"
-#include "package/mmscrun.h"
 #include "store/messagestore.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
