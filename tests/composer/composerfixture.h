@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/localisation.h"
-#include "support/controls.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "support/controls.h"
 #include "support/fakeplatform.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
@@ -54,8 +54,9 @@ protected:
 
     // The user picks strip item `position`.
     void pick(int position) {
-        ctl<QListView>(w, "lstSlide")->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
-                                                       QItemSelectionModel::ClearAndSelect);
+        ctl<QListView>(w, "lstSlide")
+            ->selectionModel()
+            ->setCurrentIndex(w->stripModel().index(position - 1), QItemSelectionModel::ClearAndSelect);
     }
 
     // Adds one slide per letter of `texts`, each with that letter as its text.
@@ -126,20 +127,18 @@ protected:
         }
         EXPECT_EQ(position - 1, w->stripModel().count());
     }
-    struct Moves {
-        bool front, back;
-        bool operator==(const Moves&) const = default;
-    };
-    Moves moves() const {
-        const bool front = ctl<QToolButton>(w, "ffCmd")->isEnabled();
-        const bool back = ctl<QToolButton>(w, "rrCmd")->isEnabled();
-        EXPECT_EQ(ctl<QToolButton>(w, "fCmd")->isEnabled(), front);
-        EXPECT_EQ(ctl<QAction>(w, "sendfront")->isEnabled(), front);
-        EXPECT_EQ(ctl<QAction>(w, "sendfwd")->isEnabled(), front);
-        EXPECT_EQ(ctl<QToolButton>(w, "rCmd")->isEnabled(), back);
-        EXPECT_EQ(ctl<QAction>(w, "sendbwd")->isEnabled(), back);
-        EXPECT_EQ(ctl<QAction>(w, "sendback")->isEnabled(), back);
-        return {front, back};
+    // '1' or '0' for each named control or action: whether it is enabled.
+    QString enabled(std::initializer_list<const char*> names) const {
+        QString out;
+        for (const char* name : names)
+            out += ctl<QObject>(w, name)->property("enabled").toBool() ? u'1' : u'0';
+        return out;
+    }
+    // The forward and backward move commands, buttons and menu items alike: "1111 0000" when only
+    // moving to the front is possible.
+    QString moves() const {
+        return enabled({"ffCmd", "fCmd", "sendfront", "sendfwd"}) + u' ' +
+               enabled({"rrCmd", "rCmd", "sendbwd", "sendback"});
     }
 
     TempDir home;
