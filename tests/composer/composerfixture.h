@@ -127,13 +127,7 @@ protected:
         }
         EXPECT_EQ(position - 1, w->stripModel().count());
     }
-    // '1' or '0' for each named control or action: whether it is enabled.
-    QString enabled(std::initializer_list<const char*> names) const {
-        QString out;
-        for (const char* name : names)
-            out += ctl<QObject>(w, name)->property("enabled").toBool() ? u'1' : u'0';
-        return out;
-    }
+    QString enabled(std::initializer_list<const char*> names) const { return test::enabled(*w, names); }
     // The forward and backward move commands, buttons and menu items alike: "1111 0000" when only
     // moving to the front is possible.
     QString moves() const {

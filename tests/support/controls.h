@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -20,6 +21,16 @@ template <class T> T* ctl(const QObject* window, const char* name) {
 
 template <class T, class W> T* ctl(const std::unique_ptr<W>& window, const char* name) {
     return ctl<T>(*window, name);
+}
+
+// '1' or '0' for each named control or action of `window`: whether it is enabled.
+inline QString enabled(const QObject& window, std::initializer_list<const char*> names) {
+    QString out;
+    for (const char* name : names) {
+        const QObject* found = ctl<QObject>(window, name);
+        out += found && found->property("enabled").toBool() ? u'1' : u'0';
+    }
+    return out;
 }
 
 } // namespace mms::test
