@@ -8,9 +8,6 @@
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
-#include <QAbstractItemView>
-#include <QApplication>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
@@ -67,16 +64,6 @@ protected:
         }
     }
 
-    static void type(QWidget* target, const QString& text) {
-        for (QChar c : text) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-            QApplication::sendEvent(target, &press);
-        }
-    }
-    static void pressKey(QWidget* target, int key) {
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-        QApplication::sendEvent(target, &press);
-    }
     static void focusIn(QWidget* target) {
         QFocusEvent focus(QEvent::FocusIn, Qt::MouseFocusReason);
         QApplication::sendEvent(target, &focus);

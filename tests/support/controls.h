@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QObject>
 #include <QString>
 #include <gtest/gtest.h>
@@ -31,6 +33,18 @@ inline QString enabled(const QObject& window, std::initializer_list<const char*>
         out += found && found->property("enabled").toBool() ? u'1' : u'0';
     }
     return out;
+}
+
+// Keystrokes sent straight to `target`, as typed.
+inline void type(QWidget* target, const QString& text) {
+    for (QChar c : text) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(target, &press);
+    }
+}
+inline void pressKey(QWidget* target, int key) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(target, &press);
 }
 
 } // namespace mms::test
