@@ -34,10 +34,25 @@ protected:
     QToolButton* play = nullptr;
 };
 
-TEST_F(PreviewTest, PlayThenStopSendsTheFourCommandsAndLateReportsChangeNothing) {
+TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
     EXPECT_TRUE(w->isPlaying());
     EXPECT_EQ(play->toolTip(), u"I27"_s);
     EXPECT_EQ(sent(), (QStringList{u"open \"%1\" Alias music"_s.arg(tune), u"play music from 0 notify"_s}));
+    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
+    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
+    EXPECT_TRUE(w->isPlaying());
+    // The successful end is reported on the player's thread and handled on the window's.
+    std::unique_ptr<QThread> player(
+        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); }));
+    player->start();
+    player->wait();
+    EXPECT_TRUE(w->isPlaying());
+    QCoreApplication::processEvents();
+    expectStopped();
+    EXPECT_EQ(sent(), kStopClose);
+
+    play->click();
+    sent();
     play->click();
     // The stop makes the device report an aborted playback, and a late end report may follow.
     for (auto late : {MultimediaDevice::Notify::Aborted, MultimediaDevice::Notify::Successful}) {
@@ -46,21 +61,6 @@ TEST_F(PreviewTest, PlayThenStopSendsTheFourCommandsAndLateReportsChangeNothing)
     }
     EXPECT_EQ(sent(), kStopClose);
     EXPECT_TRUE(fake.dialogs.shown.empty());
-}
-
-TEST_F(PreviewTest, OnlyASuccessfulEndReportedOnTheWindowThreadReturnsTheButtonToPlay) {
-    sent();
-    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
-    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
-    EXPECT_TRUE(w->isPlaying());
-    std::unique_ptr<QThread> player(
-        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); }));
-    player->start();
-    player->wait();
-    EXPECT_TRUE(w->isPlaying()); // not yet: the report waits for the window's event loop
-    QCoreApplication::processEvents();
-    expectStopped();
-    EXPECT_EQ(sent(), kStopClose);
 }
 
 TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreviewAndAnAmrSoundIsNeverPlayed) {

@@ -98,7 +98,7 @@ TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOne) {
     ASSERT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), small);
     EXPECT_TRUE(converted().isEmpty());
-    EXPECT_EQ(labels(), QStringList{test::label(1, 3)});
+    EXPECT_EQ(strip(), u"_3s"_s);
     EXPECT_TRUE(w->isModified());
     // The strip thumbnail and the phone screen keep the picture's 4:1 shape.
     const QImage thumbnail = w->stripModel().thumbnail(1);
