@@ -36,6 +36,11 @@ inline QByteArray padded(QByteArray bytes, qsizetype length) {
     return bytes;
 }
 
+// Colours as a lossy format or a scaled thumbnail gives them back.
+inline bool near(QColor a, QColor b) {
+    return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
+}
+
 // A 1 by 1 red GIF.
 inline QByteArray tinyGif() {
     return QByteArray::fromHex("474946383961010001008000 00ff0000000000 2c00000000010001000002024401003b");

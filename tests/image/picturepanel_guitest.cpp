@@ -10,13 +10,10 @@
 
 using namespace mms;
 using mms::test::ctl;
+using mms::test::near;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool near(QColor a, QColor b) {
-    return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
-}
 
 QColor centre(const QImage& image) {
     return image.pixelColor(image.width() / 2, image.height() / 2);
