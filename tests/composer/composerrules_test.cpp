@@ -1,6 +1,6 @@
+#include "common/workspace.h"
 #include "composer/composertext.h"
 #include "composer/workspacefolders.h"
-#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
