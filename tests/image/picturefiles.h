@@ -2,16 +2,20 @@
 
 #include <QBuffer>
 #include <QImage>
+#include <QImageWriter>
 #include <QRandomGenerator>
 
 namespace mms::test {
 
-inline QByteArray encoded(const QImage& image, const char* format, int quality = -1) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
+inline QByteArray encoded(const QImage& image, const char* format, int quality = -1,
+                          bool progressive = false) {
+    QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format, quality);
-    return bytes;
+    QImageWriter writer(&buffer, format);
+    writer.setQuality(quality);
+    writer.setProgressiveScanWrite(progressive);
+    writer.write(image);
+    return buffer.data();
 }
 
 inline QImage filled(int width, int height, QColor colour) {
