@@ -1,27 +1,14 @@
+#include "app/mmscrun.h"
 #include "store/appfolder.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
 #include <QFileInfo>
-#include <QProcess>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Runs a built program (the composer on the offscreen platform); returns its exit status and
-// standard output followed by standard error.
-std::pair<int, QString> run(const QString& program, const QStringList& args) {
-    QProcess p;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-    p.setProcessEnvironment(environment);
-    p.start(QStringLiteral(MMS_BIN_DIR "/") + program, args);
-    EXPECT_TRUE(p.waitForFinished(60000)) << qPrintable(program) << " did not finish";
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-            QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError())};
-}
 
 TEST(CommandLineTest, OptionsAndExitStatuses) {
     const QString version = mms::programVersion();
@@ -41,17 +28,17 @@ TEST(CommandLineTest, OptionsAndExitStatuses) {
         {u"mms-composer"_s, {u"extra"_s}, 2, u"mms-composer: unknown argument \"extra\""_s},
     };
     for (const auto& c : cases) {
-        const auto [status, output] = run(c.program, c.args);
-        EXPECT_EQ(status, c.status) << qPrintable(c.args.join(u' '));
-        EXPECT_TRUE(output.contains(c.output)) << qPrintable(output);
+        const auto r = mms::test::runProgram(c.program, c.args);
+        EXPECT_EQ(r.exitCode, c.status) << qPrintable(c.args.join(u' '));
+        EXPECT_TRUE((r.out + r.err).contains(c.output)) << qPrintable(r.out + r.err);
     }
 }
 
 TEST(CommandLineTest, ComposerStartsAndQuitsOnItsOwn) {
     const mms::test::TempDir dir;
     const QString home = dir.file(u"new/home"_s);
-    const auto [status, output] = run(u"mms-composer"_s, {u"--home"_s, home, u"--quit-after"_s, u"0"_s});
-    EXPECT_EQ(status, 0) << qPrintable(output);
+    const auto r = mms::test::runProgram(u"mms-composer"_s, {u"--home"_s, home, u"--quit-after"_s, u"0"_s});
+    EXPECT_EQ(r.exitCode, 0) << qPrintable(r.err);
     EXPECT_TRUE(QFileInfo(home + u"/UserData/MMS"_s).isDir());
 }
 

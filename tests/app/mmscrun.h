@@ -12,15 +12,24 @@ struct MmscRun {
     QString out, err;
 };
 
-// Runs the built mmsc as scripts run it: `line` split at spaces, after the words of `prefix`.
-// `inChild` runs in the child before mmsc starts (to set limits or drop privileges).
-inline MmscRun runMmsc(const QStringList& prefix, const QString& line, std::function<void()> inChild = {}) {
+// Runs a built program (the composer on the offscreen platform); -1 when it crashed. `inChild` runs in
+// the child before the program starts (to set limits or drop privileges).
+inline MmscRun runProgram(const QString& program, const QStringList& args,
+                          std::function<void()> inChild = {}) {
     QProcess p;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    p.setProcessEnvironment(environment);
     if (inChild) p.setChildProcessModifier(inChild);
-    p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), prefix + line.split(QLatin1Char(' ')));
-    EXPECT_TRUE(p.waitForFinished(60000)) << "mmsc did not run; is it built?";
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    p.start(QStringLiteral(MMS_BIN_DIR "/") + program, args);
+    EXPECT_TRUE(p.waitForFinished(60000)) << qPrintable(program) << " did not run; is it built?";
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+            QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+}
+
+// Runs mmsc as scripts run it: `line` split at spaces, after the words of `prefix`.
+inline MmscRun runMmsc(const QStringList& prefix, const QString& line, std::function<void()> inChild = {}) {
+    return runProgram(QStringLiteral("mmsc"), prefix + line.split(QLatin1Char(' ')), std::move(inChild));
 }
 
 } // namespace mms::test
