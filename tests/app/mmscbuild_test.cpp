@@ -17,7 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Runs `mmsc build` with --home set to the test's folder.
 class MmscBuild : public ::testing::Test {
 protected:
     MmscBuild() {
@@ -66,10 +65,6 @@ TEST_F(MmscBuild, SaveReplacesTheOldMessageWholeAndExportWritesOnlyTheChosenFile
     // The edited duration is a number and goes into the index bare; the new slide's stays quoted.
     EXPECT_EQ(stored(u"msg.mmt"_s),
               QByteArray("Hello\r\n\"3\",\"I\",\"T\",\"N\"\r\n5,\"N\",\"N\",\"S\"\r\n"));
-    EXPECT_TRUE(stored(u"msg/main.smil"_s).contains("<par dur=\"5s\">"));
-    EXPECT_TRUE(
-        stored(u"msg/texts.xml"_s).contains("<title>Hello</title><file filename=\"text1.txt\">Hi</file>"));
-    EXPECT_EQ(stored(u"msg/sound2.amr"_s), QByteArray(300, 'a'));
 
     media.write(u"out.tpl"_s, "old contents");
     ASSERT_EQ(mmsc(twoSlides + u"--export %2"_s).exitCode, 0);
