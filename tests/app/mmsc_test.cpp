@@ -1,0 +1,172 @@
+#include "app/mmscrun.h"
+#include "image/picturefiles.h"
+#include "package/archivereader.h"
+#include "package/mmsencoder.h"
+#include "package/packagewriter.h"
+#include "sound/midi_testfile.h"
+#include "store/storefixture.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImage>
+
+using namespace mms;
+using namespace mms::test;
+using namespace mms::test::midifile;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The mmsc commands but build, on a home with two stored messages; the composer's working copy of one
+// of them must survive every command.
+class MmscTest : public StoreFixture {
+protected:
+    void SetUp() override {
+        slides.InsertAtBack(SlideDur::fromText(u"3"_s), media(u"p.gif"_s, "GIF89a"), u"a\\b\tc\r\nd"_s, {});
+        slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd-tune"));
+        ASSERT_TRUE(store.save(slides, u"beta"_s, u"Hello"_s).isOk());
+        CSlide none;
+        ASSERT_TRUE(store.save(none, u"Alpha"_s, u"Empty"_s).isOk());
+        ASSERT_TRUE(store.copyToWorkingCopy(u"Alpha"_s).isOk());
+    }
+    // %1 in `line` is the home folder.
+    MmscRun mmsc(const QString& line) {
+        return runMmsc({u"--home"_s, tmp.path()}, QString(line).replace(u"%1"_s, tmp.path()));
+    }
+    // Every line of `lines` fails with `status` and one line on standard error, and changes nothing.
+    void expectRefused(const QStringList& lines, int status = 2) {
+        const auto before = snapshot();
+        for (const QString& line : lines) {
+            const MmscRun r = mmsc(line);
+            EXPECT_EQ(r.exitCode, status) << line.toStdString();
+            EXPECT_TRUE(r.out.isEmpty()) << line.toStdString();
+            EXPECT_TRUE(r.err.startsWith(u"mmsc: "_s) && r.err.count(u'\n') == 1) << r.err.toStdString();
+        }
+        EXPECT_EQ(snapshot(), before);
+    }
+    CSlide slides;
+};
+
+TEST_F(MmscTest, ListAndShowPrintExactLines) {
+    const auto before = snapshot();
+    const auto stamp = [&](const char* name) {
+        return QFileInfo(messages() + u'/' + QLatin1String(name) + u".mmt"_s)
+            .lastModified()
+            .toString(u"yyyy-MM-dd'T'HH:mm:ss"_s);
+    };
+    const std::pair<QString, QString> cases[] = {
+        {u"list"_s, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
+        {u"show beta"_s,
+         u"subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"_s},
+        {u"show Alpha"_s, u"subject: Empty\n"_s}};
+    for (const auto& [args, out] : cases) {
+        const MmscRun r = mmsc(args);
+        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+        EXPECT_EQ(r.out, out);
+    }
+    EXPECT_EQ(snapshot(), before);
+}
+
+TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
+    const auto before = snapshot();
+    tmp.write(u"out.tpl"_s, "old");
+    const MmscRun r = mmsc(u"export beta %1/out.tpl"_s);
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"upload.tpl"_s)));
+    TempDir reference;
+    slides.setfolderpath(QString());
+    slides.setfilename(reference.file(u"upload"_s));
+    ASSERT_TRUE(generateSMIL(slides, reference.path(), u"Hello"_s).isOk());
+    const auto expected = readTar(reference.file(u"upload.tpl"_s));
+    ASSERT_EQ(expected.size(), 4u);
+    EXPECT_EQ(readTar(tmp.file(u"out.tpl"_s)), expected);
+
+    ASSERT_EQ(mmsc(u"mms beta %1/beta.mms"_s).exitCode, 0);
+    QBuffer request;
+    request.open(QIODevice::ReadWrite);
+    ASSERT_TRUE(writeSendRequest(slides, folder(u"beta"_s), u"Hello"_s, request).isOk());
+    EXPECT_EQ(TempDir::read(tmp.file(u"beta.mms"_s)), request.data());
+    EXPECT_TRUE(request.data().contains("MThd-tune"));
+    EXPECT_EQ(snapshot(), before);
+}
+
+TEST_F(MmscTest, BadInputGetsOneLineAndWritesNothing) {
+    const QString pic = folder(u"beta"_s) + u"/pic1.gif"_s;
+    expectRefused({u"list extra"_s, u"show"_s, u"show absent"_s, u"show ../MMS"_s, u"show temp"_s,
+                   u"export absent %1/never.tpl"_s, u"export beta %1"_s, u"export beta %1/no/such.tpl"_s,
+                   u"mms nothere %1/never.mms"_s, u"mms beta %1/never.mms --to nobody"_s,
+                   u"mms beta "_s + pic}); // the target inside the stored message
+    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"never.tpl"_s)) || QFileInfo::exists(tmp.file(u"never.mms"_s)));
+    // A part gone from the stored message fails the request, naming it.
+    QFile::remove(pic);
+    const MmscRun lost = mmsc(u"mms beta %1/lost.mms --to 123"_s);
+    EXPECT_EQ(lost.exitCode, 1);
+    EXPECT_TRUE(lost.err.contains(u"pic1.*"_s)) << lost.err.toStdString();
+    EXPECT_FALSE(QFile::exists(tmp.file(u"lost.mms"_s)));
+}
+
+TEST_F(MmscTest, RenderDrawsEverySlideAndRemovesSlidesOfEarlierRenders) {
+    CSlide card;
+    card.InsertAtBack(SlideDur::fromText(u"3"_s),
+                      media(u"card.gif"_s, encoded(filled(40, 20, Qt::blue), "PNG")), u"Hi"_s, {});
+    card.InsertAtBack(SlideDur::fromNumber(7), {}, {}, {});
+    ASSERT_TRUE(store.save(card, u"card"_s, u"Subject"_s).isOk());
+    tmp.write(u"out/new/slide3.png"_s, "old");
+    tmp.write(u"out/new/notes.txt"_s, "kept");
+    const QString out = tmp.file(u"out/new"_s);
+    const MmscRun run = mmsc(u"render card %1/out/new --scale 2"_s);
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, u"%1/slide1.png\t3\n%1/slide2.png\t7\n"_s.arg(out));
+    EXPECT_EQ(QDir(out).entryList(QDir::Files),
+              (QStringList{u"notes.txt"_s, u"slide1.png"_s, u"slide2.png"_s}));
+    const QImage first(out + u"/slide1.png"_s), second(out + u"/slide2.png"_s);
+    EXPECT_EQ(first.size(), QSize(320, 280));
+    EXPECT_EQ(first.pixel(160, 110), qRgb(0, 0, 255)); // the picture in the middle of its region
+    EXPECT_EQ(second.pixel(160, 110), qRgb(255, 255, 255));
+
+    expectRefused({u"render card"_s, u"render card %1/x --scale 0"_s, u"render card %1/x --scale"_s,
+                   u"render a/b %1/x"_s});
+    expectRefused({u"render nothing %1/x"_s}, 1);
+    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"x"_s)));
+}
+
+TEST_F(MmscTest, ProbeMidiAndCropPrintExactLines) {
+    const QString gif = tmp.write(u"a.gif"_s, QByteArray::fromHex("474946383961 2c01 c800 f7"));
+    MmscRun r = mmsc(u"probe %1/a.gif %1/none.png"_s);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.out, u"1\t1\t300\t200\t8\t%1\n0\t0\t0\t0\t0\t%2\n"_s.arg(gif, tmp.file(u"none.png"_s)));
+    EXPECT_TRUE(r.err.contains(u"none.png"_s));
+
+    Track meta;
+    meta.tempo(500000).timeSig(3, 2);
+    Track notes;
+    notes.program(1, 19).note(0, 480, 1, 60).note(0, 480, 1, 62).note(0, 480, 1, 64).note(0, 1920, 1, 65);
+    tmp.write(u"t.mid"_s, midiFile(480, {meta, notes}));
+    r = mmsc(u"midi %1/t.mid"_s);
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out,
+              QStringLiteral("decoded: 1\nticks_per_quarter: 480\ntempo_bpm: 120\nsec_per_quarter: 0.500000\n"
+                             "time_signature: 3/4\nbar_whole_notes: 0.750000\ntune_length: 3.000000\n"
+                             "channel 1 program 19 bars 2: 4C5 4D5 4E5 | 1F5\n"));
+
+    EXPECT_EQ(mmsc(u"crop %1/t.mid 0.5 1.0s %1/c.mid"_s).exitCode, 0);
+    EXPECT_TRUE(mmsc(u"midi %1/c.mid"_s).out.endsWith(u"bars 1: 4D5\n"_s));
+    r = mmsc(u"crop %1/t.mid 0 3.5 %1/d.mid"_s); // past the tune's end
+    EXPECT_NE(r.exitCode, 0);
+    EXPECT_FALSE(r.err.isEmpty());
+    EXPECT_FALSE(QFile::exists(tmp.file(u"d.mid"_s)));
+}
+
+TEST_F(MmscTest, JpegConvertsAnySizeAndWritesNothingForBadInput) {
+    tmp.write(u"big.bmp"_s, encoded(noise(600, 600), "BMP"));
+    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp %1/out.jpg"_s).exitCode, 0);
+    EXPECT_GT(QFileInfo(tmp.file(u"out.jpg"_s)).size(), 102400); // no size limit here
+    tmp.write(u"text.gif"_s, "no picture");
+    const MmscRun r = mmsc(u"jpeg %1/text.gif %1/no.jpg"_s);
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_TRUE(r.err.contains(u"text.gif"_s)) << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(tmp.file(u"no.jpg"_s)));
+    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp"_s).exitCode, 2);
+}
+
+} // namespace
