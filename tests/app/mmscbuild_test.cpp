@@ -1,7 +1,6 @@
 #include "app/mmscrun.h"
 #include "image/picturefiles.h"
 #include "package/archivereader.h"
-#include "store/messagestore.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -112,7 +111,6 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoWritingNothing) {
                              "--text early --save m",
                              "--slide --colour red",
                              "--slide extra",
-                             "--slide --save temp",
                              "--slide --save a/b",
                              "--slide --save m --export %2",
                              "--slide --export %1",
@@ -158,11 +156,4 @@ TEST_F(MmscBuild, AFullDiskAndAReadOnlyFolderAreNamed) {
         });
     EXPECT_EQ(denied.exitCode, 2);
     EXPECT_TRUE(denied.err.contains(u"Permission denied"_s)) << denied.err.toStdString();
-}
-
-TEST(MessageName, IsOnePlainNameOtherThanTheWorkingCopy) {
-    for (const char* good : {"msg", "My message", ".hidden", "a.b", "Grüße", "temp2"})
-        EXPECT_TRUE(isValidMessageName(QString::fromUtf8(good))) << good;
-    for (const char* bad : {"", ".", "..", "temp", "TEMP", "a/b", "a\\b", "tab\there", "nl\n"})
-        EXPECT_FALSE(isValidMessageName(QString::fromUtf8(bad))) << bad;
 }

@@ -77,6 +77,8 @@ TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
 TEST_F(MessageStoreTest, RemoveAndHostileNames) {
     ASSERT_TRUE(store.save(slides, u"a"_s, {}).isOk());
     ASSERT_TRUE(store.save(slides, u"b"_s, {}).isOk());
+    for (const QString& name : {u"My message"_s, u"a.b"_s, u"Grüße"_s, u"temp2"_s})
+        EXPECT_TRUE(store.save(CSlide(), name, {}).isOk() && store.exists(name)) << name.toStdString();
     const QString outside = tmp.write(u"UserData/keep.mmt"_s, "keep");
     const auto before = snapshot();
     for (const QString& name : {QString(), u"."_s, u".."_s, u"../keep"_s, u"a\\b"_s, u"temp"_s, u"TEMP"_s,
