@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QSettings>
 #include <QStyleFactory>
 #include <cstdio>
 #include <cstdlib>
@@ -74,6 +75,7 @@ int main(int argc, char** argv) {
     const bool hasDisplay = onScreen();
     QApplication::setApplicationName(QStringLiteral("MMS Composer"));
     QApplication::setOrganizationName(QStringLiteral("Morvane"));
+    QApplication::setApplicationVersion(QStringLiteral(MMS_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("mms-composer"));
     if (QStyle* fusion = QStyleFactory::create(QStringLiteral("Fusion"))) QApplication::setStyle(fusion);
 
@@ -118,6 +120,10 @@ int main(int argc, char** argv) {
     if (!home.isEmpty()) QDir().mkpath(options.appFolder);
     options.languageFolder = mms::programFolder();
     options.languageCode = languageCode;
+    // Window state and recent messages: the user's "Morvane/MMS Composer" settings.
+    options.settingsFile = QSettings(QSettings::IniFormat, QSettings::UserScope, QApplication::organizationName(),
+                                     QApplication::applicationName())
+                               .fileName();
 
     auto window = std::make_unique<mms::frmMMSMain>(platform, localisation, options);
     dialogs.setParentWidget(window.get());
@@ -137,6 +143,7 @@ int main(int argc, char** argv) {
         return kStartFailed;
     }
     window->show();
+    window->offerDraftRestore();
     const int status = QApplication::exec();
     window.reset();
     return status;

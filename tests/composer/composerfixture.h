@@ -24,9 +24,9 @@ namespace mms::test {
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 70; ++i) {
-        if (i < 12) t.prompts << QStringLiteral("P%1").arg(i);
-        if (i < 32) t.errors << QStringLiteral("E%1").arg(i);
+    for (int i = 0; i < 100; ++i) {
+        if (i < 20) t.prompts << QStringLiteral("P%1").arg(i);
+        if (i < 40) t.errors << QStringLiteral("E%1").arg(i);
         t.interface << QStringLiteral("I%1").arg(i);
     }
     return t;

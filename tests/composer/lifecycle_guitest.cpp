@@ -33,7 +33,7 @@ protected:
 };
 
 TEST_F(LifecycleTest, FirstStartShowsTheFiltersFoldersAndAnEmptyMessage) {
-    EXPECT_EQ(w->windowTitle(), u"I0 - I1"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
     PicturePanel& pictures = *ctl<PicturePanel>(w, "picturePanel");
     SoundPanel& sounds = *ctl<SoundPanel>(w, "soundPanel");
     EXPECT_EQ(comboEntries(ctl<QComboBox>(pictures, "imgTypeCombo")),

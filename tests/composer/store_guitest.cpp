@@ -51,7 +51,7 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     ctl<QAction>(w, "mnu_save")->trigger(); // never saved: Save behaves as Save as
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P8")});
     EXPECT_TRUE(stored(QStringLiteral("old")));
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - old"));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - old[*]"));
     EXPECT_FALSE(w->isModified());
 
     typeText(QStringLiteral("!"));
@@ -109,7 +109,7 @@ TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
     EXPECT_EQ(fake.dialogs.modalRuns, 1);
     EXPECT_TRUE(w->message().IsEmpty());
     EXPECT_EQ(w->stripModel().count(), 0);
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - I1"));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - I1[*]"));
     EXPECT_FALSE(w->isModified());
     EXPECT_FALSE(ctl<QToolButton>(w, "ffCmd")->isEnabled() || ctl<QAction>(w, "sendback")->isEnabled());
 }
@@ -133,7 +133,7 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     EXPECT_TRUE(w->message().lastItem()->DataSoundPath.startsWith(workingCopy));
     EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), QStringLiteral("A"));
     EXPECT_FALSE(w->isModified());
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - trip"));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("I0 - trip[*]"));
 
     pick(2);
     EXPECT_EQ(ctl<QLabel>(w, "lblSoundName")->text(), QStringLiteral("trip-sound2.mid"));

@@ -109,6 +109,10 @@ void SoundPanel::setLibraryFolder(const QString& folder) {
     soundDirPath->setText(folder);
 }
 
+QString SoundPanel::libraryFolder() const {
+    return soundDirPath->text();
+}
+
 void SoundPanel::fillTypeCombo() {
     const Localisation& loc = loc_;
     {
@@ -227,7 +231,10 @@ void SoundPanel::fileBoxSound_Click() {
 
 void SoundPanel::chgSoundCmd_Click() {
     const QString path = selectedFilePath();
-    if (path.isEmpty()) return;
+    if (!path.isEmpty()) attachSoundFile(path);
+}
+
+void SoundPanel::attachSoundFile(const QString& path) {
     Dialogs& dialogs = platform_.dialogs;
     const Localisation& loc = loc_;
     QFile file(path);

@@ -33,6 +33,7 @@ public:
     // Start-up, in the composer's order: the library folder shown, then the type list filled; the
     // file list gets a pattern and the folder, and entry 0 is chosen, which applies its pattern.
     void setLibraryFolder(const QString& folder);
+    QString libraryFolder() const;
     void fillTypeCombo();
 
     // The file list fileBoxSound: a folder, a pattern ("*.amr;*.mid") and the matching names,
@@ -54,6 +55,9 @@ public:
     void soundTypeCombo_Click();
     void fileBoxSound_Click();
     void chgSoundCmd_Click();
+    // The attach command's rules for any sound file (a file dropped on the composer, say): one that
+    // cannot be read or is too large is refused with its message; any other is handed on.
+    void attachSoundFile(const QString& path);
     void cropCmd_Click();
     // Attach and crop rest until a file is clicked again (the composer's slide panel reset).
     void disableFileCommands();
