@@ -311,6 +311,7 @@ private:
     // History helpers. Steps are recorded after their command changed the message, and only for the
     // user's own commands: showing a slide or replaying the history records nothing.
     void buildEditMenu();
+    void routeHistoryKeys();
     void updateHistoryCaptions();
     bool recording() const { return !showingSlide_ && !replayingHistory_; }
     void record(QUndoCommand* step);

@@ -81,6 +81,7 @@ void frmMMSMain::buildUi() {
     resize(1020, 660);
     buildMediaActions();
     installDropTargets();
+    routeHistoryKeys();
 }
 
 void frmMMSMain::buildMenus() {

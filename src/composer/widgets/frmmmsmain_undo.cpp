@@ -14,12 +14,45 @@
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QScopedValueRollback>
 #include <QUndoStack>
 
 namespace mms {
+
+namespace {
+
+// The text boxes keep their own undo for typing; the Edit menu's keys must reach the message's
+// history instead, so the boxes are not offered them first.
+class HistoryKeysFilter final : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride) return false;
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const QKeySequence typed(key->keyCombination());
+        for (const QKeySequence& history : {QKeySequence(QKeySequence::Undo), QKeySequence(QKeySequence::Redo),
+                                            QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z),
+                                            QKeySequence(Qt::CTRL | Qt::Key_Y)}) {
+            if (typed == history) return true;
+        }
+        return false;
+    }
+};
+
+} // namespace
+
+void frmMMSMain::routeHistoryKeys() {
+    auto* filter = new HistoryKeysFilter(this);
+    txtText->installEventFilter(filter);
+    txtSlideDur->installEventFilter(filter);
+}
 
 void frmMMSMain::buildEditMenu() {
     edit = menuBar()->addMenu(QString());
