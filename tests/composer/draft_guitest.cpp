@@ -1,0 +1,141 @@
+// The draft: kept while there are unsaved changes, restored after a killed composer, removed when
+// the changes are saved or given up, set aside when damaged.
+#include "composer/draftstore.h"
+#include "composerfixture.h"
+#include "support/controls.h"
+
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <cstdio>
+
+using namespace mms;
+using namespace mms::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const char kHomeVariable[] = "MMS_DRAFT_CHILD_HOME";
+
+class DraftTest : public ComposerTest {
+protected:
+    bool draftExists() const { return DraftStore(home.path()).exists(); }
+};
+
+} // namespace
+
+// The composer of the test below: it edits a message, waits for its draft, then keeps running
+// until it is killed. Skipped unless started by that test.
+TEST(DraftChild, EditsAMessageAndRunsUntilKilled) {
+    const QString home = qEnvironmentVariable(kHomeVariable);
+    if (home.isEmpty()) GTEST_SKIP() << "runs as the child of DraftTest.AKilledComposerLeavesADraftToRestore";
+    FakePlatform fake;
+    Localisation loc;
+    loc.setTexts(numberedTexts());
+    frmMMSMain::Options options;
+    options.appFolder = home;
+    options.draftDelayMs = 20;
+    frmMMSMain w(fake.platform, loc, options);
+    ASSERT_TRUE(w.Form_Load().isOk());
+    w.addCmd_Click();
+    w.attachToCurrentSlide(u"imgPath"_s, home + u"/UserData/Picture/p.bmp"_s);
+    w.txtText_Click();
+    ctl<QPlainTextEdit>(w, "txtText")->setPlainText(u"Hello"_s);
+    w.addCmd_Click();
+    w.attachToCurrentSlide(u"soundPath"_s, home + u"/UserData/Sound/t.mid"_s);
+    ctl<QLineEdit>(w, "txtSlideDur")->setText(u"7"_s);
+    for (const QDeadlineTimer d(20000); !DraftStore(home).exists() && !d.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    std::printf("DRAFT-WRITTEN\n");
+    std::fflush(stdout);
+    QEventLoop().exec();
+}
+
+TEST_F(DraftTest, AKilledComposerLeavesADraftToRestore) {
+    const QString picture = savePicture(u"UserData/Picture/p.bmp"_s, Qt::red);
+    home.write(u"UserData/Sound/t.mid"_s, "MThd");
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QLatin1String(kHomeVariable), home.path());
+    child.setProcessEnvironment(env);
+    child.start(QCoreApplication::applicationFilePath(), {u"--gtest_filter=DraftChild.*"_s});
+    QByteArray output;
+    for (const QDeadlineTimer d(30000); !output.contains("DRAFT-WRITTEN") && child.waitForReadyRead(d.remainingTime());)
+        output += child.readAllStandardOutput();
+    ASSERT_TRUE(output.contains("DRAFT-WRITTEN")) << output.toStdString();
+    child.kill(); // SIGKILL: nothing of the composer's own shutdown runs
+    child.waitForFinished();
+    EXPECT_EQ(child.exitStatus(), QProcess::CrashExit);
+
+    // The next start offers the draft; Yes gives the message back as it was, still unsaved.
+    w.reset();
+    start();
+    fake.dialogs.answers.push_back(Answer::Yes);
+    w->offerDraftRestore();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P12"_s});
+    ASSERT_EQ(order(), u"Hello_"_s);
+    EXPECT_EQ(w->message().nodeAt(1)->DataImgPath, picture);
+    EXPECT_EQ(w->message().nodeAt(2)->DataSoundPath, home.file(u"UserData/Sound/t.mid"_s));
+    EXPECT_EQ(labels(), (QStringList{label(1, 3), label(2, 7)}));
+    EXPECT_NE(w->stripModel().thumbnail(1), w->stripModel().thumbnail(2)); // the picture's, a blank one
+    EXPECT_EQ(w->selectedSlide(), 2);
+    EXPECT_TRUE(w->isModified() && w->isWindowModified());
+    EXPECT_EQ(w->history().count(), 0);
+}
+
+TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
+    addSlides(u"A"_s);
+    w->flushDraft();
+    ASSERT_TRUE(draftExists());
+    w->messageState().currentFile = u"kept"_s;
+    w->mnu_save_Click();
+    w->flushDraft();
+    EXPECT_FALSE(draftExists());
+
+    typeText(u"!"_s);
+    w->flushDraft();
+    ASSERT_TRUE(draftExists());
+    w->mnu_new_Click();
+    w->flushDraft();
+    EXPECT_FALSE(draftExists());
+
+    addSlides(u"B"_s);
+    w->flushDraft();
+    ASSERT_TRUE(draftExists());
+    bool cancel = false;
+    fake.dialogs.answers.push_back(Answer::No); // close without saving: the changes are given up
+    w->Form_QueryUnload(cancel);
+    w->flushDraft();
+    EXPECT_FALSE(cancel || draftExists());
+
+    // A draft declined at start-up goes; nothing is written over one not yet offered.
+    const QByteArray left = encodeDraft(Draft{{}, {}, 0, {}});
+    ASSERT_TRUE(DraftStore(home.path()).write(left).isOk());
+    w.reset();
+    start();
+    addSlides(u"C"_s);
+    w->flushDraft();
+    EXPECT_EQ(TempDir::read(DraftStore(home.path()).path()), left);
+    fake.dialogs.answers.push_back(Answer::No);
+    w->offerDraftRestore();
+    w->flushDraft();
+    EXPECT_FALSE(draftExists());
+}
+
+TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
+    ASSERT_TRUE(DraftStore(home.path()).write("{ not a draft").isOk());
+    w->offerDraftRestore();
+    ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E32"_s});
+    EXPECT_FALSE(draftExists());
+    EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
+
+    const Draft draft{u"trip"_s, u"Hi"_s, 1, {SlideContent{SlideDur::fromNumber(4), home.file(u"gone.bmp"_s), u"T"_s, {}}}};
+    ASSERT_TRUE(DraftStore(home.path()).write(encodeDraft(draft)).isOk());
+    fake.dialogs.shown.clear();
+    fake.dialogs.answers.push_back(Answer::Yes);
+    w->offerDraftRestore();
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E35"_s}));
+    EXPECT_EQ(order(), u"T"_s);
+    EXPECT_TRUE(w->message().nodeAt(1)->DataImgPath.isEmpty());
+    EXPECT_EQ(w->messageState().currentFile + w->messageState().txtsubject, u"tripHi"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
+}
