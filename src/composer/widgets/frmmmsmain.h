@@ -312,6 +312,7 @@ private:
     // user's own commands: showing a slide or replaying the history records nothing.
     void buildEditMenu();
     void routeHistoryKeys();
+    void afterReplay();
     void updateHistoryCaptions();
     bool recording() const { return !showingSlide_ && !replayingHistory_; }
     void record(QUndoCommand* step);

@@ -91,7 +91,7 @@ void frmMMSMain::mnu_undo_Click() {
         const QScopedValueRollback replaying(replayingHistory_, true);
         undoStack_->undo();
     }
-    scheduleDraft();
+    afterReplay();
 }
 
 void frmMMSMain::mnu_redo_Click() {
@@ -100,6 +100,12 @@ void frmMMSMain::mnu_redo_Click() {
         const QScopedValueRollback replaying(replayingHistory_, true);
         undoStack_->redo();
     }
+    afterReplay();
+}
+
+void frmMMSMain::afterReplay() {
+    // Typing goes on where the step left the text box, not in front of its hint.
+    if (txtText->hasFocus() && !IsEmpty()) txtText_Click();
     scheduleDraft();
 }
 
