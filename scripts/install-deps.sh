@@ -10,9 +10,10 @@ packages=(
   libfluidsynth-dev fluid-soundfont-gm
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth
-  clang-14 libclang-rt-14-dev
+  clang-14 libclang-rt-14-dev clang-format
   python3-mido imagemagick
   libsmf-dev
+  desktop-file-utils appstream lintian man-db
 )
 
 missing=()

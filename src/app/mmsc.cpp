@@ -2,6 +2,7 @@
 
 #include "store/appfolder.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <map>
 
@@ -15,17 +16,68 @@ std::map<QString, CommandInfo>& registry() {
 
 void printHelp(QTextStream& out) {
     out << "Usage: mmsc [--home DIR] COMMAND [ARGS]\n"
+           "       mmsc --help | --version\n"
            "A command-line front end of the MMS composer for scripted and batch use.\n\n"
-           "  --home DIR   the application folder holding UserData/ and Temp/ (default: $MMS_COMPOSER_HOME,\n"
-           "               else the folder of the executable)\n\n"
+           "  --home DIR     the application folder holding UserData/ and Temp/ (default: "
+           "$MMS_COMPOSER_HOME,\n"
+           "                 else the folder of the executable in a build folder or portable copy, else\n"
+           "                 the user's data folder ~/.local/share/Morvane/mms-composer, as the composer)\n"
+           "  -h, --help     prints this help\n"
+           "  -v, --version  prints the version\n\n"
            "Commands:\n";
-    for (const auto& [name, info] : registry()) out << info.usage << "\n";
+    for (const auto& [name, info] : registry())
+        out << info.usage << "\n";
     out << "Bad input gets a one-line message on stderr and exit status 2.\n";
+}
+
+// The parser's message without its closing full stop, and where to look.
+QString usageError(const QCommandLineParser& parser) {
+    QString text = parser.errorText();
+    if (text.endsWith(QLatin1Char('.'))) text.chop(1);
+    return text + QStringLiteral(" (see mmsc --help)");
+}
+
+// Global options come before the command; what follows the command is the command's own.
+int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QString());
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")}, QString());
+    const QCommandLineOption home(QStringLiteral("home"), QString(), QStringLiteral("DIR"));
+    parser.addOptions({help, version, home});
+
+    Context context{QString(), QString(), out, err};
+    if (!parser.parse(arguments)) return fail(context, usageError(parser));
+    if (parser.isSet(help)) {
+        printHelp(out);
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        out << "mmsc " << programVersion() << "\n";
+        return 0;
+    }
+    QStringList args = parser.positionalArguments();
+    if (args.isEmpty()) {
+        printHelp(err);
+        return kUsageError;
+    }
+    const ProgramFolders folders = chooseProgramFolders(currentPlacement(parser.value(home)));
+    if (folders.appFolder.isEmpty())
+        return fail(context, QStringLiteral("no folder for the workspace: set HOME, or give --home DIR"));
+    context.home = folders.appFolder;
+    context.languageFolder = folders.languageFolder;
+
+    const QString name = args.takeFirst();
+    const auto found = registry().find(name);
+    if (found == registry().end())
+        return fail(context, QStringLiteral("unknown command '%1' (see mmsc --help)").arg(name));
+    return found->second.run(context, args);
 }
 } // namespace
 
 Registrar::Registrar(const char* name, const char* usage, Command run) {
-    registry()[QString::fromLatin1(name)] = {QString::fromLatin1(name), QString::fromUtf8(usage), std::move(run)};
+    registry()[QString::fromLatin1(name)] = {QString::fromLatin1(name), QString::fromUtf8(usage),
+                                             std::move(run)};
 }
 
 int fail(Context& context, const QString& message) {
@@ -37,21 +89,10 @@ int fail(Context& context, const QString& message) {
 
 int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
+    mms::setProgramIdentity();
     QTextStream out(stdout);
     QTextStream err(stderr);
-    QStringList args = app.arguments().mid(1);
-    const QString home = mms::takeHomeOption(args);
-    mms::cli::Context context{mms::resolveAppFolder(home), out, err};
-
-    if (args.isEmpty() || args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h")) {
-        mms::cli::printHelp(args.isEmpty() ? err : out);
-        return args.isEmpty() ? mms::cli::kUsageError : 0;
-    }
-    const QString name = args.takeFirst();
-    const auto found = mms::cli::registry().find(name);
-    if (found == mms::cli::registry().end())
-        return mms::cli::fail(context, QStringLiteral("unknown command '%1' (see mmsc --help)").arg(name));
-    const int status = found->second.run(context, args);
+    const int status = mms::cli::run(QCoreApplication::arguments(), out, err);
     out.flush();
     err.flush();
     return status;

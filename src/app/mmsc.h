@@ -7,9 +7,11 @@
 
 namespace mms::cli {
 
-// What every mmsc command gets: the application folder and its output streams.
+// What every mmsc command gets: the application folder, the folder of the language files and the
+// output streams.
 struct Context {
     QString home;
+    QString languageFolder;
     QTextStream& out;
     QTextStream& err;
 };

@@ -1,14 +1,14 @@
 #include "package/packagewriter.h"
 
+#include "common/workspace.h"
 #include "package/tararchive.h"
 #include "package/utf8.h"
-#include "common/workspace.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QTemporaryDir>
 #include <vector>
 
 namespace mms {
@@ -102,8 +102,7 @@ struct Package {
     QByteArray smil;
     QByteArray texts;
     QByteArray index;
-    QStringList members;                                    // archive order: main.smil, texts.xml, media
-    std::vector<std::pair<QString, QString>> copies;        // source path, member name
+    std::vector<std::pair<QString, QString>> copies;        // source path, member name, in archive order
     std::vector<std::pair<QString, QByteArray>> slideTexts; // "text" + N + ".txt", UTF-8 bytes
 };
 
@@ -115,13 +114,11 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
                              "         <region id=\"Text\" height=\"20\" width=\"160\" top=\"110\"/>",
                              "     </layout>", "     </head>", " ", "     <body>"})
         line(p.smil, QLatin1String(head));
-    p.members << QStringLiteral("main.smil");
 
     // An empty subject gives an empty title element.
     p.texts = "<?xml version=\"1.0\" encoding=\"utf-8\"?><mms-text-files>    <message>        <title>";
     p.texts += toUtf8Bytes(subject);
     p.texts += "</title>";
-    p.members << QStringLiteral("texts.xml");
 
     line(p.index, subject);
     int n = 0;
@@ -136,7 +133,6 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
             line(p.smil, QStringLiteral("             <%1 src=\"%2\" region=\"Image\"/>")
                              .arg(pic.video ? QStringLiteral("video") : QStringLiteral("img"), pic.name));
             p.copies.emplace_back(node->DataImgPath, pic.name);
-            p.members << pic.name;
             picFlag = "I";
         }
         if (!node->DataText.isEmpty()) {
@@ -151,7 +147,6 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
             const QString name = soundMember(node->DataSoundPath, n);
             line(p.smil, QStringLiteral("             <audio src = \"%1\"/>").arg(name));
             p.copies.emplace_back(node->DataSoundPath, name);
-            p.members << name;
             soundFlag = "S";
         }
         line(p.smil, QStringLiteral("         </par>"));
@@ -207,28 +202,30 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
     return result;
 }
 
-// Export mode. The loose members are staged in a private folder inside A rather than in A itself,
-// so that no file of the user's that happens to be called main.smil or pic1.gif is overwritten or
-// deleted; the staging folder goes away on success and on failure alike. The archive is renamed
-// into place only when complete.
-Status writeExported(const Package& p, const QString& appFolder, const QString& archiveBase) {
+// Export mode. The members go into the archive straight from memory and from their sources, each
+// dated now as a freshly written copy would be; no loose file is written, so no file of the user's
+// that happens to be called main.smil or pic1.gif is ever touched. The archive is renamed into place
+// only when complete.
+Status writeExported(const Package& p, const QString& archiveBase) {
     if (archiveBase.isEmpty())
         return cannotWrite(QStringLiteral(".tpl"), QStringLiteral("no archive name was given"));
-    const QString archivePath = archiveBase + QStringLiteral(".tpl");
-    QTemporaryDir staging(appFolder + QStringLiteral("/.upload-XXXXXX"));
-    if (!staging.isValid()) return cannotWrite(appFolder, staging.errorString());
-    if (Status s = writeMembers(p, staging.path()); !s) return s;
-    QStringList paths;
-    for (const QString& member : p.members)
-        paths << staging.filePath(member);
-    return writeTarArchive(archivePath, paths);
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    std::vector<TarMember> members{{QStringLiteral("main.smil"), p.smil, now},
+                                   {QStringLiteral("texts.xml"), p.texts, now}};
+    for (const auto& [source, member] : p.copies) {
+        QFile in(source);
+        if (!in.open(QIODevice::ReadOnly)) return cannotRead(source, in.errorString());
+        members.push_back({member, in.readAll(), now});
+        if (in.error() != QFileDevice::NoError) return cannotRead(source, in.errorString());
+    }
+    return writeTarArchive(archiveBase + QStringLiteral(".tpl"), members);
 }
 
 } // namespace
 
 Status generateSMIL(const CSlide& slides, const QString& appFolder, const QString& subject) {
     const Package package = buildPackage(slides, subject);
-    if (slides.folderPath().isEmpty()) return writeExported(package, appFolder, slides.fileName());
+    if (slides.folderPath().isEmpty()) return writeExported(package, slides.fileName());
     return writeStored(package, appFolder, slides.folderPath(), subject);
 }
 

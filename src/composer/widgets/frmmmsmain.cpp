@@ -1,7 +1,6 @@
 #include "composer/widgets/frmmmsmain.h"
 
 #include "common/localisation.h"
-#include "common/widgets/sizecombo.h"
 #include "common/workspace.h"
 #include "composer/composertext.h"
 #include "composer/draftstore.h"
@@ -242,20 +241,6 @@ void frmMMSMain::closeEvent(QCloseEvent* event) {
 
 void frmMMSMain::mnu_exit_Click() {
     close();
-}
-
-int frmMMSMain::SizeCombo(QComboBox* combo) {
-    return mms::SizeCombo(combo);
-}
-
-QString frmMMSMain::extractFileName(const QString& path) {
-    return CSlide::extractFileName(path);
-}
-QString frmMMSMain::extractFileType(const QString& path) {
-    return CSlide::extractFileType(path);
-}
-QString frmMMSMain::removeTxtOccurrence(const QString& text, const QString& find) {
-    return mms::removeTxtOccurrence(text, find);
 }
 
 bool frmMMSMain::eventFilter(QObject* watched, QEvent* event) {

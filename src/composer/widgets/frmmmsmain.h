@@ -95,13 +95,6 @@ public:
     // Runs when the window really closes: stops a preview and removes the end-of-playback hook.
     void Form_Unload();
 
-    // Widens the drop-down list of `combo` so that its longest entry fits (at least 10 pixels);
-    // returns that width.
-    static int SizeCombo(QComboBox* combo);
-    // The window's path helpers: the part after the last separator, the part after the last dot.
-    static QString extractFileName(const QString& path);
-    static QString extractFileType(const QString& path);
-    static QString removeTxtOccurrence(const QString& text, const QString& find);
 
     // --- File menu ---
     void mnu_new_Click();

@@ -9,10 +9,10 @@
 #include "composer/widgets/frmmmsmain.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
+#include "store/appfolder.h"
 #include "store/messagestore.h"
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
@@ -186,7 +186,7 @@ void frmMMSMain::mnu_about_Click() {
     const QString text =
         QStringLiteral("<p><b>%1</b><br>%2</p><p>%3</p><table>%4</table>")
             .arg(I(0).toHtmlEscaped(),
-                 I(texts::kAboutVersion).replace(QStringLiteral("%1"), QCoreApplication::applicationVersion()).toHtmlEscaped(),
+                 I(texts::kAboutVersion).replace(QStringLiteral("%1"), programVersion()).toHtmlEscaped(),
                  I(texts::kAboutLibraries).toHtmlEscaped(), rows);
     platform_.dialogs.show(Message{text, I(texts::kAbout), Buttons::Ok, Icon::Information});
 }
