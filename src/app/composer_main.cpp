@@ -173,8 +173,8 @@ int main(int argc, char** argv) {
     options.languageFolder = folders.languageFolder;
     options.languageCode = start.languageCode;
     // Window state and recent messages: the user's settings of the program.
-    options.settingsFile = QSettings(QSettings::IniFormat, QSettings::UserScope, QApplication::organizationName(),
-                                     QApplication::applicationName())
+    options.settingsFile = QSettings(QSettings::IniFormat, QSettings::UserScope,
+                                     QApplication::organizationName(), QApplication::applicationName())
                                .fileName();
 
     auto window = std::make_unique<mms::frmMMSMain>(platform, localisation, options);

@@ -31,7 +31,7 @@ inline constexpr int kStepMoveSlide = 82;
 inline constexpr int kMenuOpenRecent = 83;
 inline constexpr int kMenuHelp = 84;
 inline constexpr int kAbout = 85;
-inline constexpr int kAboutVersion = 86;   // %1: the version
+inline constexpr int kAboutVersion = 86; // %1: the version
 inline constexpr int kAboutLibraries = 87;
 inline constexpr int kAboutSoundFont = 88; // %1: the sound font's name
 

@@ -50,7 +50,8 @@ std::optional<SlideContent> slideFrom(const QJsonValue& v) {
     const std::optional<SlideDur> duration = durationFrom(o.value(QLatin1String("duration")));
     if (!duration) return std::nullopt;
     return SlideContent{*duration, o.value(QLatin1String("picture")).toString(),
-                        o.value(QLatin1String("text")).toString(), o.value(QLatin1String("sound")).toString()};
+                        o.value(QLatin1String("text")).toString(),
+                        o.value(QLatin1String("sound")).toString()};
 }
 
 Status fileError(const QString& path, const QString& what) {
@@ -67,12 +68,10 @@ QByteArray encodeDraft(const Draft& draft) {
                                   {QStringLiteral("text"), s.text},
                                   {QStringLiteral("sound"), s.sound}});
     }
-    const QJsonObject root{{QStringLiteral("format"), kFormat},
-                           {QStringLiteral("version"), kVersion},
-                           {QStringLiteral("name"), draft.currentFile},
-                           {QStringLiteral("subject"), draft.subject},
-                           {QStringLiteral("current"), draft.current},
-                           {QStringLiteral("slides"), slides}};
+    const QJsonObject root{
+        {QStringLiteral("format"), kFormat},         {QStringLiteral("version"), kVersion},
+        {QStringLiteral("name"), draft.currentFile}, {QStringLiteral("subject"), draft.subject},
+        {QStringLiteral("current"), draft.current},  {QStringLiteral("slides"), slides}};
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
@@ -93,8 +92,10 @@ std::optional<Draft> decodeDraft(const QByteArray& bytes, QString* error) {
     if (!stringsOnly(root, {"name", "subject"}) || slides.size() > CSlide::kMaxSlides || current < 0 ||
         current > slides.size())
         return fail("the message fields are damaged");
-    Draft draft{root.value(QLatin1String("name")).toString(), root.value(QLatin1String("subject")).toString(),
-                static_cast<qint16>(current), {}};
+    Draft draft{root.value(QLatin1String("name")).toString(),
+                root.value(QLatin1String("subject")).toString(),
+                static_cast<qint16>(current),
+                {}};
     for (const QJsonValue& v : slides) {
         std::optional<SlideContent> slide = slideFrom(v);
         if (!slide) return fail("a slide is damaged");

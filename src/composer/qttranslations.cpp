@@ -39,7 +39,8 @@ bool QtTranslations::install(int langIndex) {
     const QString locale = qtLocaleName(langIndex);
     if (locale.isEmpty()) return false;
     // "qt_<locale>" gathers the catalogues of every Qt module the program uses.
-    if (!translator_->load(QStringLiteral("qt_") + locale, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    if (!translator_->load(QStringLiteral("qt_") + locale,
+                           QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         return false;
     installed_ = QCoreApplication::installTranslator(translator_.get());
     return installed_;

@@ -10,12 +10,12 @@ namespace mms {
 
 // What the composer keeps from one run to the next.
 struct RememberedState {
-    QByteArray geometry;  // the window's
-    QByteArray splitter;  // the sizes of the strip, slide and library columns
+    QByteArray geometry; // the window's
+    QByteArray splitter; // the sizes of the strip, slide and library columns
     QString pictureFolder;
     QString soundFolder;
-    int tab = 0;          // the library tab shown
-    QStringList recent;   // stored messages, the last used first
+    int tab = 0;        // the library tab shown
+    QStringList recent; // stored messages, the last used first
 };
 
 inline constexpr int kRecentLimit = 8;

@@ -17,7 +17,8 @@ ChangeSlideStep::ChangeSlideStep(SlideEditTarget& target, const QString& text, q
 
 bool ChangeSlideStep::mergeWith(const QUndoCommand* other) {
     const auto* next = dynamic_cast<const ChangeSlideStep*>(other);
-    if (!next || next->burst_ != burst_ || burst_ == Burst::None || next->position_ != position_) return false;
+    if (!next || next->burst_ != burst_ || burst_ == Burst::None || next->position_ != position_)
+        return false;
     // A later keystroke continues the burst only if it starts where this one left the slide.
     if (next->before_.content != after_.content || last_.msecsTo(next->last_) > kBurstGapMs) return false;
     after_ = next->after_;

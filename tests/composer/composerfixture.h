@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/localisation.h"
-#include "support/controls.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "support/controls.h"
 #include "support/fakeplatform.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
@@ -54,8 +54,9 @@ protected:
 
     // The user picks strip item `position`.
     void pick(int position) {
-        ctl<QListView>(w, "lstSlide")->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
-                                                       QItemSelectionModel::ClearAndSelect);
+        ctl<QListView>(w, "lstSlide")
+            ->selectionModel()
+            ->setCurrentIndex(w->stripModel().index(position - 1), QItemSelectionModel::ClearAndSelect);
     }
 
     // Adds one slide per letter of `texts`, each with that letter as its text.

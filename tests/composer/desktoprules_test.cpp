@@ -36,8 +36,9 @@ TEST(SlideEdits, MovesInsertsAndRemovesKeepTheListWhole) {
         const char* expected;
     };
     // To either end, by one place either way, and further inside the list.
-    for (const Move& m : {Move{4, 1, "DABCE|E"}, Move{2, 5, "ACDEB|B"}, Move{3, 2, "ACBDE|E"},
-                          Move{3, 4, "ABDCE|E"}, Move{2, 4, "ACDBE|E"}, Move{4, 2, "ADBCE|E"}, Move{3, 3, "ABCDE|E"}}) {
+    for (const Move& m :
+         {Move{4, 1, "DABCE|E"}, Move{2, 5, "ACDEB|B"}, Move{3, 2, "ACBDE|E"}, Move{3, 4, "ABDCE|E"},
+          Move{2, 4, "ACDBE|E"}, Move{4, 2, "ADBCE|E"}, Move{3, 3, "ABCDE|E"}}) {
         CSlide list;
         fill(list, u"ABCDE"_s);
         EXPECT_TRUE(moveSlideTo(list, m.from, m.to, 5));
@@ -58,7 +59,9 @@ TEST(SlideEdits, MovesInsertsAndRemovesKeepTheListWhole) {
 }
 
 TEST(Drafts, RoundTripKeepsEverySlideAndRefusesAnythingElse) {
-    const Draft draft{u"trip"_s, u"Hi"_s, 2,
+    const Draft draft{u"trip"_s,
+                      u"Hi"_s,
+                      2,
                       {SlideContent{SlideDur::fromText(u"3"_s), {}, u"first\nline"_s, {}},
                        SlideContent{SlideDur::fromNumber(12), u"/a/p.jpg"_s, {}, u"/a/t.mid"_s}}};
     QString error;
@@ -101,8 +104,11 @@ TEST(Drafts, StoreWritesReadsSetsAsideAndDropsMissingMedia) {
     EXPECT_TRUE(store.remove().isOk());
 
     const QString kept = home.write(u"p.jpg"_s, "x");
-    Draft draft{{}, {}, 1, {SlideContent{{}, kept, {}, home.file(u"gone.mid"_s)},
-                           SlideContent{{}, home.file(u"gone.mid"_s), {}, {}}}};
+    Draft draft{{},
+                {},
+                1,
+                {SlideContent{{}, kept, {}, home.file(u"gone.mid"_s)},
+                 SlideContent{{}, home.file(u"gone.mid"_s), {}, {}}}};
     EXPECT_EQ(dropMissingMedia(draft), QStringList{home.file(u"gone.mid"_s)});
     EXPECT_EQ(draft.slides[0].picture, kept);
     EXPECT_TRUE(draft.slides[0].sound.isEmpty() && draft.slides[1].picture.isEmpty());
@@ -115,7 +121,9 @@ TEST(Mnemonics, EveryCaptionOfAMenuGetsItsOwnKey) {
         QStringList expected;
     };
     const Case cases[] = {
-        {{u"File"_s, u"Edit"_s, u"Slide"_s, u"Help"_s}, "FESH", {u"&File"_s, u"&Edit"_s, u"&Slide"_s, u"&Help"_s}},
+        {{u"File"_s, u"Edit"_s, u"Slide"_s, u"Help"_s},
+         "FESH",
+         {u"&File"_s, u"&Edit"_s, u"&Slide"_s, u"&Help"_s}},
         {{u"Save"_s, u"Save As..."_s, u"&Open"_s}, "SAO", {u"&Save"_s, u"S&ave As..."_s, u"&Open"_s}},
         {{u"Datei"_s, u"Bearbeiten"_s, u"Folie"_s}, "FES", {u"&Datei"_s, u"&Bearbeiten"_s, u"&Folie"_s}},
         {{u"Правка"_s, u"Привет"_s}, "EH", {u"&Правка"_s, u"П&ривет"_s}},

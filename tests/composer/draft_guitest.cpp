@@ -62,7 +62,8 @@ TEST_F(DraftTest, AKilledComposerLeavesADraftToRestore) {
     child.start(QCoreApplication::applicationFilePath(),
                 {u"--gtest_filter=DraftTest.AKilledComposerLeavesADraftToRestore"_s});
     QByteArray output;
-    for (const QDeadlineTimer d(30000); !output.contains("DRAFT-WRITTEN") && child.waitForReadyRead(d.remainingTime());)
+    for (const QDeadlineTimer d(30000);
+         !output.contains("DRAFT-WRITTEN") && child.waitForReadyRead(d.remainingTime());)
         output += child.readAllStandardOutput();
     ASSERT_TRUE(output.contains("DRAFT-WRITTEN")) << output.toStdString();
     child.kill(); // SIGKILL: nothing of the composer's own shutdown runs
@@ -131,7 +132,8 @@ TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
     EXPECT_FALSE(draftExists());
     EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
 
-    const Draft draft{u"trip"_s, u"Hi"_s, 1, {SlideContent{SlideDur::fromNumber(4), home.file(u"gone.bmp"_s), u"T"_s, {}}}};
+    const Draft draft{
+        u"trip"_s, u"Hi"_s, 1, {SlideContent{SlideDur::fromNumber(4), home.file(u"gone.bmp"_s), u"T"_s, {}}}};
     ASSERT_TRUE(DraftStore(home.path()).write(encodeDraft(draft)).isOk());
     fake.dialogs.shown.clear();
     fake.dialogs.answers.push_back(Answer::Yes);

@@ -114,9 +114,9 @@ TEST_F(SessionTest, AboutNamesTheVersionLibrariesAndSoundFontWithTheirLicences) 
     ASSERT_EQ(fake.dialogs.shown.size(), 1u);
     const QString about = fake.dialogs.shown.front().text;
     EXPECT_TRUE(about.contains(u"Version "_s + programVersion()));
-    for (const char* part : {"Qt " QT_VERSION_STR, "libarchive 3.", "libjpeg-turbo 2.",
-                             "FluidSynth 2.", "FluidR3_GM sound font", "GNU LGPL 3.0", "BSD 2-Clause", "IJG",
-                             "GNU LGPL 2.1", "MIT"})
+    for (const char* part :
+         {"Qt " QT_VERSION_STR, "libarchive 3.", "libjpeg-turbo 2.", "FluidSynth 2.", "FluidR3_GM sound font",
+          "GNU LGPL 3.0", "BSD 2-Clause", "IJG", "GNU LGPL 2.1", "MIT"})
         EXPECT_TRUE(about.contains(QLatin1String(part))) << part;
     EXPECT_EQ(fake.dialogs.shown.front().title, u"About MMS Composer"_s);
 }

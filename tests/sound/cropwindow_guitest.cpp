@@ -1,8 +1,9 @@
 #include "composer/composerfixture.h"
-#include "support/controls.h"
 #include "sound/midi_testfile.h"
+#include "sound/mididecoder.h"
 #include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
+#include "support/controls.h"
 
 #include <QDir>
 #include <QLabel>
@@ -47,7 +48,9 @@ protected:
 
 TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_TRUE(ctl<QPushButton>(w, "Command2")->isEnabled()); // only Mark in, before a tune is open
-    for (QWidget* off : std::initializer_list<QWidget*>{ctl<QPushButton>(w, "Command3"), ctl<QPushButton>(w, "Command1"), ctl<QPushButton>(w, "Command4"), ctl<QSlider>(w, "Slider1")})
+    for (QWidget* off :
+         std::initializer_list<QWidget*>{ctl<QPushButton>(w, "Command3"), ctl<QPushButton>(w, "Command1"),
+                                         ctl<QPushButton>(w, "Command4"), ctl<QSlider>(w, "Slider1")})
         EXPECT_FALSE(off->isEnabled()) << off->objectName().toStdString();
     QStringList times;
     for (qint64 ms : {90000, 3599000, 3600499, 500})
@@ -63,8 +66,11 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_EQ(ctl<QLabel>(w, "lblStatus")->text(), u"I53 00:45 / 01:30"_s);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->maximum(), 90);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 45);
-    EXPECT_EQ(ctl<QLabel>(w, "Label1")->text() + ctl<QLabel>(w, "Label2")->text() + ctl<QLabel>(w, "Label3")->text(), u"00:0000:4501:30"_s);
-    EXPECT_TRUE(ctl<QToolButton>(w, "MMControl1Stop")->isEnabled() && !ctl<QToolButton>(w, "MMControl1Play")->isEnabled());
+    EXPECT_EQ(ctl<QLabel>(w, "Label1")->text() + ctl<QLabel>(w, "Label2")->text() +
+                  ctl<QLabel>(w, "Label3")->text(),
+              u"00:0000:4501:30"_s);
+    EXPECT_TRUE(ctl<QToolButton>(w, "MMControl1Stop")->isEnabled() &&
+                !ctl<QToolButton>(w, "MMControl1Play")->isEnabled());
     player.reportAt(90000); // the end of the tune: back to the beginning
     EXPECT_EQ(player.log.last(), u"Prev"_s);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 0);
@@ -91,9 +97,11 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E18"_s});
     EXPECT_TRUE(ctl<QLineEdit>(w, "txtCropEnd")->text().isEmpty());
     EXPECT_TRUE(ctl<QPushButton>(w, "Command3")->isEnabled());
-    EXPECT_FALSE(ctl<QPushButton>(w, "Command1")->isEnabled() || ctl<QPushButton>(w, "Command4")->isEnabled());
+    EXPECT_FALSE(ctl<QPushButton>(w, "Command1")->isEnabled() ||
+                 ctl<QPushButton>(w, "Command4")->isEnabled());
     mark(*w, 7000, 12460);
-    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text() + ctl<QLineEdit>(w, "txtCropEnd")->text(), u"7.0s12.5s"_s);
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text() + ctl<QLineEdit>(w, "txtCropEnd")->text(),
+              u"7.0s12.5s"_s);
     EXPECT_TRUE(ctl<QPushButton>(w, "Command1")->isEnabled() && ctl<QPushButton>(w, "Command4")->isEnabled());
     player.log.clear();
     player.reportAt(12500); // before the stretch is played, the end mark is nothing special
@@ -134,4 +142,25 @@ TEST_F(CropWindowTest, TheCropCommandGivesNothingWhenClosedOrTooLarge) {
     for (const char* why : {"closed by the user", "102400 bytes"})
         EXPECT_EQ(runCropWindow(fake.platform, loc, dir.path(), tune, nullptr, &player), QString()) << why;
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E1"_s});
+}
+
+TEST_F(CropWindowTest, OneDecoderServesTheRunSoATuneWithoutTempoKeepsTheLastOne) {
+    QDir().mkpath(dir.file(u"Temp/tmpMID"_s));
+    Track slow, plain; // one quarter each: a 4/4 bar lasts 4 s at 60 beats a minute, 2 s at 120
+    slow.tempo(1000000).note(0, 96, 0, 60).end();
+    plain.note(0, 96, 0, 60).end();
+    const QString slowTune = dir.write(u"slow.mid"_s, midiFile(96, {slow}));
+    const QString plainTune = dir.write(u"plain.mid"_s, midiFile(96, {plain}));
+    fake.random.draws = {0.1, 0.2};
+    for (int i = 0; i < 2; ++i) {
+        fake.dialogs.modalHooks.push_back([this](QDialog& d) {
+            mark(static_cast<frmMMSCropMIDI&>(d), 0, 4000);
+            ctl<QPushButton>(d, "Command4")->click();
+        });
+    }
+    MidiDecoder decoder;
+    for (const QString& tune : {slowTune, plainTune})
+        EXPECT_FALSE(
+            runCropWindow(fake.platform, loc, dir.path(), tune, nullptr, &player, &decoder).isEmpty());
+    EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
 }

@@ -27,10 +27,10 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
-#include <QSettings>
 #include <QThread>
 #include <QTimer>
 #include <QToolButton>

@@ -95,7 +95,6 @@ public:
     // Runs when the window really closes: stops a preview and removes the end-of-playback hook.
     void Form_Unload();
 
-
     // --- File menu ---
     void mnu_new_Click();
     void mnu_open_Click();
@@ -185,6 +184,7 @@ public:
     // Opens stored message `name` as Open does once its dialog has closed (File > Open Recent).
     void openRecent(const QString& name);
     void mnu_about_Click();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

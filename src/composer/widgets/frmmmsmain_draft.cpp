@@ -39,7 +39,8 @@ void frmMMSMain::writeDraft() {
     const QString folder = options_.appFolder;
     draftWriter_.start([this, bytes, folder] {
         const Status written = DraftStore(folder).write(bytes);
-        QMetaObject::invokeMethod(this, [this, written] { onDraftWritten(written); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, written] { onDraftWritten(written); }, Qt::QueuedConnection);
     });
 }
 
@@ -101,14 +102,15 @@ void frmMMSMain::offerDraftRestore() {
         const QString aside = drafts.setAside(platform_.clock.now(), moved);
         draftHeld_ = !moved;
         const QString where = QDir::toNativeSeparators(moved ? aside : drafts.path());
-        const QString text = loc_.getMCrErrStr(texts::kErrDraftDamaged)
-                                 .replace(QStringLiteral("%1"), where + QStringLiteral("\n(") + problem + u')');
+        const QString text =
+            loc_.getMCrErrStr(texts::kErrDraftDamaged)
+                .replace(QStringLiteral("%1"), where + QStringLiteral("\n(") + problem + u')');
         platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
-    const Answer answer =
-        platform_.dialogs.show(Message{loc_.getMCrPromptStr(texts::kPromptRestoreDraft), loc_.getMCrInterfaceStr(0),
-                                       Buttons::YesNo, Icon::Question, Answer::Yes});
+    const Answer answer = platform_.dialogs.show(Message{loc_.getMCrPromptStr(texts::kPromptRestoreDraft),
+                                                         loc_.getMCrInterfaceStr(0), Buttons::YesNo,
+                                                         Icon::Question, Answer::Yes});
     draftHeld_ = false;
     if (answer != Answer::Yes) {
         removeDraft();

@@ -125,8 +125,8 @@ void frmMMSMain::dropFiles(const QStringList& paths, qint16 position) {
 void frmMMSMain::dropFile(const QString& path, qint16 position) {
     const DropKind kind = dropKindOf(path);
     if (kind == DropKind::Refused) {
-        const QString text =
-            loc_.getMCrErrStr(texts::kErrDropRefused).replace(QStringLiteral("%1"), QDir::toNativeSeparators(path));
+        const QString text = loc_.getMCrErrStr(texts::kErrDropRefused)
+                                 .replace(QStringLiteral("%1"), QDir::toNativeSeparators(path));
         platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }

@@ -179,7 +179,8 @@ void frmMMSMain::txtText_Change() {
         // The first keystroke on an empty message makes a slide for it; showing that slide empties
         // the box, so the typed text is put back before it is committed. Both are one step.
         if (macro)
-            undoStack_->beginMacro(loc_.getMCrInterfaceStr(t.isEmpty() ? texts::kStepAddSlide : texts::kStepText));
+            undoStack_->beginMacro(
+                loc_.getMCrInterfaceStr(t.isEmpty() ? texts::kStepAddSlide : texts::kStepText));
         addCmd_Click();
         const QSignalBlocker quiet(txtText);
         txtText->setPlainText(t);

@@ -86,8 +86,8 @@ Status frmMMSMain::applySessionCaptions(int langIndex) {
 void frmMMSMain::applyMnemonics() {
     markMnemonics({file->menuAction(), edit->menuAction(), slide->menuAction(), help->menuAction()},
                   QStringLiteral("FESH"));
-    markMnemonics({mnu_new, mnu_open, mnu_openRecent->menuAction(), mnu_save, mnu_saveAs, mnu_delete, mnu_upload,
-                   mnu_exportMms, mnu_exit},
+    markMnemonics({mnu_new, mnu_open, mnu_openRecent->menuAction(), mnu_save, mnu_saveAs, mnu_delete,
+                   mnu_upload, mnu_exportMms, mnu_exit},
                   QStringLiteral("NORSADEMX"));
     markMnemonics({add_slide, rm_slide, sendfront, sendfwd, sendbwd, sendback}, QStringLiteral("ARFWBK"));
     markMnemonics({mnu_about}, QStringLiteral("A"));
@@ -152,8 +152,9 @@ void frmMMSMain::openRecent(const QString& name) {
     }
     if (!store().hasIndex(name)) {
         forgetRecent(name);
-        platform_.dialogs.show(Message{loc_.getMCrErrStr(texts::kErrRecentMissing).replace(QStringLiteral("%1"), name),
-                                       applicationTitle(), Buttons::Ok, Icon::Warning});
+        platform_.dialogs.show(
+            Message{loc_.getMCrErrStr(texts::kErrRecentMissing).replace(QStringLiteral("%1"), name),
+                    applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
     if (state_.isModified && ask(3, 0, Buttons::YesNo, Answer::No) == Answer::Yes) {
@@ -172,16 +173,18 @@ void frmMMSMain::mnu_about_Click() {
     };
     const Part parts[] = {
         {QStringLiteral("Qt"), QString::fromLatin1(qVersion()), "GNU LGPL 3.0"},
-        {QStringLiteral("libarchive"), QString::fromLatin1(archive_version_string()).section(QLatin1Char(' '), 1),
-         "BSD 2-Clause"},
+        {QStringLiteral("libarchive"),
+         QString::fromLatin1(archive_version_string()).section(QLatin1Char(' '), 1), "BSD 2-Clause"},
         {QStringLiteral("libjpeg-turbo"), jpegLibraryVersion(), "IJG, BSD 3-Clause, zlib"},
         {QStringLiteral("FluidSynth"), QString::fromLatin1(fluid_version_str()), "GNU LGPL 2.1 or later"},
-        {I(texts::kAboutSoundFont).replace(QStringLiteral("%1"), QStringLiteral("FluidR3_GM")), QString(), "MIT"},
+        {I(texts::kAboutSoundFont).replace(QStringLiteral("%1"), QStringLiteral("FluidR3_GM")), QString(),
+         "MIT"},
     };
     QString rows;
     for (const Part& part : parts) {
-        rows += QStringLiteral("<tr><td>%1 %2</td><td>&nbsp;&nbsp;%3</td></tr>")
-                    .arg(part.name.toHtmlEscaped(), part.version.toHtmlEscaped(), QLatin1String(part.licence));
+        rows +=
+            QStringLiteral("<tr><td>%1 %2</td><td>&nbsp;&nbsp;%3</td></tr>")
+                .arg(part.name.toHtmlEscaped(), part.version.toHtmlEscaped(), QLatin1String(part.licence));
     }
     const QString text =
         QStringLiteral("<p><b>%1</b><br>%2</p><p>%3</p><table>%4</table>")

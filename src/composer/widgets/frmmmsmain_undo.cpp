@@ -37,9 +37,9 @@ protected:
         if (event->type() != QEvent::ShortcutOverride) return false;
         const auto* key = static_cast<QKeyEvent*>(event);
         const QKeySequence typed(key->keyCombination());
-        for (const QKeySequence& history : {QKeySequence(QKeySequence::Undo), QKeySequence(QKeySequence::Redo),
-                                            QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z),
-                                            QKeySequence(Qt::CTRL | Qt::Key_Y)}) {
+        for (const QKeySequence& history :
+             {QKeySequence(QKeySequence::Undo), QKeySequence(QKeySequence::Redo),
+              QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)}) {
             if (typed == history) return true;
         }
         return false;
@@ -62,7 +62,8 @@ void frmMMSMain::buildEditMenu() {
     mnu_undo->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
     mnu_redo = edit->addAction(QIcon(QStringLiteral(":/icons/redo.svg")), QString());
     mnu_redo->setObjectName(QStringLiteral("mnu_redo"));
-    mnu_redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
+    mnu_redo->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
     connect(mnu_undo, &QAction::triggered, this, [this] { mnu_undo_Click(); });
     connect(mnu_redo, &QAction::triggered, this, [this] { mnu_redo_Click(); });
     connect(undoStack_, &QUndoStack::indexChanged, this, [this] { updateHistoryCaptions(); });
@@ -147,9 +148,12 @@ QString frmMMSMain::stepName(const QString& field, const QString& value) const {
         name = value.isEmpty() ? texts::kRemovePicture : texts::kStepAttachPicture;
     } else if (field == QLatin1String("soundPath")) {
         // A tune from the crop window lies in the scratch folder of cropped tunes.
-        const bool cropped = !value.isEmpty() && QFileInfo(value).absolutePath() ==
-                                                     QDir(workspace::tmpMid(options_.appFolder)).absolutePath();
-        name = value.isEmpty() ? texts::kRemoveSound : cropped ? texts::kStepAttachCrop : texts::kStepAttachSound;
+        const bool cropped =
+            !value.isEmpty() &&
+            QFileInfo(value).absolutePath() == QDir(workspace::tmpMid(options_.appFolder)).absolutePath();
+        name = value.isEmpty() ? texts::kRemoveSound
+               : cropped       ? texts::kStepAttachCrop
+                               : texts::kStepAttachSound;
     }
     return loc_.getMCrInterfaceStr(name);
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QWidget>
+#include <memory>
 
 class QComboBox;
 class QLineEdit;
@@ -12,6 +13,7 @@ class QToolButton;
 namespace mms {
 
 class Localisation;
+class MidiDecoder;
 class PlayerControl;
 struct Platform;
 
@@ -26,6 +28,7 @@ class SoundPanel final : public QWidget {
 public:
     // appFolder: where the workspace lies (cropped tunes go below its Temp folder).
     SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent = nullptr);
+    ~SoundPanel() override;
 
     // Captions and tooltips from the language.
     void applyLanguage();
@@ -85,6 +88,8 @@ private:
     Platform& platform_;
     QString appFolder_;
     PlayerControl* cropPlayer_ = nullptr;
+    // The crop window's decoder, kept for the whole run as the decoding rules want it.
+    std::unique_ptr<MidiDecoder> cropDecoder_;
     QString fileFolder_;
     QString filePattern_;
 };
