@@ -7,11 +7,11 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools libgl-dev libqt6svg6 qt6-translations-l10n
   libarchive-dev libturbojpeg0-dev libjpeg-turbo-progs
-  libfluidsynth-dev fluid-soundfont-gm
+  libfluidsynth-dev fluid-soundfont-gm libopencore-amrnb-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth
   clang-14 libclang-rt-14-dev clang-format
-  python3-mido imagemagick
+  python3-mido imagemagick tshark
   libsmf-dev
   desktop-file-utils appstream lintian man-db
 )

@@ -11,7 +11,7 @@
 #include "common/widgets/qtdialogs.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "model/clockrandom.h"
-#include "sound/fluidsynthdevice.h"
+#include "sound/sounddevice.h"
 #include "store/appfolder.h"
 
 #include <QApplication>
@@ -164,7 +164,7 @@ int main(int argc, char** argv) {
     mms::QtDialogs dialogs;
     mms::SystemClock clock;
     mms::SystemRandom random;
-    mms::FluidSynthDevice device;
+    mms::SoundDevice device;
     mms::Platform platform{dialogs, clock, random, device};
     mms::Localisation localisation;
 

@@ -4,7 +4,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <map>
+#include <memory>
 
 namespace mms::cli {
 
@@ -75,10 +77,30 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
 }
 } // namespace
 
-Registrar::Registrar(const char* name, const char* usage, Command run) {
+Registrar::Registrar(const char* name, const char* usage, Command run, bool drawsText) {
     registry()[QString::fromLatin1(name)] = {QString::fromLatin1(name), QString::fromUtf8(usage),
-                                             std::move(run)};
+                                             std::move(run), drawsText};
 }
+
+namespace {
+
+// Looks at the raw arguments before any application exists: the command is the first argument
+// that is not a global option (or the folder of --home).
+bool commandDrawsText(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const QString arg = QString::fromLocal8Bit(argv[i]);
+        if (arg == QLatin1String("--home")) {
+            ++i;
+            continue;
+        }
+        if (arg.startsWith(QLatin1Char('-'))) continue;
+        const auto found = registry().find(arg);
+        return found != registry().end() && found->second.drawsText;
+    }
+    return false;
+}
+
+} // namespace
 
 int fail(Context& context, const QString& message) {
     context.err << "mmsc: " << message << Qt::endl;
@@ -87,8 +109,27 @@ int fail(Context& context, const QString& message) {
 
 } // namespace mms::cli
 
+namespace {
+
+// Text can only be drawn under a QGuiApplication. A command that draws gets one on Qt's offscreen
+// platform (unless QT_QPA_PLATFORM names another), so it needs no display; the others stay on a
+// QCoreApplication.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    if (!mms::cli::commandDrawsText(argc, argv)) return std::make_unique<QCoreApplication>(argc, argv);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The platform's start-up notices (such as a missing runtime folder) would precede every
+    // command's own output on stderr; they say nothing about the command.
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    auto app = std::make_unique<QGuiApplication>(argc, argv);
+    qInstallMessageHandler(previous);
+    return app;
+}
+
+} // namespace
+
 int main(int argc, char* argv[]) {
-    QCoreApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv);
     mms::setProgramIdentity();
     QTextStream out(stdout);
     QTextStream err(stderr);

@@ -25,11 +25,12 @@ struct CommandInfo {
     QString name;
     QString usage; // one or more lines for --help
     Command run;
+    bool drawsText = false; // runs under a QGuiApplication (fonts), on the offscreen platform
 };
 
 // Each mmsc_*.cpp registers its commands with a static Registrar.
 struct Registrar {
-    Registrar(const char* name, const char* usage, Command run);
+    Registrar(const char* name, const char* usage, Command run, bool drawsText = false);
 };
 
 // Prints "mmsc: MESSAGE" on stderr and returns kUsageError.

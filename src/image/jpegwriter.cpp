@@ -1,5 +1,7 @@
 #include "image/jpegwriter.h"
 
+#include "common/fileio.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -88,7 +90,7 @@ Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
-    if (file.write(jpeg) != jpeg.size()) {
+    if (!fileio::writeWhole(file, jpeg) || !fileio::flushWhole(file)) {
         const QString why = file.errorString();
         file.cancelWriting();
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), why));

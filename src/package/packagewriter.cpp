@@ -1,6 +1,8 @@
 #include "package/packagewriter.h"
 
+#include "common/fileio.h"
 #include "common/workspace.h"
+#include "package/packagemembers.h"
 #include "package/tararchive.h"
 #include "package/utf8.h"
 
@@ -31,7 +33,8 @@ Status cannotWrite(const QString& path, const QString& reason) {
 Status writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return cannotWrite(path, file.errorString());
-    if (file.write(bytes) != bytes.size() || !file.flush()) return cannotWrite(path, file.errorString());
+    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file))
+        return cannotWrite(path, file.errorString());
     file.close();
     if (file.error() != QFileDevice::NoError) return cannotWrite(path, file.errorString());
     return Status::ok();
@@ -45,44 +48,6 @@ Status copyWhole(const QString& source, const QString& target) {
     const QByteArray bytes = in.readAll();
     if (in.error() != QFileDevice::NoError) return cannotRead(source, in.errorString());
     return writeFile(target, bytes);
-}
-
-bool isPlainSuffix(const QString& suffix) {
-    if (suffix.isEmpty()) return false;
-    for (QChar c : suffix)
-        if (!((c >= QLatin1Char('a') && c <= QLatin1Char('z')) ||
-              (c >= QLatin1Char('0') && c <= QLatin1Char('9'))))
-            return false;
-    return true;
-}
-
-struct PictureMember {
-    QString name;
-    bool video = false;
-};
-
-// gif, jpg and bmp keep their kind, a 3GP clip becomes a video member. Any other picture (a .png or
-// .jpeg the picture panel would not offer, or a file without extension) is still packaged rather than
-// dropped: it becomes "pic" + N + "." + its lower-cased extension in an img element, so that opening
-// the message, which looks for "pic" + N + ".*", finds it again. An extension that is not plain
-// letters and digits (or none at all) is replaced by "bin".
-PictureMember pictureMember(const QString& path, int n) {
-    const QString type = CSlide::extractFileType(path).toLower();
-    const QString number = QString::number(n);
-    if (type == QLatin1String("gif") || type == QLatin1String("jpg") || type == QLatin1String("bmp"))
-        return {QStringLiteral("pic") + number + QLatin1Char('.') + type};
-    if (type == QLatin1String("3gp")) return {QStringLiteral("vdo") + number + QStringLiteral(".3gp"), true};
-    const QString fileName = CSlide::extractFileName(path);
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    QString suffix = dot < 0 ? QString() : fileName.mid(dot + 1).toLower();
-    if (!isPlainSuffix(suffix)) suffix = QStringLiteral("bin");
-    return {QStringLiteral("pic") + number + QLatin1Char('.') + suffix};
-}
-
-QString soundMember(const QString& path, int n) {
-    const bool midi = CSlide::extractFileType(path).toLower() == QLatin1String("mid");
-    return QStringLiteral("sound") + QString::number(n) +
-           (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
 }
 
 // main.smil and the index are 8-bit text in the system code page, which is UTF-8 here; their fixed
@@ -185,8 +150,8 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
     if (subject.contains(QLatin1Char('\n')) || subject.contains(QLatin1Char('\r')))
         return cannotWrite(indexPath, QStringLiteral("the subject must be a single line"));
     if (QFileInfo::exists(folder)) return cannotWrite(folder, QStringLiteral("the folder already exists"));
-    if (!QDir().mkpath(workspace::messages(appFolder)) || !QDir().mkdir(folder))
-        return cannotWrite(folder, QStringLiteral("the folder could not be created"));
+    if (Status s = fileio::createPath(workspace::messages(appFolder)); !s) return s;
+    if (Status s = fileio::createFolder(folder); !s) return s;
 
     Status result = writeMembers(p, folder);
     for (const auto& [fileName, bytes] : p.slideTexts) {
@@ -195,7 +160,8 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
     }
     if (result) {
         QSaveFile index(indexPath);
-        if (!index.open(QIODevice::WriteOnly) || index.write(p.index) != p.index.size() || !index.commit())
+        if (!index.open(QIODevice::WriteOnly) || !fileio::writeWhole(index, p.index) ||
+            !fileio::flushWhole(index) || !index.commit())
             result = cannotWrite(indexPath, index.errorString());
     }
     if (!result) QDir(folder).removeRecursively();

@@ -1,5 +1,6 @@
 #include "package/tararchive.h"
 
+#include "common/fileio.h"
 #include "model/cslide.h"
 
 #include <QDir>
@@ -29,8 +30,9 @@ struct Sink {
 
 la_ssize_t writeToDevice(archive*, void* clientData, const void* buffer, size_t length) {
     auto* sink = static_cast<Sink*>(clientData);
-    const qint64 written = sink->device->write(static_cast<const char*>(buffer), static_cast<qint64>(length));
-    if (written == static_cast<qint64>(length)) return static_cast<la_ssize_t>(written);
+    if (fileio::writeWhole(*sink->device,
+                           QByteArrayView(static_cast<const char*>(buffer), qsizetype(length))))
+        return static_cast<la_ssize_t>(length);
     sink->error = sink->device->errorString();
     return -1;
 }
@@ -82,7 +84,9 @@ Status writeTarArchive(QIODevice& device, const std::vector<TarMember>& members)
 
 Status writeTarArchive(const QString& archivePath, const std::vector<TarMember>& members) {
     QSaveFile file(archivePath);
-    if (!file.open(QIODevice::WriteOnly))
+    // libarchive hands over whole blocks already; unbuffered, a failed write keeps the system's
+    // reason (a full disk) instead of losing it in a later flush.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Status::failure(
             QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
     const Status written = writeTarArchive(file, members);
@@ -91,7 +95,7 @@ Status writeTarArchive(const QString& archivePath, const std::vector<TarMember>&
         return Status::failure(
             QStringLiteral("%1 (while writing \"%2\")").arg(written.message(), native(archivePath)));
     }
-    if (!file.commit())
+    if (!fileio::flushWhole(file) || !file.commit())
         return Status::failure(
             QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
     return Status::ok();

@@ -26,7 +26,7 @@ inline LanguageTexts numberedTexts() {
     LanguageTexts t;
     for (int i = 0; i < 100; ++i) {
         if (i < 20) t.prompts << QStringLiteral("P%1").arg(i);
-        if (i < 40) t.errors << QStringLiteral("E%1").arg(i);
+        if (i < 45) t.errors << QStringLiteral("E%1").arg(i);
         t.interface << QStringLiteral("I%1").arg(i);
     }
     return t;

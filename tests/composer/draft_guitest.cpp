@@ -128,7 +128,7 @@ TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
 TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
     ASSERT_TRUE(DraftStore(home.path()).write("{ not a draft").isOk());
     w->offerDraftRestore();
-    ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E32"_s});
+    ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E35"_s});
     EXPECT_FALSE(draftExists());
     EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
 
@@ -138,7 +138,7 @@ TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
     fake.dialogs.shown.clear();
     fake.dialogs.answers.push_back(Answer::Yes);
     w->offerDraftRestore();
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E35"_s}));
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E38"_s}));
     EXPECT_EQ(order(), u"T"_s);
     EXPECT_TRUE(w->message().nodeAt(1)->DataImgPath.isEmpty());
     EXPECT_EQ(w->messageState().currentFile + w->messageState().txtsubject, u"tripHi"_s);

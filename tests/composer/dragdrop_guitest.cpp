@@ -49,7 +49,7 @@ TEST_F(DropTest, DroppedFilesFollowThePanelsAttachRulesAndOthersAreRefused) {
 
     w->dropFiles({text, bigGif, bigAmr});
     EXPECT_EQ(fake.dialogs.texts(),
-              (QStringList{u"E34"_s, u"E0"_s, u"E1"_s})); // the language texts name no file here
+              (QStringList{u"E37"_s, u"E0"_s, u"E1"_s})); // the language texts name no file here
     EXPECT_EQ(w->history().count(), steps);
     EXPECT_TRUE(pictureOf(2).isEmpty());
 
@@ -92,7 +92,7 @@ TEST_F(DropTest, TheStripAndTheSlidePanelTakeRealDropEvents) {
     EXPECT_EQ(drop(ctl<QPlainTextEdit>(w, "txtText")->viewport(), *onPanel, {5, 5}), Qt::CopyAction);
     EXPECT_EQ(pictureOf(4), blue);
     EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), u"D"_s); // no path typed into the text
-    EXPECT_EQ(w->history().undoText(), u"I77"_s);
+    EXPECT_EQ(w->history().undoText(), u"I87"_s);
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
 

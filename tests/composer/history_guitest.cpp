@@ -74,16 +74,16 @@ TEST_F(HistoryTest, EveryCommandIsUndoneAndRedoneWithStripThumbnailsAndListInSte
         {"I14", [&] { pick(2), ctl<QAction>(w, "sendfwd")->trigger(); }},
         {"I15", [&] { pick(1), ctl<QToolButton>(w, "rCmd")->click(); }},
         {"I13", [&] { pick(1), ctl<QAction>(w, "sendback")->trigger(); }},
-        {"I82", [&] { w->lstSlide_DragDrop(3, 1); }},
-        {"I82", [&] { w->lstSlide_DragDrop(1, 3); }},
-        {"I75", [&] { pick(2), typeDuration(u"12"_s); }},
-        {"I76", [&] { pick(1), typeText(u"xyz"_s); }},
-        {"I77", [&] { pick(3), w->attachToCurrentSlide(u"imgPath"_s, green); }},
-        {"I78", [&] { pick(3), ctl<QAction>(w, "mnu_removePicture")->trigger(); }},
-        {"I79", [&] { pick(1), w->attachToCurrentSlide(u"soundPath"_s, sound); }},
-        {"I80", [&] { pick(1), ctl<QAction>(w, "mnu_removeSound")->trigger(); }},
-        {"I81", [&] { pick(2), w->attachToCurrentSlide(u"soundPath"_s, cropped); }},
-        {"I77", [&] { w->dropFiles({dropped}, 1); }},
+        {"I92", [&] { w->lstSlide_DragDrop(3, 1); }},
+        {"I92", [&] { w->lstSlide_DragDrop(1, 3); }},
+        {"I85", [&] { pick(2), typeDuration(u"12"_s); }},
+        {"I86", [&] { pick(1), typeText(u"xyz"_s); }},
+        {"I87", [&] { pick(3), w->attachToCurrentSlide(u"imgPath"_s, green); }},
+        {"I88", [&] { pick(3), ctl<QAction>(w, "mnu_removePicture")->trigger(); }},
+        {"I89", [&] { pick(1), w->attachToCurrentSlide(u"soundPath"_s, sound); }},
+        {"I90", [&] { pick(1), ctl<QAction>(w, "mnu_removeSound")->trigger(); }},
+        {"I91", [&] { pick(2), w->attachToCurrentSlide(u"soundPath"_s, cropped); }},
+        {"I87", [&] { w->dropFiles({dropped}, 1); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(QString::number(&c - cases).toStdString() + " " + c.step);
@@ -93,7 +93,7 @@ TEST_F(HistoryTest, EveryCommandIsUndoneAndRedoneWithStripThumbnailsAndListInSte
         const Snapshot after = snapshot();
         ASSERT_NE(after, before);
         EXPECT_EQ(w->history().index(), steps + 1); // one step, however many keys were typed
-        EXPECT_EQ(ctl<QAction>(w, "mnu_undo")->text(), u"&I73"_s);
+        EXPECT_EQ(ctl<QAction>(w, "mnu_undo")->text(), u"&I83"_s);
         EXPECT_EQ(w->history().undoText(), QLatin1String(c.step));
         undo();
         EXPECT_EQ(snapshot(), before);
@@ -130,7 +130,7 @@ TEST_F(HistoryTest, TypingPausesSplitStepsAndNewClearsTheHistory) {
     QKeyEvent undoKey(QEvent::ShortcutOverride, Qt::Key_Z, Qt::ControlModifier);
     QApplication::sendEvent(ctl<QPlainTextEdit>(w, "txtText"), &undoKey);
     EXPECT_FALSE(undoKey.isAccepted());
-    EXPECT_EQ(ctl<QAction>(w, "mnu_undo")->text(), u"&I71"_s);
+    EXPECT_EQ(ctl<QAction>(w, "mnu_undo")->text(), u"&I81"_s);
 }
 
 TEST_F(HistoryTest, ASlideMadeByTypingIntoAnEmptyMessageIsUndoneToNoSlide) {

@@ -92,7 +92,7 @@ TEST_F(SessionTest, OpenRecentListsTheLastEightMessagesAndDropsMissingOnesWithAM
     QFile::remove(home.file(u"UserData/MMS/c.mmt"_s));
     startWithSettings();
     ctl<QAction>(w, "mnu_recent7")->trigger();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E33"_s});
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E36"_s});
     EXPECT_FALSE(w->recentMessages().contains(u"c"_s));
     EXPECT_EQ(w->recentMessages().size(), 7);
     EXPECT_TRUE(w->message().IsEmpty());
@@ -100,7 +100,7 @@ TEST_F(SessionTest, OpenRecentListsTheLastEightMessagesAndDropsMissingOnesWithAM
 
 TEST_F(SessionTest, MenusHaveMnemonicsAndTheTitleMarksUnsavedChanges) {
     EXPECT_EQ(ctl<QMenu>(w, "file")->title(), u"&I2"_s);
-    EXPECT_EQ(ctl<QMenu>(w, "edit")->title(), u"I70(&E)"_s); // its one letter is the File menu's
+    EXPECT_EQ(ctl<QMenu>(w, "edit")->title(), u"I80(&E)"_s); // its one letter is the File menu's
     EXPECT_EQ(ctl<QAction>(w, "mnu_new")->text(), u"&I3"_s);
     EXPECT_FALSE(w->isWindowModified());
     addSlides(u"A"_s);

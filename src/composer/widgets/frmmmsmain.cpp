@@ -110,6 +110,7 @@ Status frmMMSMain::applyLanguage(int langIndex) {
         // Beyond the captions of the original window: the second add button, the MMS export.
         addBigCmd->setText(I(10));
         mnu_exportMms->setText(I(64));
+        applyPlayerLanguage();
     } catch (const std::out_of_range& e) {
         return Status::failure(QString::fromUtf8(e.what()));
     }

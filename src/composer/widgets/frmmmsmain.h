@@ -57,6 +57,7 @@ struct Draft;
 //   frmmmsmain_strip.cpp    strip commands, selection, move rule
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
+//   frmmmsmain_player.cpp   Play Message
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
 //   frmmmsmain_export.cpp   Export, Export as MMS
 //   frmmmsmain_undo.cpp     Edit menu: the history of the message's changes
@@ -139,6 +140,9 @@ public:
     // --- Sound preview ---
     void soundPlayCmd_Click();
     void switchMCICtrl();
+
+    // --- Player ---
+    void mnu_play_Click();
 
     // --- State shared with the store, the name dialogs and the other windows ---
     MessageState& messageState() { return state_; }
@@ -350,6 +354,12 @@ private:
     // After Save, Save as, Open and New: the history starts afresh where it has to, the draft goes.
     void messageStored();
     void messageReplaced();
+
+    // Player helpers and controls (the Slide menu item and the button beside the strip).
+    void installPlayerCommands();
+    void applyPlayerLanguage();
+    QAction* mnu_play = nullptr;
+    QToolButton* playCmd = nullptr;
 
     Platform& platform_;
     Localisation& loc_;

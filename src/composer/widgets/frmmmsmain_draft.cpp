@@ -3,8 +3,8 @@
 // the last change, by a worker thread, through a safe write that never leaves half a file. A save,
 // New, Open or a confirmed close removes it; the next start offers to restore one that is left.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
-#include "composer/desktoptexts.h"
 #include "composer/draftstore.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "store/messagestore.h"
@@ -53,7 +53,7 @@ void frmMMSMain::onDraftWritten(const Status& status) {
     if (draftWarned_) return;
     draftWarned_ = true;
     const QString text =
-        loc_.getMCrErrStr(texts::kErrDraftNotWritten).replace(QStringLiteral("%1"), status.message());
+        loc_.getMCrErrStr(desktoptext::kErrDraftNotWritten).replace(QStringLiteral("%1"), status.message());
     platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
 }
 
@@ -103,14 +103,14 @@ void frmMMSMain::offerDraftRestore() {
         draftHeld_ = !moved;
         const QString where = QDir::toNativeSeparators(moved ? aside : drafts.path());
         const QString text =
-            loc_.getMCrErrStr(texts::kErrDraftDamaged)
+            loc_.getMCrErrStr(desktoptext::kErrDraftDamaged)
                 .replace(QStringLiteral("%1"), where + QStringLiteral("\n(") + problem + u')');
         platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
-    const Answer answer = platform_.dialogs.show(Message{loc_.getMCrPromptStr(texts::kPromptRestoreDraft),
-                                                         loc_.getMCrInterfaceStr(0), Buttons::YesNo,
-                                                         Icon::Question, Answer::Yes});
+    const Answer answer = platform_.dialogs.show(
+        Message{loc_.getMCrPromptStr(desktoptext::kPromptRestoreDraft), loc_.getMCrInterfaceStr(0),
+                Buttons::YesNo, Icon::Question, Answer::Yes});
     draftHeld_ = false;
     if (answer != Answer::Yes) {
         removeDraft();
@@ -140,7 +140,7 @@ void frmMMSMain::restoreDraft(Draft draft) {
     if (missing.isEmpty()) return;
     for (QString& path : missing)
         path = QDir::toNativeSeparators(path);
-    const QString text = loc_.getMCrErrStr(texts::kErrDraftFilesMissing)
+    const QString text = loc_.getMCrErrStr(desktoptext::kErrDraftFilesMissing)
                              .replace(QStringLiteral("%1"), missing.join(QLatin1Char('\n')));
     platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
 }

@@ -3,8 +3,8 @@
 // slide through the list's own operations like the move commands; a dropped file goes through the
 // attach rules of the picture or sound panel, exactly as if it had been chosen there.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
-#include "composer/desktoptexts.h"
 #include "composer/droprules.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "composer/widgets/slidestripview.h"
@@ -114,7 +114,7 @@ void frmMMSMain::lstSlide_DragDrop(qint16 from, qint16 to) {
     const int count = stripCount();
     if (from < 1 || to < 1 || from > count || to > count || from == to) return;
     moveSlide(from, to);
-    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(texts::kStepMoveSlide), from, to));
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepMoveSlide), from, to));
 }
 
 void frmMMSMain::dropFiles(const QStringList& paths, qint16 position) {
@@ -125,7 +125,7 @@ void frmMMSMain::dropFiles(const QStringList& paths, qint16 position) {
 void frmMMSMain::dropFile(const QString& path, qint16 position) {
     const DropKind kind = dropKindOf(path);
     if (kind == DropKind::Refused) {
-        const QString text = loc_.getMCrErrStr(texts::kErrDropRefused)
+        const QString text = loc_.getMCrErrStr(desktoptext::kErrDropRefused)
                                  .replace(QStringLiteral("%1"), QDir::toNativeSeparators(path));
         platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
         return;

@@ -1,9 +1,9 @@
 // The slide panel: the commit rule, the duration and text boxes, the counters, reset and enable.
 // Every edit is written into the selected slide's node at once; there is no apply step.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
 #include "composer/composertext.h"
-#include "composer/desktoptexts.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -180,7 +180,7 @@ void frmMMSMain::txtText_Change() {
         // the box, so the typed text is put back before it is committed. Both are one step.
         if (macro)
             undoStack_->beginMacro(
-                loc_.getMCrInterfaceStr(t.isEmpty() ? texts::kStepAddSlide : texts::kStepText));
+                loc_.getMCrInterfaceStr(t.isEmpty() ? desktoptext::kStepAddSlide : desktoptext::kStepText));
         addCmd_Click();
         const QSignalBlocker quiet(txtText);
         txtText->setPlainText(t);

@@ -2,8 +2,8 @@
 // size, columns, library folders and tab kept from one run to the next, File > Open Recent, the
 // Help menu's About box, Qt's own texts in the interface language and mnemonics in every menu.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
-#include "composer/desktoptexts.h"
 #include "composer/mnemonics.h"
 #include "composer/qttranslations.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -67,12 +67,12 @@ void frmMMSMain::buildSessionMenus() {
 Status frmMMSMain::applySessionCaptions(int langIndex) {
     const auto I = [this](int n) { return loc_.getMCrInterfaceStr(n); };
     try {
-        edit->setTitle(I(texts::kMenuEdit));
-        help->setTitle(I(texts::kMenuHelp));
-        mnu_about->setText(I(texts::kAbout));
-        mnu_openRecent->setTitle(I(texts::kMenuOpenRecent));
-        mnu_removePicture->setText(I(texts::kRemovePicture));
-        mnu_removeSound->setText(I(texts::kRemoveSound));
+        edit->setTitle(I(desktoptext::kMenuEdit));
+        help->setTitle(I(desktoptext::kMenuHelp));
+        mnu_about->setText(I(desktoptext::kAbout));
+        mnu_openRecent->setTitle(I(desktoptext::kMenuOpenRecent));
+        mnu_removePicture->setText(I(desktoptext::kRemovePicture));
+        mnu_removeSound->setText(I(desktoptext::kRemoveSound));
         updateHistoryCaptions();
         applyMnemonics();
     } catch (const std::out_of_range& e) {
@@ -89,7 +89,8 @@ void frmMMSMain::applyMnemonics() {
     markMnemonics({mnu_new, mnu_open, mnu_openRecent->menuAction(), mnu_save, mnu_saveAs, mnu_delete,
                    mnu_upload, mnu_exportMms, mnu_exit},
                   QStringLiteral("NORSADEMX"));
-    markMnemonics({add_slide, rm_slide, sendfront, sendfwd, sendbwd, sendback}, QStringLiteral("ARFWBK"));
+    markMnemonics({add_slide, rm_slide, sendfront, sendfwd, sendbwd, sendback, mnu_play},
+                  QStringLiteral("ARFWBKP"));
     markMnemonics({mnu_about}, QStringLiteral("A"));
 }
 
@@ -153,7 +154,7 @@ void frmMMSMain::openRecent(const QString& name) {
     if (!store().hasIndex(name)) {
         forgetRecent(name);
         platform_.dialogs.show(
-            Message{loc_.getMCrErrStr(texts::kErrRecentMissing).replace(QStringLiteral("%1"), name),
+            Message{loc_.getMCrErrStr(desktoptext::kErrRecentMissing).replace(QStringLiteral("%1"), name),
                     applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
@@ -177,8 +178,8 @@ void frmMMSMain::mnu_about_Click() {
          QString::fromLatin1(archive_version_string()).section(QLatin1Char(' '), 1), "BSD 2-Clause"},
         {QStringLiteral("libjpeg-turbo"), jpegLibraryVersion(), "IJG, BSD 3-Clause, zlib"},
         {QStringLiteral("FluidSynth"), QString::fromLatin1(fluid_version_str()), "GNU LGPL 2.1 or later"},
-        {I(texts::kAboutSoundFont).replace(QStringLiteral("%1"), QStringLiteral("FluidR3_GM")), QString(),
-         "MIT"},
+        {I(desktoptext::kAboutSoundFont).replace(QStringLiteral("%1"), QStringLiteral("FluidR3_GM")),
+         QString(), "MIT"},
     };
     QString rows;
     for (const Part& part : parts) {
@@ -188,10 +189,11 @@ void frmMMSMain::mnu_about_Click() {
     }
     const QString text =
         QStringLiteral("<p><b>%1</b><br>%2</p><p>%3</p><table>%4</table>")
-            .arg(I(0).toHtmlEscaped(),
-                 I(texts::kAboutVersion).replace(QStringLiteral("%1"), programVersion()).toHtmlEscaped(),
-                 I(texts::kAboutLibraries).toHtmlEscaped(), rows);
-    platform_.dialogs.show(Message{text, I(texts::kAbout), Buttons::Ok, Icon::Information});
+            .arg(
+                I(0).toHtmlEscaped(),
+                I(desktoptext::kAboutVersion).replace(QStringLiteral("%1"), programVersion()).toHtmlEscaped(),
+                I(desktoptext::kAboutLibraries).toHtmlEscaped(), rows);
+    platform_.dialogs.show(Message{text, I(desktoptext::kAbout), Buttons::Ok, Icon::Information});
 }
 
 } // namespace mms

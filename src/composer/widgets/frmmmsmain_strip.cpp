@@ -3,9 +3,9 @@
 // slide; the list is changed first, and the strip only when the list accepted the change, so a
 // refusal never leaves the two out of step.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
 #include "composer/composertext.h"
-#include "composer/desktoptexts.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
@@ -94,7 +94,8 @@ void frmMMSMain::removeCmd_Click() {
     if (cur < 1) return;
     const std::optional<SlideState> removed = slideState(cur);
     if (removed && removeSlideAt(cur))
-        record(new RemoveSlideStep(*this, loc_.getMCrInterfaceStr(texts::kStepRemoveSlide), cur, *removed));
+        record(new RemoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepRemoveSlide), cur,
+                                   *removed));
 }
 
 // Removes slide `cur` from the list and the strip and shows its neighbour; false when the list
@@ -129,7 +130,7 @@ void frmMMSMain::ffCmd_Click() {
     stripModel_->moveSlide(cur, 1);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(1);
-    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(texts::kStepToFront), cur, 1));
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepToFront), cur, 1));
 }
 
 void frmMMSMain::fCmd_Click() {
@@ -155,7 +156,7 @@ void frmMMSMain::moveOnePlace(bool towardsFront) {
     stripModel_->moveSlide(cur, target);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(target);
-    const int name = towardsFront ? texts::kStepForward : texts::kStepBackward;
+    const int name = towardsFront ? desktoptext::kStepForward : desktoptext::kStepBackward;
     record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(name), cur, target));
 }
 
@@ -169,7 +170,7 @@ void frmMMSMain::rrCmd_Click() {
     stripModel_->moveSlide(cur, count);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(static_cast<qint16>(count));
-    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(texts::kStepToBack), cur,
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepToBack), cur,
                              static_cast<qint16>(count)));
 }
 

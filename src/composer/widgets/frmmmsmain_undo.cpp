@@ -3,9 +3,9 @@
 // through the list's own operations and bring strip, thumbnails and panel in step as the commands
 // do. New, Open and a restored draft start a fresh history.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
 #include "common/workspace.h"
-#include "composer/desktoptexts.h"
 #include "composer/mnemonics.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
@@ -76,8 +76,8 @@ void frmMMSMain::updateHistoryCaptions() {
         return step.isEmpty() ? loc_.getMCrInterfaceStr(plain)
                               : loc_.getMCrInterfaceStr(named).replace(QStringLiteral("%1"), step);
     };
-    QString undo = caption(texts::kUndo, texts::kUndoNamed, undoStack_->undoText());
-    QString redo = caption(texts::kRedo, texts::kRedoNamed, undoStack_->redoText());
+    QString undo = caption(desktoptext::kUndo, desktoptext::kUndoNamed, undoStack_->undoText());
+    QString redo = caption(desktoptext::kRedo, desktoptext::kRedoNamed, undoStack_->redoText());
     // The undo key lies beside Z; redo is the second item.
     const QStringList marked = withMnemonics({undo, redo}, QStringLiteral("UR"));
     mnu_undo->setText(marked.at(0));
@@ -125,7 +125,8 @@ std::optional<SlideState> frmMMSMain::slideState(qint16 position) const {
 
 void frmMMSMain::recordInsert(qint16 position) {
     if (std::optional<SlideState> added = slideState(position))
-        record(new InsertSlideStep(*this, loc_.getMCrInterfaceStr(texts::kStepAddSlide), position, *added));
+        record(new InsertSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepAddSlide), position,
+                                   *added));
 }
 
 void frmMMSMain::recordChange(qint16 position, const SlideContent& before, const QImage& thumbnailBefore,
@@ -141,19 +142,19 @@ void frmMMSMain::recordChange(qint16 position, const SlideContent& before, const
 }
 
 QString frmMMSMain::stepName(const QString& field, const QString& value) const {
-    int name = texts::kStepText;
+    int name = desktoptext::kStepText;
     if (field == QLatin1String("slideDur")) {
-        name = texts::kStepDuration;
+        name = desktoptext::kStepDuration;
     } else if (field == QLatin1String("imgPath")) {
-        name = value.isEmpty() ? texts::kRemovePicture : texts::kStepAttachPicture;
+        name = value.isEmpty() ? desktoptext::kRemovePicture : desktoptext::kStepAttachPicture;
     } else if (field == QLatin1String("soundPath")) {
         // A tune from the crop window lies in the scratch folder of cropped tunes.
         const bool cropped =
             !value.isEmpty() &&
             QFileInfo(value).absolutePath() == QDir(workspace::tmpMid(options_.appFolder)).absolutePath();
-        name = value.isEmpty() ? texts::kRemoveSound
-               : cropped       ? texts::kStepAttachCrop
-                               : texts::kStepAttachSound;
+        name = value.isEmpty() ? desktoptext::kRemoveSound
+               : cropped       ? desktoptext::kStepAttachCrop
+                               : desktoptext::kStepAttachSound;
     }
     return loc_.getMCrInterfaceStr(name);
 }
