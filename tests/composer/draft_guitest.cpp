@@ -19,7 +19,11 @@ const char kHomeVariable[] = "MMS_DRAFT_CHILD_HOME";
 
 class DraftTest : public ComposerTest {
 protected:
-    bool draftExists() const { return DraftStore(home.path()).exists(); }
+    // Whether a draft lies in the workspace once the pending write or removal is done.
+    bool draftNow() {
+        w->flushDraft();
+        return DraftStore(home.path()).exists();
+    }
 };
 
 // The composer the test below starts as a child process: it edits a message, waits for its draft,
@@ -88,28 +92,20 @@ TEST_F(DraftTest, AKilledComposerLeavesADraftToRestore) {
 
 TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
     addSlides(u"A"_s);
-    w->flushDraft();
-    ASSERT_TRUE(draftExists());
+    ASSERT_TRUE(draftNow());
     w->messageState().currentFile = u"kept"_s;
     w->mnu_save_Click();
-    w->flushDraft();
-    EXPECT_FALSE(draftExists());
-
+    EXPECT_FALSE(draftNow());
     typeText(u"!"_s);
-    w->flushDraft();
-    ASSERT_TRUE(draftExists());
+    ASSERT_TRUE(draftNow());
     w->mnu_new_Click();
-    w->flushDraft();
-    EXPECT_FALSE(draftExists());
-
+    EXPECT_FALSE(draftNow());
     addSlides(u"B"_s);
-    w->flushDraft();
-    ASSERT_TRUE(draftExists());
+    ASSERT_TRUE(draftNow());
     bool cancel = false;
     fake.dialogs.answers.push_back(Answer::No); // close without saving: the changes are given up
     w->Form_QueryUnload(cancel);
-    w->flushDraft();
-    EXPECT_FALSE(cancel || draftExists());
+    EXPECT_FALSE(cancel || draftNow());
 
     // A draft declined at start-up goes; nothing is written over one not yet offered.
     const QByteArray left = encodeDraft(Draft{{}, {}, 0, {}});
@@ -121,15 +117,14 @@ TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
     EXPECT_EQ(TempDir::read(DraftStore(home.path()).path()), left);
     fake.dialogs.answers.push_back(Answer::No);
     w->offerDraftRestore();
-    w->flushDraft();
-    EXPECT_FALSE(draftExists());
+    EXPECT_FALSE(draftNow());
 }
 
 TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
     ASSERT_TRUE(DraftStore(home.path()).write("{ not a draft").isOk());
     w->offerDraftRestore();
     ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E35"_s});
-    EXPECT_FALSE(draftExists());
+    EXPECT_FALSE(DraftStore(home.path()).exists());
     EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
 
     const Draft draft{

@@ -105,6 +105,15 @@ TEST_F(HistoryTest, EveryCommandIsUndoneAndRedoneWithStripThumbnailsAndListInSte
         EXPECT_TRUE(w->isModified() && w->isWindowModified());
     }
     EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
+    // Picture and sound come off through the context menus of the phone frame and the sound's name,
+    // and through the Delete key while either has the focus.
+    for (const auto& [owner, action] :
+         {std::pair{"phoneScreen", "mnu_removePicture"}, {"lblSoundName", "mnu_removeSound"}}) {
+        auto* widget = ctl<QWidget>(w, owner);
+        EXPECT_EQ(widget->contextMenuPolicy(), Qt::ActionsContextMenu);
+        EXPECT_TRUE(widget->actions().contains(ctl<QAction>(w, action)));
+        EXPECT_EQ(ctl<QAction>(w, action)->shortcut(), QKeySequence(Qt::Key_Delete));
+    }
 }
 
 TEST_F(HistoryTest, TypingPausesSplitStepsAndNewClearsTheHistory) {
@@ -131,47 +140,6 @@ TEST_F(HistoryTest, TypingPausesSplitStepsAndNewClearsTheHistory) {
     QApplication::sendEvent(ctl<QPlainTextEdit>(w, "txtText"), &undoKey);
     EXPECT_FALSE(undoKey.isAccepted());
     EXPECT_EQ(ctl<QAction>(w, "mnu_undo")->text(), u"&I81"_s);
-}
-
-TEST_F(HistoryTest, ASlideMadeByTypingIntoAnEmptyMessageIsUndoneToNoSlide) {
-    fake.dialogs.answers.push_back(Answer::No);
-    w->mnu_new_Click();
-    w->enableSlideCmds(); // the text box takes typing before any slide exists
-    typeText(u"H"_s);
-    ASSERT_EQ(order(), u"H"_s);
-    // Clicking into the box made the slide; typing filled it.
-    undo();
-    EXPECT_EQ(order(), u"_"_s);
-    EXPECT_EQ(w->history().undoText(), u"I10"_s);
-    undo();
-    EXPECT_TRUE(w->message().IsEmpty());
-    EXPECT_EQ(w->stripModel().count(), 0);
-    redo();
-    redo();
-    EXPECT_EQ(order(), u"H"_s);
-    expectInStep();
-}
-
-TEST_F(HistoryTest, PictureAndSoundComeOffBySlideContextCommandsAndTheDeleteKey) {
-    pick(2);
-    auto* removePicture = ctl<QAction>(w, "mnu_removePicture");
-    EXPECT_TRUE(removePicture->isEnabled() && !ctl<QAction>(w, "mnu_removeSound")->isEnabled());
-    const QString sizeBefore = ctl<QLabel>(w, "lblSize")->text();
-    auto* phone = ctl<QFrame>(w, "phoneScreen");
-    EXPECT_EQ(phone->contextMenuPolicy(), Qt::ActionsContextMenu);
-    EXPECT_TRUE(phone->actions().contains(removePicture));
-    EXPECT_EQ(removePicture->shortcut(), QKeySequence(Qt::Key_Delete));
-    removePicture->trigger();
-    EXPECT_TRUE(w->message().nodeAt(2)->DataImgPath.isEmpty());
-    EXPECT_EQ(w->stripModel().thumbnail(2), w->stripModel().thumbnail(1)); // blank again
-    EXPECT_NE(ctl<QLabel>(w, "lblSize")->text(), sizeBefore);
-    EXPECT_FALSE(removePicture->isEnabled());
-
-    pick(3);
-    ctl<QAction>(w, "mnu_removeSound")->trigger();
-    EXPECT_TRUE(w->message().nodeAt(3)->DataSoundPath.isEmpty());
-    EXPECT_TRUE(ctl<QLabel>(w, "lblSoundName")->text().isEmpty());
-    EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
 }
 
 } // namespace

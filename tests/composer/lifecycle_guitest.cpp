@@ -1,6 +1,6 @@
-#include "common/workspace.h"
 #include "composerfixture.h"
 #include "support/controls.h"
+#include "common/workspace.h"
 
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
@@ -40,21 +40,15 @@ TEST_F(LifecycleTest, FirstStartShowsTheFiltersFoldersAndAnEmptyMessage) {
               (QStringList{u"I29"_s, u"I30 (*.gif)"_s, u"I31 (*.jpg)"_s, u"I32 (*.bmp)"_s}));
     EXPECT_EQ(comboEntries(ctl<QComboBox>(sounds, "soundTypeCombo")),
               (QStringList{u"I33"_s, u"I34 (*.amr)"_s, u"I35 (*.mid)"_s}));
-    EXPECT_EQ(ctl<QLineEdit>(pictures, "imgDirPath")->text(),
-              QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
-    EXPECT_EQ(ctl<QLineEdit>(sounds, "soundDirPath")->text(),
-              QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
+    EXPECT_EQ(ctl<QLineEdit>(pictures, "imgDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
+    EXPECT_EQ(ctl<QLineEdit>(sounds, "soundDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
     // The empty message: only adding is possible.
     EXPECT_TRUE(ctl<QAction>(w, "add_slide")->isEnabled() && ctl<QToolButton>(w, "addCmd")->isEnabled());
-    for (QAction* a :
-         {ctl<QAction>(w, "rm_slide"), ctl<QAction>(w, "sendfront"), ctl<QAction>(w, "sendfwd"),
-          ctl<QAction>(w, "sendbwd"), ctl<QAction>(w, "sendback"), ctl<QAction>(w, "mnu_upload")})
+    for (QAction* a : {ctl<QAction>(w, "rm_slide"), ctl<QAction>(w, "sendfront"), ctl<QAction>(w, "sendfwd"), ctl<QAction>(w, "sendbwd"), ctl<QAction>(w, "sendback"), ctl<QAction>(w, "mnu_upload")})
         EXPECT_FALSE(a->isEnabled()) << a->objectName().toStdString();
-    for (QWidget* b : std::initializer_list<QWidget*>{
-             ctl<QToolButton>(w, "ffCmd"), ctl<QToolButton>(w, "fCmd"), ctl<QToolButton>(w, "rCmd"),
-             ctl<QToolButton>(w, "rrCmd"), ctl<QToolButton>(w, "removeCmd"), ctl<QPushButton>(w, "createCmd"),
-             ctl<QToolButton>(w, "soundPlayCmd"), ctl<QPushButton>(pictures, "chgImgCmd"),
-             ctl<QPushButton>(sounds, "chgSoundCmd"), ctl<QPushButton>(sounds, "cropCmd")})
+    for (QWidget* b : std::initializer_list<QWidget*>{ctl<QToolButton>(w, "ffCmd"), ctl<QToolButton>(w, "fCmd"), ctl<QToolButton>(w, "rCmd"), ctl<QToolButton>(w, "rrCmd"), ctl<QToolButton>(w, "removeCmd"),
+                                                      ctl<QPushButton>(w, "createCmd"), ctl<QToolButton>(w, "soundPlayCmd"), ctl<QPushButton>(pictures, "chgImgCmd"),
+                                                      ctl<QPushButton>(sounds, "chgSoundCmd"), ctl<QPushButton>(sounds, "cropCmd")})
         EXPECT_FALSE(b->isEnabled()) << b->objectName().toStdString();
     EXPECT_FALSE(w->isModified() || w->isPlaying());
 }

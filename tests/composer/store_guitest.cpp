@@ -1,9 +1,9 @@
 #include "composer/slidepicture.h"
+#include "support/controls.h"
 #include "composerfixture.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
 #include "store/widgets/frmmmsfilesave.h"
-#include "support/controls.h"
 
 #include <QLabel>
 
@@ -19,12 +19,9 @@ protected:
         fake.dialogs.modalHooks.push_back([name](QDialog& d) {
             auto& dialog = dynamic_cast<Dialog&>(d);
             dialog.txtName->setText(name);
-            if constexpr (std::is_same_v<Dialog, frmMMSFileSave>)
-                ctl<QPushButton>(dialog, "cmdSave")->click();
-            if constexpr (std::is_same_v<Dialog, frmMMSFileOpen>)
-                ctl<QPushButton>(dialog, "cmdOpen")->click();
-            if constexpr (std::is_same_v<Dialog, frmMMSFileDelete>)
-                ctl<QPushButton>(dialog, "cmdDelete")->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileSave>) ctl<QPushButton>(dialog, "cmdSave")->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileOpen>) ctl<QPushButton>(dialog, "cmdOpen")->click();
+            if constexpr (std::is_same_v<Dialog, frmMMSFileDelete>) ctl<QPushButton>(dialog, "cmdDelete")->click();
         });
     }
     bool stored(const QString& name) const {

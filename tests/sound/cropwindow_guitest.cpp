@@ -1,9 +1,9 @@
 #include "composer/composerfixture.h"
+#include "support/controls.h"
 #include "sound/midi_testfile.h"
 #include "sound/mididecoder.h"
 #include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
-#include "support/controls.h"
 
 #include <QDir>
 #include <QLabel>
@@ -48,9 +48,7 @@ protected:
 
 TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_TRUE(ctl<QPushButton>(w, "Command2")->isEnabled()); // only Mark in, before a tune is open
-    for (QWidget* off :
-         std::initializer_list<QWidget*>{ctl<QPushButton>(w, "Command3"), ctl<QPushButton>(w, "Command1"),
-                                         ctl<QPushButton>(w, "Command4"), ctl<QSlider>(w, "Slider1")})
+    for (QWidget* off : std::initializer_list<QWidget*>{ctl<QPushButton>(w, "Command3"), ctl<QPushButton>(w, "Command1"), ctl<QPushButton>(w, "Command4"), ctl<QSlider>(w, "Slider1")})
         EXPECT_FALSE(off->isEnabled()) << off->objectName().toStdString();
     QStringList times;
     for (qint64 ms : {90000, 3599000, 3600499, 500})
@@ -66,11 +64,8 @@ TEST_F(CropWindowTest, OpeningShowsTheLengthAndStatusUpdatesMoveTheSlider) {
     EXPECT_EQ(ctl<QLabel>(w, "lblStatus")->text(), u"I53 00:45 / 01:30"_s);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->maximum(), 90);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 45);
-    EXPECT_EQ(ctl<QLabel>(w, "Label1")->text() + ctl<QLabel>(w, "Label2")->text() +
-                  ctl<QLabel>(w, "Label3")->text(),
-              u"00:0000:4501:30"_s);
-    EXPECT_TRUE(ctl<QToolButton>(w, "MMControl1Stop")->isEnabled() &&
-                !ctl<QToolButton>(w, "MMControl1Play")->isEnabled());
+    EXPECT_EQ(ctl<QLabel>(w, "Label1")->text() + ctl<QLabel>(w, "Label2")->text() + ctl<QLabel>(w, "Label3")->text(), u"00:0000:4501:30"_s);
+    EXPECT_TRUE(ctl<QToolButton>(w, "MMControl1Stop")->isEnabled() && !ctl<QToolButton>(w, "MMControl1Play")->isEnabled());
     player.reportAt(90000); // the end of the tune: back to the beginning
     EXPECT_EQ(player.log.last(), u"Prev"_s);
     EXPECT_EQ(ctl<QSlider>(w, "Slider1")->value(), 0);
@@ -97,11 +92,9 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E18"_s});
     EXPECT_TRUE(ctl<QLineEdit>(w, "txtCropEnd")->text().isEmpty());
     EXPECT_TRUE(ctl<QPushButton>(w, "Command3")->isEnabled());
-    EXPECT_FALSE(ctl<QPushButton>(w, "Command1")->isEnabled() ||
-                 ctl<QPushButton>(w, "Command4")->isEnabled());
+    EXPECT_FALSE(ctl<QPushButton>(w, "Command1")->isEnabled() || ctl<QPushButton>(w, "Command4")->isEnabled());
     mark(*w, 7000, 12460);
-    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text() + ctl<QLineEdit>(w, "txtCropEnd")->text(),
-              u"7.0s12.5s"_s);
+    EXPECT_EQ(ctl<QLineEdit>(w, "txtCropStart")->text() + ctl<QLineEdit>(w, "txtCropEnd")->text(), u"7.0s12.5s"_s);
     EXPECT_TRUE(ctl<QPushButton>(w, "Command1")->isEnabled() && ctl<QPushButton>(w, "Command4")->isEnabled());
     player.log.clear();
     player.reportAt(12500); // before the stretch is played, the end mark is nothing special
