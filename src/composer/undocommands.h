@@ -97,7 +97,8 @@ public:
     ChangeSlideStep(SlideEditTarget& target, const QString& text, qint16 position, SlideState before,
                     SlideState after, Burst burst, QDateTime when);
 
-    int id() const override { return burst_ == Burst::None ? -1 : 0x534c4944; }
+    // Only bursts merge; the stack asks for equal ids before it offers a merge.
+    int id() const override { return burst_ == Burst::None ? -1 : 1; }
     bool mergeWith(const QUndoCommand* other) override;
 
 private:

@@ -319,7 +319,7 @@ private:
                       const QString& field, const QString& value);
     QString stepName(const QString& field, const QString& value) const;
     void commitField(const QString& field, const QString& value);
-    bool removeSlideAt(qint16 position);
+    bool removeFromStrip(qint16 position);
     QImage thumbnailFor(const QString& picture) const;
     void updateAddCmds();
     // SlideEditTarget: the history's replay on the list and the strip.

@@ -93,14 +93,14 @@ void frmMMSMain::removeCmd_Click() {
     const qint16 cur = selectedSlide();
     if (cur < 1) return;
     const std::optional<SlideState> removed = slideState(cur);
-    if (removed && removeSlideAt(cur))
+    if (removed && removeFromStrip(cur))
         record(new RemoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepRemoveSlide), cur,
                                    *removed));
 }
 
 // Removes slide `cur` from the list and the strip and shows its neighbour; false when the list
 // refused (error 5).
-bool frmMMSMain::removeSlideAt(qint16 cur) {
+bool frmMMSMain::removeFromStrip(qint16 cur) {
     CounterBatch batch(*this);
     const QScopedValueRollback quiet(stripFromCode_, true);
     if (!slides_.RemoveFromList(cur)) {

@@ -37,12 +37,9 @@ protected:
         if (event->type() != QEvent::ShortcutOverride) return false;
         const auto* key = static_cast<QKeyEvent*>(event);
         const QKeySequence typed(key->keyCombination());
-        for (const QKeySequence& history :
-             {QKeySequence(QKeySequence::Undo), QKeySequence(QKeySequence::Redo),
-              QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)}) {
-            if (typed == history) return true;
-        }
-        return false;
+        return key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo) ||
+               typed == QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z) ||
+               typed == QKeySequence(Qt::CTRL | Qt::Key_Y);
     }
 };
 
@@ -176,7 +173,7 @@ void frmMMSMain::insertSlide(qint16 position, const SlideState& state) {
 }
 
 void frmMMSMain::removeSlide(qint16 position) {
-    (void)removeSlideAt(position);
+    (void)removeFromStrip(position);
 }
 
 void frmMMSMain::moveSlide(qint16 from, qint16 to) {
