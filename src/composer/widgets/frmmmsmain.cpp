@@ -67,6 +67,8 @@ frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options o
 frmMMSMain::~frmMMSMain() {
     if (hookInstalled_) platform_.device.setNotifyHandler({});
     draftWriter_.waitForDone();
+    // The history clears itself as it goes, which must not reach a window that is no longer one.
+    disconnect(undoStack_, nullptr, this, nullptr);
 }
 
 Status frmMMSMain::applyLanguage(int langIndex) {
