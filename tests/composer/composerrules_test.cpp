@@ -1,6 +1,6 @@
+#include "common/workspace.h"
 #include "composer/composertext.h"
 #include "composer/workspacefolders.h"
-#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -74,7 +74,9 @@ TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyNeverFollowsLinksOutAn
     EXPECT_TRUE(QFileInfo(home.file(QStringLiteral("UserData/MMS"))).isDir());
     EXPECT_EQ(test::TempDir::read(precious), QByteArray("keep"));
 
+    // Without temp.mmt a folder called temp is not the working copy, and it stays.
     ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
+    home.write(QStringLiteral("UserData/MMS/temp/keep.txt"), "x");
     home.write(QStringLiteral("Temp/tmpJPG/a.jpg"), "x");
     ASSERT_TRUE(QDir(home.file(QStringLiteral("Temp/tmpMID"))).removeRecursively());
     home.write(QStringLiteral("Temp/tmpMID"), "a file, not the folder");
@@ -83,6 +85,7 @@ TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyNeverFollowsLinksOutAn
     EXPECT_TRUE(s.message().contains(QStringLiteral("tmpMID"))) << s.message().toStdString();
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpJPG"))));
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Temp/tmpMID"))));
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("UserData/MMS/temp/keep.txt"))));
 }
 
 } // namespace

@@ -37,9 +37,10 @@ protected:
     }
     Snapshot snapshot() const {
         Snapshot s;
-        s.labels = labels();
-        for (int i = 1; i <= w->stripModel().count(); ++i)
+        for (int i = 1; i <= w->stripModel().count(); ++i) {
+            s.labels << w->stripModel().label(i);
             s.thumbnails << w->stripModel().thumbnail(i);
+        }
         for (auto n = w->message().firstItem(); n; n = n->NextNode)
             s.nodes << contentOf(*n);
         s.counters = ctl<QLabel>(w, "lblSlide")->text() + ctl<QLabel>(w, "lblSize")->text();
@@ -101,7 +102,7 @@ TEST_F(HistoryTest, EveryCommandIsUndoneAndRedoneWithStripThumbnailsAndListInSte
         redo();
         EXPECT_EQ(snapshot(), after);
         expectPanelShowsSelection();
-        expectInStep();
+        EXPECT_FALSE(strip().contains(u'?')) << strip().toStdString();
         EXPECT_TRUE(w->isModified() && w->isWindowModified());
     }
     EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
@@ -122,9 +123,9 @@ TEST_F(HistoryTest, TypingPausesSplitStepsAndNewClearsTheHistory) {
     fake.clock.time = fake.clock.time.addSecs(3);
     typeText(u"cd"_s);
     undo();
-    EXPECT_EQ(order(), u"AabBC"_s);
+    EXPECT_EQ(strip(), u"Aab3s B3s C3s"_s);
     undo();
-    EXPECT_EQ(order(), u"ABC"_s);
+    EXPECT_EQ(strip(), u"A3s B3s C3s"_s);
     // Typing back to where the burst began leaves nothing to undo.
     const int steps = w->history().index();
     typeText(u"x"_s);

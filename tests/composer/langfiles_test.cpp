@@ -36,9 +36,6 @@ Localisation load(int langIndex) {
 
 TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
     const Localisation english = load(0);
-    EXPECT_EQ(english.getMCrInterfaceStr(0), QStringLiteral("MMS Composer"));
-    EXPECT_EQ(english.getMCrErrStr(23),
-              QStringLiteral("The message could not be saved. The stored copy was left as it was.\n%1"));
     static const QRegularExpression placeholder(QStringLiteral("%[1-9]"));
     for (int lang = 0; lang < 8; ++lang) {
         const Localisation loc = load(lang);

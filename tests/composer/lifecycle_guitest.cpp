@@ -1,12 +1,12 @@
 #include "composerfixture.h"
+#include "image/picturefiles.h"
 #include "support/controls.h"
-#include "common/workspace.h"
 
-#include "image/widgets/picturepanel.h"
-#include "sound/widgets/soundpanel.h"
 #include <QAction>
-#include <QComboBox>
 #include <QDir>
+#include <QLabel>
+#include <QListWidget>
+#include <QTest>
 
 using namespace mms;
 using namespace mms::test;
@@ -17,12 +17,6 @@ namespace {
 class LifecycleTest : public ComposerTest {
 protected:
     bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
-    static QStringList comboEntries(QComboBox* combo) {
-        QStringList out;
-        for (int i = 0; i < combo->count(); ++i)
-            out << combo->itemText(i);
-        return out;
-    }
     // A second window started with `options`; returns the failure message ("" when it started).
     QString startFails(frmMMSMain::Options options, Localisation& texts) {
         options.appFolder = home.path();
@@ -32,24 +26,16 @@ protected:
     }
 };
 
-TEST_F(LifecycleTest, FirstStartShowsTheFiltersFoldersAndAnEmptyMessage) {
+TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrow) {
     EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
-    PicturePanel& pictures = *ctl<PicturePanel>(w, "picturePanel");
-    SoundPanel& sounds = *ctl<SoundPanel>(w, "soundPanel");
-    EXPECT_EQ(comboEntries(ctl<QComboBox>(pictures, "imgTypeCombo")),
-              (QStringList{u"I29"_s, u"I30 (*.gif)"_s, u"I31 (*.jpg)"_s, u"I32 (*.bmp)"_s}));
-    EXPECT_EQ(comboEntries(ctl<QComboBox>(sounds, "soundTypeCombo")),
-              (QStringList{u"I33"_s, u"I34 (*.amr)"_s, u"I35 (*.mid)"_s}));
-    EXPECT_EQ(ctl<QLineEdit>(pictures, "imgDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
-    EXPECT_EQ(ctl<QLineEdit>(sounds, "soundDirPath")->text(), QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
-    // The empty message: only adding is possible.
-    EXPECT_TRUE(ctl<QAction>(w, "add_slide")->isEnabled() && ctl<QToolButton>(w, "addCmd")->isEnabled());
-    for (QAction* a : {ctl<QAction>(w, "rm_slide"), ctl<QAction>(w, "sendfront"), ctl<QAction>(w, "sendfwd"), ctl<QAction>(w, "sendbwd"), ctl<QAction>(w, "sendback"), ctl<QAction>(w, "mnu_upload")})
-        EXPECT_FALSE(a->isEnabled()) << a->objectName().toStdString();
-    for (QWidget* b : std::initializer_list<QWidget*>{ctl<QToolButton>(w, "ffCmd"), ctl<QToolButton>(w, "fCmd"), ctl<QToolButton>(w, "rCmd"), ctl<QToolButton>(w, "rrCmd"), ctl<QToolButton>(w, "removeCmd"),
-                                                      ctl<QPushButton>(w, "createCmd"), ctl<QToolButton>(w, "soundPlayCmd"), ctl<QPushButton>(pictures, "chgImgCmd"),
-                                                      ctl<QPushButton>(sounds, "chgSoundCmd"), ctl<QPushButton>(sounds, "cropCmd")})
-        EXPECT_FALSE(b->isEnabled()) << b->objectName().toStdString();
+    EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(),
+              QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
+    EXPECT_EQ(ctl<QLineEdit>(w, "soundDirPath")->text(),
+              QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
+    EXPECT_EQ(enabled({"add_slide", "addCmd", "rm_slide", "removeCmd", "createCmd", "mnu_upload",
+                       "soundPlayCmd", "chgImgCmd", "chgSoundCmd", "cropCmd"}),
+              u"1100000000"_s);
+    EXPECT_EQ(moves(), u"0000 0000"_s);
     EXPECT_FALSE(w->isModified() || w->isPlaying());
 }
 
@@ -59,7 +45,6 @@ TEST_F(LifecycleTest, StartUpStopsOnAFolderItCannotMakeOrAMissingLanguageFile) {
     home.write(u"Temp"_s, "a file where a folder belongs");
     QString message = startFails({}, loc);
     EXPECT_TRUE(message.contains(QDir::toNativeSeparators(home.file(u"Temp"_s)))) << message.toStdString();
-    EXPECT_TRUE(exists(u"UserData/MMS"_s));
     TempDir noLanguages;
     Localisation empty;
     frmMMSMain::Options options;
@@ -69,60 +54,73 @@ TEST_F(LifecycleTest, StartUpStopsOnAFolderItCannotMakeOrAMissingLanguageFile) {
     EXPECT_TRUE(message.contains(u"French.lng"_s)) << message.toStdString();
 }
 
-TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExit) {
+TEST_F(LifecycleTest, ClosingAnUnchangedMessageAsksToExitAndCleansUpWithoutAWord) {
     fake.dialogs.answers = {Answer::No};
     EXPECT_FALSE(w->close());
     ASSERT_EQ(fake.dialogs.shown.size(), 1u);
-    EXPECT_EQ(fake.dialogs.shown[0].text, u"P4"_s);
-    EXPECT_EQ(fake.dialogs.shown[0].title, u"I0"_s);
-    EXPECT_EQ(fake.dialogs.shown[0].buttons, Buttons::YesNo);
-    EXPECT_TRUE(exists(u"Temp/tmpJPG"_s));
-    // Yes: the working copy and the scratch folders go, the user's folders stay.
-    home.write(u"UserData/MMS/temp/pic1.jpg"_s, "x");
+    const Message& asked = fake.dialogs.shown[0];
+    EXPECT_TRUE(asked.text == u"P4"_s && asked.title == u"I0"_s && asked.buttons == Buttons::YesNo);
+    // Yes: the working copy goes; the clean-up stops quietly at the scratch folder that is gone already.
     home.write(u"UserData/MMS/temp.mmt"_s, "\"\"\n");
-    home.write(u"UserData/MMS/party.mmt"_s, "\"\"\n");
-    home.write(u"Temp/tmpJPG/a.jpg"_s, "x");
+    home.write(u"UserData/MMS/temp/pic1.jpg"_s, "x");
+    ASSERT_TRUE(QDir(home.file(u"Temp/tmpJPG"_s)).removeRecursively());
+    w->show();
     fake.dialogs.answers = {Answer::Yes};
     ctl<QAction>(w, "mnu_exit")->trigger();
     EXPECT_FALSE(w->isVisible());
-    for (const char* gone : {"UserData/MMS/temp", "UserData/MMS/temp.mmt", "Temp"})
-        EXPECT_FALSE(exists(QLatin1String(gone))) << gone;
-    for (const char* kept : {"UserData/MMS/party.mmt", "UserData/Picture", "UserData/Sound"})
-        EXPECT_TRUE(exists(QLatin1String(kept))) << kept;
+    EXPECT_FALSE(exists(u"UserData/MMS/temp.mmt"_s) || exists(u"UserData/MMS/temp"_s));
+    EXPECT_TRUE(exists(u"Temp/tmpMID"_s));
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P4"_s, u"P4"_s}));
 }
 
-TEST_F(LifecycleTest, ClosingAChangedMessageAsksToSaveWithItsCancelPaths) {
+TEST_F(LifecycleTest, ClosingAChangedMessageAsksToSaveAndOnlyNoDropsTheChanges) {
     ctl<QToolButton>(w, "addCmd")->click();
-    // Cancel, and Yes with the save's name dialog cancelled: the changes stay open.
-    for (Answer answer : {Answer::Cancel, Answer::Yes}) {
+    // Yes runs the save, whose name dialog is cancelled here: the changes stay open, as with Cancel.
+    for (Answer answer : {Answer::Cancel, Answer::Yes, Answer::No}) {
         fake.dialogs.shown.clear();
         fake.dialogs.answers = {answer};
-        EXPECT_FALSE(w->close());
-        EXPECT_EQ(fake.dialogs.shown.at(0).text, u"P2"_s);
-        EXPECT_EQ(fake.dialogs.shown.at(0).buttons, Buttons::YesNoCancel);
-        EXPECT_EQ(fake.dialogs.shown.at(0).icon, Icon::Question);
-        EXPECT_TRUE(w->isModified());
-        EXPECT_EQ(w->message().getTotalSlide(), 1);
-        EXPECT_TRUE(exists(u"Temp"_s));
+        EXPECT_EQ(w->close(), answer == Answer::No);
+        ASSERT_EQ(fake.dialogs.shown.size(), 1u);
+        const Message& asked = fake.dialogs.shown[0];
+        EXPECT_TRUE(asked.text == u"P2"_s && asked.buttons == Buttons::YesNoCancel &&
+                    asked.icon == Icon::Question);
+        EXPECT_EQ(exists(u"Temp"_s), answer != Answer::No);
     }
-    // No: the changes are dropped and the clean-up runs.
-    fake.dialogs.shown.clear();
-    fake.dialogs.answers = {Answer::No};
-    EXPECT_TRUE(w->close());
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P2"_s});
-    EXPECT_FALSE(exists(u"Temp"_s));
 }
 
-TEST_F(LifecycleTest, CleanUpSkipsAMissingWorkingCopyAndStopsQuietlyAtAFailedStep) {
-    // No temp.mmt: a folder called temp is not the working copy and stays.
-    home.write(u"UserData/MMS/temp/keep.txt"_s, "x");
-    ASSERT_TRUE(QDir(home.file(u"Temp/tmpJPG"_s)).removeRecursively());
-    fake.dialogs.answers = {Answer::Yes};
-    EXPECT_TRUE(w->close());
-    EXPECT_TRUE(exists(u"UserData/MMS/temp/keep.txt"_s));
-    // tmpJPG was already gone: the steps after it are skipped.
-    EXPECT_TRUE(exists(u"Temp/tmpMID"_s));
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P4"_s});
+// The real window with the shipped English texts, a library and a filled slide. With MMS_SCREENSHOT
+// set to a file name the window is also saved there as a PNG, to look at.
+TEST(ComposerWindow, ShowsTheFilledSlideWithTheShippedTexts) {
+    TempDir home;
+    FakePlatform fake;
+    Localisation loc;
+    frmMMSMain::Options options;
+    options.appFolder = home.path();
+    options.languageFolder = QStringLiteral(MMS_BIN_DIR);
+    options.languageCode = u"en"_s;
+    const QColor sky(0x42, 0x85, 0xf4);
+    QImage picture(320, 240, QImage::Format_RGB32);
+    picture.fill(sky);
+    const QString path = home.write(u"UserData/Picture/beach.jpg"_s, {});
+    ASSERT_TRUE(picture.save(path));
+
+    frmMMSMain w(fake.platform, loc, options);
+    ASSERT_TRUE(w.Form_Load().isOk());
+    ctl<QToolButton>(w, "addCmd")->click();
+    w.updateCurrentSlide(u"imgPath"_s, path);
+    w.updateCurrentSlide(u"soundPath"_s, home.write(u"UserData/Sound/party.mid"_s, "MThd"));
+    w.txtText_Click();
+    ctl<QPlainTextEdit>(w, "txtText")->setPlainText(u"Happy birthday, Anna!"_s);
+    w.lstSlide_ItemClick();
+    w.show();
+    // The picture library fills in the background.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ctl<QListWidget>(w, "lstPicView")->count() == 1; }, 20000));
+    const QImage shot = w.grab().toImage();
+    if (const QString target = qEnvironmentVariable("MMS_SCREENSHOT"); !target.isEmpty()) shot.save(target);
+    EXPECT_TRUE(w.windowTitle().startsWith(u"MMS Composer - "_s)) << w.windowTitle().toStdString();
+    const QLabel* screen = ctl<QLabel>(w, "picPanel");
+    EXPECT_TRUE(test::near(shot.pixelColor(screen->mapTo(&w, screen->rect().center())), sky));
+    w.Form_Unload();
 }
 
 } // namespace

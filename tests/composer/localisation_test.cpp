@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -84,16 +85,9 @@ TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
         EXPECT_EQ(langIndexForCode(codes.at(i)), i);
     for (const char* other : {"IT", "en", " it", "Sch"})
         EXPECT_EQ(langIndexForCode(QString::fromUtf8(other)), 0);
-    QStringList files, helps;
-    for (int i = -1; i <= 8; ++i) {
-        files.append(languageFileName(i));
-        helps.append(helpFileName(i));
-    }
-    EXPECT_EQ(files,
-              list({"English.lng", "English.lng", "SimplifiedChinese.lng", "TraditionalChinese.lng",
-                    "French.lng", "German.lng", "Italian.lng", "Spanish.lng", "Russian.lng", "English.lng"}));
-    EXPECT_EQ(helps, list({"Morvane.chm", "Morvane.chm", "MorvaneSim.chm", "MorvaneChi.chm", "Morvane.chm",
-                           "Morvane.chm", "MorvaneIta.chm", "Morvane.chm", "Morvane.chm", "Morvane.chm"}));
+    // Out of the table: English.
+    EXPECT_EQ(languageFileName(-1) + languageFileName(9) + helpFileName(9),
+              u"English.lngEnglish.lngMorvane.chm"_s);
 }
 
 TEST(LanguageChoice, ReadsTheSettingWithUserOverSystemAndIgnoresNonStrings) {
@@ -132,7 +126,7 @@ TEST(Localisation, LoadFailuresNameTheFileKeepTheTextsAndLookupsBeyondTheEndThro
 
     EXPECT_EQ(loc.getMCrPromptStr(1) + loc.getMCrErrStr(0) + loc.getMCrInterfaceStr(1),
               QStringLiteral("bce"));
-    try {
+    try { // the start-up shows this text when a lookup fails
         (void)loc.getMCrInterfaceStr(2);
         FAIL();
     } catch (const std::out_of_range& e) {

@@ -1,4 +1,4 @@
-#include "package/mmscrun.h"
+#include "app/mmscrun.h"
 #include "store/storefixture.h"
 
 #include <QImage>

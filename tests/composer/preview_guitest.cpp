@@ -2,98 +2,91 @@
 #include "support/controls.h"
 #include "sound/amr_testfile.h"
 
-#include <QLabel>
 #include <QThread>
 
 using namespace mms;
 using namespace mms::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList kStopClose = {QStringLiteral("stop music"), QStringLiteral("close music")};
+const QStringList kStopClose = {u"stop music"_s, u"close music"_s};
 
+// Two slides; the first has a MIDI sound, is shown and its preview is playing.
 class PreviewTest : public ComposerTest {
 protected:
-    // Two slides; the first has a MIDI sound and is shown.
     void SetUp() override {
         ComposerTest::SetUp();
-        addSlides(QStringLiteral("AB"));
+        addSlides(u"AB"_s);
         pick(1);
-        tune = home.write(QStringLiteral("UserData/Sound/Tune.MID"), "MThd");
-        w->updateCurrentSlide(QStringLiteral("soundPath"), tune);
+        w->updateCurrentSlide(u"soundPath"_s, tune);
         w->lstSlide_ItemClick();
         fake.device.sent.clear();
+        play = ctl<QToolButton>(w, "soundPlayCmd");
+        play->click();
     }
-    void play() {
-        ctl<QToolButton>(w, "soundPlayCmd")->click();
-        fake.device.sent.clear();
-    }
+    // The commands sent since the last call.
+    QStringList sent() { return std::exchange(fake.device.sent, {}); }
     void expectStopped() {
         EXPECT_FALSE(w->isPlaying());
-        EXPECT_EQ(ctl<QToolButton>(w, "soundPlayCmd")->toolTip(), QStringLiteral("I28"));
+        EXPECT_EQ(play->toolTip(), u"I28"_s);
     }
-    QString tune;
+    QString tune = home.write(u"UserData/Sound/Tune.MID"_s, "MThd");
+    QToolButton* play = nullptr;
 };
 
-TEST_F(PreviewTest, PlayThenStopSendsTheFourCommandsAndLateReportsChangeNothing) {
-    ctl<QToolButton>(w, "soundPlayCmd")->click();
+TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
     EXPECT_TRUE(w->isPlaying());
-    EXPECT_EQ(ctl<QToolButton>(w, "soundPlayCmd")->toolTip(), QStringLiteral("I27"));
-    EXPECT_EQ(fake.device.sent, (QStringList{QStringLiteral("open \"%1\" Alias music").arg(tune),
-                                             QStringLiteral("play music from 0 notify")}));
-    fake.device.sent.clear();
-    ctl<QToolButton>(w, "soundPlayCmd")->click();
+    EXPECT_EQ(play->toolTip(), u"I27"_s);
+    EXPECT_EQ(sent(), (QStringList{u"open \"%1\" Alias music"_s.arg(tune), u"play music from 0 notify"_s}));
+    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
+    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
+    EXPECT_TRUE(w->isPlaying());
+    // The successful end is reported on the player's thread and handled on the window's.
+    std::unique_ptr<QThread> player(
+        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); }));
+    player->start();
+    player->wait();
+    EXPECT_TRUE(w->isPlaying());
+    QCoreApplication::processEvents();
+    expectStopped();
+    EXPECT_EQ(sent(), kStopClose);
+
+    play->click();
+    sent();
+    play->click();
     // The stop makes the device report an aborted playback, and a late end report may follow.
     for (auto late : {MultimediaDevice::Notify::Aborted, MultimediaDevice::Notify::Successful}) {
         fake.device.emitNotify(late);
         expectStopped();
-        EXPECT_EQ(fake.device.sent, kStopClose);
     }
+    EXPECT_EQ(sent(), kStopClose);
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
 
-TEST_F(PreviewTest, OnlyASuccessfulEndReportedOnTheWindowThreadReturnsTheButtonToPlay) {
-    play();
-    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
-    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
-    EXPECT_TRUE(w->isPlaying());
-    EXPECT_TRUE(fake.device.sent.isEmpty());
-    QThread* player =
-        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); });
-    player->start();
-    player->wait();
-    delete player;
-    EXPECT_TRUE(w->isPlaying()); // not yet: the report waits for the window's event loop
-    QCoreApplication::processEvents();
-    expectStopped();
-    EXPECT_EQ(fake.device.sent, kStopClose);
-}
-
 TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreviewAndOnlyAnAmrSoundThatDecodesIsPlayed) {
-    play();
+    sent();
     pick(2);
     expectStopped();
-    EXPECT_EQ(fake.device.sent, kStopClose + kStopClose);
-    EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
-
-    const QString voice = home.write(QStringLiteral("UserData/Sound/voice.AMR"), amrTone(5));
-    for (const QString& sound : {home.write(QStringLiteral("UserData/Sound/fake.amr"), "#!AMR\n"), voice}) {
-        w->updateCurrentSlide(QStringLiteral("soundPath"), sound);
+    EXPECT_EQ(sent(), kStopClose + kStopClose);
+    EXPECT_FALSE(play->isEnabled());
+    const QString voice = home.write(u"UserData/Sound/voice.AMR"_s, amrTone(5));
+    for (const QString& sound : {home.write(u"UserData/Sound/fake.amr"_s, "#!AMR\n"), voice}) {
+        w->updateCurrentSlide(u"soundPath"_s, sound);
         w->lstSlide_ItemClick();
-        fake.device.sent.clear();
-        ctl<QToolButton>(w, "soundPlayCmd")->click();
+        sent();
+        play->click();
     }
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E7")}) << "the fake only";
-    EXPECT_EQ(fake.device.sent, (QStringList{QStringLiteral("open \"%1\" Alias music").arg(voice),
-                                             QStringLiteral("play music from 0 notify")}));
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E7"_s}) << "the fake only";
+    EXPECT_EQ(sent(), (QStringList{u"open \"%1\" Alias music"_s.arg(voice), u"play music from 0 notify"_s}));
     EXPECT_TRUE(w->isPlaying());
 }
 
 TEST_F(PreviewTest, ClosingTheWindowStopsThePreviewAndUnhooksTheDevice) {
-    play();
+    sent();
     fake.dialogs.answers = {Answer::No}; // the message was changed: do not save
     ASSERT_TRUE(w->close());
-    EXPECT_EQ(fake.device.sent.mid(0, 2), kStopClose);
+    EXPECT_EQ(sent().mid(0, 2), kStopClose);
     w.reset();
     fake.device.emitNotify(MultimediaDevice::Notify::Successful); // nobody listens any more
 }

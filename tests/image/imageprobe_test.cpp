@@ -3,9 +3,6 @@
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
-#include <QBuffer>
-#include <QImage>
-#include <QImageWriter>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <tuple>
@@ -15,12 +12,7 @@ using namespace mms;
 namespace {
 
 QByteArray encode(const QImage& image, const char* format, bool progressive = false) {
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, format);
-    writer.setProgressiveScanWrite(progressive);
-    EXPECT_TRUE(writer.write(image)) << writer.errorString().toStdString();
-    return buffer.data();
+    return test::encoded(image, format, -1, progressive);
 }
 
 QImage picture(int w, int h, QImage::Format format) {

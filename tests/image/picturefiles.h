@@ -2,16 +2,20 @@
 
 #include <QBuffer>
 #include <QImage>
+#include <QImageWriter>
 #include <QRandomGenerator>
 
 namespace mms::test {
 
-inline QByteArray encoded(const QImage& image, const char* format, int quality = -1) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
+inline QByteArray encoded(const QImage& image, const char* format, int quality = -1,
+                          bool progressive = false) {
+    QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format, quality);
-    return bytes;
+    QImageWriter writer(&buffer, format);
+    writer.setQuality(quality);
+    writer.setProgressiveScanWrite(progressive);
+    writer.write(image);
+    return buffer.data();
 }
 
 inline QImage filled(int width, int height, QColor colour) {
@@ -34,6 +38,11 @@ inline QImage noise(int width, int height) {
 inline QByteArray padded(QByteArray bytes, qsizetype length) {
     if (bytes.size() < length) bytes.append(length - bytes.size(), '\0');
     return bytes;
+}
+
+// Colours as a lossy format or a scaled thumbnail gives them back.
+inline bool near(QColor a, QColor b) {
+    return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
 }
 
 // A 1 by 1 red GIF.

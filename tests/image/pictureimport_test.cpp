@@ -1,31 +1,22 @@
+#include "common/workspace.h"
 #include "image/pictureimport.h"
 #include "picturefiles.h"
-#include "common/workspace.h"
 #include "support/qtprint.h"
+#include "support/scriptedtime.h"
 #include "support/tempdir.h"
 
-#include <deque>
 #include <gtest/gtest.h>
 
 using namespace mms;
 
 namespace {
 
-struct FixedClock final : Clock {
-    QDateTime now() const override { return QDateTime(QDate(2024, 3, 7), QTime(9, 5, 41)); }
-};
-
-struct ScriptedRandom final : RandomSource {
-    double uniform() override {
-        const double d = draws.empty() ? 0.0 : draws.front();
-        if (!draws.empty()) draws.pop_front();
-        return d;
-    }
-    std::deque<double> draws{0.5, 0.25, 0.5, 0.75};
-};
-
 class PictureImportTest : public ::testing::Test {
 protected:
+    PictureImportTest() {
+        clock.time = QDateTime(QDate(2024, 3, 7), QTime(9, 5, 41)); // no field padded
+        random.draws = {0.5, 0.25, 0.5, 0.75};
+    }
     QString library(const QString& name, const QByteArray& bytes, qsizetype length = 0) const {
         return home.write(QStringLiteral("UserData/Picture/") + name, test::padded(bytes, length));
     }
@@ -35,8 +26,8 @@ protected:
         return importPicture(source, listHasItems, home.path(), clock, random);
     }
     test::TempDir home;
-    FixedClock clock;
-    ScriptedRandom random;
+    test::FixedClock clock;
+    test::ScriptedRandom random;
     const QByteArray bmp = test::encoded(test::filled(150, 150, Qt::darkCyan), "BMP");
 };
 

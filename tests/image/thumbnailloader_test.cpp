@@ -3,34 +3,30 @@
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
-#include <QEventLoop>
 #include <QFileInfo>
-#include <QTimer>
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 using namespace mms;
+using mms::test::near;
 
 namespace {
 
+// What a listing reports: rows in order, each once, until it finishes.
 struct Listing {
-    Listing(ThumbnailLoader& loader, int msecs = 20000) {
-        QObject::connect(&loader, &ThumbnailLoader::thumbnailReady, &loop,
-                         [this](int row, const QString& name, const QImage& t) {
-                             EXPECT_EQ(row, names.size());
-                             names << name;
-                             colours << t.pixelColor(20, 20);
-                         });
-        QObject::connect(&loader, &ThumbnailLoader::finished, &loop, &QEventLoop::quit);
-        QTimer::singleShot(msecs, &loop, &QEventLoop::quit);
+    explicit Listing(ThumbnailLoader& loader)
+        : ready(&loader, &ThumbnailLoader::thumbnailReady), done(&loader, &ThumbnailLoader::finished) {}
+    QStringList names() const {
+        QStringList out;
+        for (const QList<QVariant>& args : ready) {
+            EXPECT_EQ(args[0].toInt(), out.size());
+            out << args[1].toString();
+        }
+        return out;
     }
-    QStringList names;
-    QList<QColor> colours;
-    QEventLoop loop;
+    QColor colour(int row) const { return ready[row][2].value<QImage>().pixelColor(20, 20); }
+    QSignalSpy ready, done;
 };
-
-bool near(QColor a, QColor b) {
-    return qAbs(a.red() - b.red()) + qAbs(a.green() - b.green()) + qAbs(a.blue() - b.blue()) < 60;
-}
 
 class ThumbnailTest : public ::testing::Test {
 protected:
@@ -62,11 +58,11 @@ TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
     ThumbnailLoader loader;
     Listing listing(loader);
     loader.start(dir.path(), 0);
-    listing.loop.exec();
-    ASSERT_EQ(listing.names.join(u' '), QStringLiteral("a.gif b.GIF e.jpg f.bmp"));
+    ASSERT_TRUE(listing.done.wait(20000));
+    ASSERT_EQ(listing.names().join(u' '), QStringLiteral("a.gif b.GIF e.jpg f.bmp"));
     const QColor colours[] = {Qt::green, Qt::red, Qt::blue, Qt::yellow};
     for (int i = 0; i < 4; ++i)
-        EXPECT_TRUE(near(listing.colours[i], colours[i])) << i;
+        EXPECT_TRUE(near(listing.colour(i), colours[i])) << i;
     // The shape is kept: background above a wide picture, beside a tall one.
     const QImage wide = slideThumbnail(dir.file(QStringLiteral("f.bmp")));
     EXPECT_EQ(wide.pixelColor(35, 10), thumbnailBackground());
@@ -86,27 +82,26 @@ TEST(ThumbnailLoader, KeepsTheOrderWhateverTheWorkersDo) {
     loader.setMaxThreads(4);
     Listing listing(loader);
     loader.start(dir.path(), 0);
-    listing.loop.exec();
-    ASSERT_EQ(listing.names.size(), 27);
+    ASSERT_TRUE(listing.done.wait(20000));
+    const QStringList names = listing.names();
+    ASSERT_EQ(names.size(), 27);
     for (int r = 0; r < 27; ++r) {
-        EXPECT_EQ(number(listing.names[r]), r / 2 * 3 + (r % 2 ? 2 : 0));
-        EXPECT_TRUE(near(listing.colours[r], colour(number(listing.names[r])))) << r;
+        EXPECT_EQ(number(names[r]), r / 2 * 3 + (r % 2 ? 2 : 0));
+        EXPECT_TRUE(near(listing.colour(r), colour(number(names[r])))) << r;
     }
 }
 
 TEST_F(ThumbnailTest, ARestartOrCancelDropsTheWorkInFlight) {
     ThumbnailLoader loader;
-    {
-        Listing listing(loader);
-        loader.start(dir.path(), 0);
-        loader.start(dir.path(), 3);
-        listing.loop.exec();
-        EXPECT_EQ(listing.names, QStringList{QStringLiteral("f.bmp")});
-    }
-    Listing cancelled(loader, 300);
+    Listing restarted(loader);
+    loader.start(dir.path(), 0);
+    loader.start(dir.path(), 3);
+    ASSERT_TRUE(restarted.done.wait(20000));
+    EXPECT_EQ(restarted.names(), QStringList{QStringLiteral("f.bmp")});
+    Listing cancelled(loader);
     loader.start(dir.path(), 0);
     loader.cancel();
-    cancelled.loop.exec();
-    EXPECT_TRUE(cancelled.names.isEmpty());
+    EXPECT_FALSE(cancelled.done.wait(300));
+    EXPECT_TRUE(cancelled.ready.isEmpty());
     EXPECT_FALSE(loader.isRunning());
 }

@@ -4,8 +4,8 @@
 #include "support/tempdir.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QTemporaryFile>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -32,11 +32,6 @@ protected:
             out += device.sendString(c) == 0 ? '1' : '0';
         return out;
     }
-    // Runs the event loop (the device's status timer) until `done` or for `ms`.
-    template <typename Done> void spin(int ms, Done done) {
-        for (QDeadlineTimer deadline(ms); !done() && !deadline.hasExpired();)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
     EngineScript engine;
     qint64 now = 0;
     FluidSynthDevice device{std::make_unique<FakeEngine>(engine), std::make_unique<FakeClock>(now)};
@@ -62,26 +57,17 @@ TEST_F(DeviceTest, AcceptsExactlyItsSixCommands) {
 }
 
 TEST_F(DeviceTest, EveryPlayEndsWithOneNotification) {
-    ASSERT_EQ(device.sendString(open), 0);
-    device.sendString(kPlay);
-    device.sendString(kPlay); // supersedes the first
-    device.sendString(kStop);
-    device.sendString(kStop); // nothing left to abort
-    device.sendString(kPlay);
-    engine.tick = 300;
-    QCoreApplication::processEvents();
+    // A second play supersedes the first; a second stop has nothing left to abort.
+    EXPECT_EQ(outcomes({open, kPlay, kPlay, kStop, kStop, kPlay}), "111111");
     EXPECT_EQ(notes, (std::vector<Notify>{Notify::Superseded, Notify::Aborted}));
     engine.tick = 768; // the end of the tune
-    spin(5000, [&] { return notes.size() == 3; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return notes.size() == 3; }, 5000));
     EXPECT_EQ(notes.back(), Notify::Successful);
-    device.sendString(kStop); // the composer's answer notifies nothing more
-    device.sendString(kPlay);
-    device.sendString(kClose);
+    outcomes({kStop, kPlay, kClose}); // the composer's answer notifies nothing more
     EXPECT_EQ(notes.size(), 4u);
     EXPECT_EQ(notes.back(), Notify::Aborted);
     now += 10000;
-    spin(200, [] { return false; });
-    EXPECT_EQ(notes.size(), 4u) << "no late success";
+    EXPECT_FALSE(QTest::qWaitFor([&] { return notes.size() > 4; }, 200)) << "no late success";
 }
 
 TEST_F(DeviceTest, WithoutSoundEveryCommandFailsAndTheReasonIsSaidOnce) {
@@ -102,6 +88,5 @@ TEST_F(DeviceTest, WithoutSoundEveryCommandFailsAndTheReasonIsSaidOnce) {
     engine.acceptTunes = false;
     EXPECT_EQ(outcomes({open, kPlay}), "00");
     now += 10000;
-    spin(100, [] { return false; });
-    EXPECT_TRUE(notes.empty());
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !notes.empty(); }, 100));
 }

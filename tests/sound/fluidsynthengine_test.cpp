@@ -34,7 +34,7 @@ TEST(FluidSynthEngine, SoundfontComesFromTheArgumentThenTheEnvironmentThenDebian
 // follow the tempo map the player converts with.
 TEST(FluidSynthEngine, RendersTheTuneAndItsTicksFollowTheTempoMap) {
     if (!QFileInfo::exists(soundfontPath()))
-        GTEST_SKIP() << "no soundfont at " << soundfontPath().toStdString();
+        GTEST_SKIP() << "no soundfont at " << soundfontPath().toStdString() << " (fluid-soundfont-gm)";
     const QByteArray tune = threeTempoTune();
     TempoMap map;
     ASSERT_TRUE(TempoMap::parse(tune, map).isOk());

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "common/widgets/platform.h"
-#include "model/clockrandom.h"
 #include "sound/multimediadevice.h"
+#include "support/recordingsink.h"
+#include "support/scriptedtime.h"
 
-#include <QDateTime>
 #include <QDialog>
 #include <QHash>
 #include <QStringList>
@@ -14,21 +14,13 @@
 
 namespace mms::test {
 
-// Scripted dialogs: message boxes are recorded and answered from a queue (their default answer
-// when it is empty); choosers answer from their own queues (cancelled when empty); a modal window
-// is handed to the next queued hook, which drives its controls and closes it, or is rejected when
-// no hook is queued. Nothing ever blocks.
-class FakeDialogs final : public Dialogs {
+// Scripted dialogs: message boxes are recorded and answered as by RecordingSink; choosers answer
+// from their own queues (cancelled when empty); a modal window is handed to the next queued hook,
+// which drives its controls and closes it, or is rejected when no hook is queued. Nothing ever blocks.
+class FakeDialogs final : public Recording<Dialogs> {
 public:
     using ModalHook = std::function<void(QDialog&)>;
 
-    Answer show(const Message& message) override {
-        shown.push_back(message);
-        if (answers.empty()) return message.defaultAnswer;
-        const Answer a = answers.front();
-        answers.pop_front();
-        return a;
-    }
     QString chooseFolder(QWidget*, const QString& title, const QString& startPath) override {
         folderRequests << title + QLatin1Char('|') + startPath;
         return next(folderAnswers);
@@ -49,18 +41,9 @@ public:
         hook(dialog);
     }
 
-    QStringList texts() const {
-        QStringList out;
-        for (const Message& m : shown)
-            out << m.text;
-        return out;
-    }
-
-    std::deque<Answer> answers;
     std::deque<QString> folderAnswers;
     std::deque<QString> saveFileAnswers;
     std::deque<ModalHook> modalHooks;
-    std::vector<Message> shown;
     QStringList folderRequests;
     QStringList saveFileRequests;
     int modalRuns = 0;
@@ -72,24 +55,6 @@ private:
         queue.pop_front();
         return s;
     }
-};
-
-class FixedClock final : public Clock {
-public:
-    QDateTime now() const override { return time; }
-    QDateTime time = QDateTime(QDate(2024, 5, 17), QTime(14, 30, 5));
-};
-
-// Draws from a queue; 0 when it is empty.
-class ScriptedRandom final : public RandomSource {
-public:
-    double uniform() override {
-        if (draws.empty()) return 0.0;
-        const double d = draws.front();
-        draws.pop_front();
-        return d;
-    }
-    std::deque<double> draws;
 };
 
 // Records every command string, answers from `resultFor` (by command; `result` for the rest) and

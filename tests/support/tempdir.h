@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
-#include <QString>
 #include <QFileInfo>
+#include <QString>
 #include <QTemporaryDir>
 
 namespace mms::test {

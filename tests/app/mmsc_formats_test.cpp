@@ -1,5 +1,6 @@
+#include "app/mmscrun.h"
 #include "common/workspace.h"
-#include "package/mmscrun.h"
+#include "image/picturefiles.h"
 #include "package/mmsencoder.h"
 #include "sound/midi_testfile.h"
 #include "store/messagestore.h"
@@ -87,4 +88,16 @@ TEST_F(MmscFormatsTest, MmsWritesTheStoredMessageAsOneRequest) {
     EXPECT_EQ(lost.exitCode, 1);
     EXPECT_TRUE(lost.err.contains(u"pic1.*"_s)) << lost.err.toStdString();
     EXPECT_FALSE(QFile::exists(dir.file(u"lost.mms"_s)));
+}
+
+TEST_F(MmscFormatsTest, JpegConvertsAnySizeAndWritesNothingForBadInput) {
+    dir.write(u"big.bmp"_s, test::encoded(test::noise(600, 600), "BMP"));
+    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp %1/out.jpg"_s).exitCode, 0);
+    EXPECT_GT(QFileInfo(dir.file(u"out.jpg"_s)).size(), 102400); // no size limit here
+    dir.write(u"text.gif"_s, "no picture");
+    const test::MmscRun r = mmsc(u"jpeg %1/text.gif %1/no.jpg"_s);
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_TRUE(r.err.contains(u"text.gif"_s)) << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(dir.file(u"no.jpg"_s)));
+    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp"_s).exitCode, 2);
 }

@@ -1,48 +1,20 @@
+#include "app/mmscrun.h"
+#include "package/archivereader.h"
 #include "package/packagewriter.h"
 #include "store/storefixture.h"
 
 #include <QFileInfo>
-#include <QProcess>
-#include <archive.h>
-#include <archive_entry.h>
 
 using namespace mms;
 using namespace Qt::StringLiterals;
+using mms::test::MmscRun;
 using mms::test::TempDir;
 
 namespace {
 
-struct MmscRun {
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-std::vector<std::pair<QString, QByteArray>> members(const QString& path) {
-    std::vector<std::pair<QString, QByteArray>> result;
-    archive* a = archive_read_new();
-    archive_read_support_format_tar(a);
-    if (archive_read_open_filename(a, QFile::encodeName(path).constData(), 10240) == ARCHIVE_OK) {
-        archive_entry* entry = nullptr;
-        while (archive_read_next_header(a, &entry) == ARCHIVE_OK) {
-            QByteArray bytes(archive_entry_size(entry), '\0');
-            archive_read_data(a, bytes.data(), bytes.size());
-            result.emplace_back(QString::fromUtf8(archive_entry_pathname(entry)), bytes);
-        }
-    }
-    archive_read_free(a);
-    return result;
-}
-
 class MmscStoreTest : public mms::test::StoreFixture {
 protected:
-    MmscRun mmsc(QStringList args) {
-        QProcess process;
-        process.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), QStringList{u"--home"_s, tmp.path()} + args);
-        process.waitForFinished(60000);
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
+    MmscRun mmsc(const QString& line) { return test::runMmsc({u"--home"_s, tmp.path()}, line); }
     void SetUp() override {
         slides.InsertAtBack(SlideDur::fromText(u"3"_s), media(u"p.gif"_s, "GIF89a"), u"a\\b\tc\r\nd"_s, {});
         slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd"));
@@ -62,11 +34,11 @@ TEST_F(MmscStoreTest, ListAndShowPrintExactLines) {
             .lastModified()
             .toString(u"yyyy-MM-dd'T'HH:mm:ss"_s);
     };
-    const std::pair<QStringList, QString> cases[] = {
-        {{u"list"_s}, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
-        {{u"show"_s, u"beta"_s},
+    const std::pair<QString, QString> cases[] = {
+        {u"list"_s, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
+        {u"show beta"_s,
          u"subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"_s},
-        {{u"show"_s, u"Alpha"_s}, u"subject: Empty\n"_s}};
+        {u"show Alpha"_s, u"subject: Empty\n"_s}};
     for (const auto& [args, out] : cases) {
         const MmscRun r = mmsc(args);
         EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
@@ -79,7 +51,7 @@ TEST_F(MmscStoreTest, ExportMatchesTheExportOfTheOriginalSlides) {
     const auto before = snapshot();
     const QString target = tmp.file(u"out.tpl"_s);
     tmp.write(u"out.tpl"_s, "old");
-    const MmscRun r = mmsc({u"export"_s, u"beta"_s, target});
+    const MmscRun r = mmsc(u"export beta "_s + target);
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_FALSE(QFileInfo::exists(tmp.file(u"upload.tpl"_s)));
     EXPECT_EQ(snapshot(), before);
@@ -88,25 +60,19 @@ TEST_F(MmscStoreTest, ExportMatchesTheExportOfTheOriginalSlides) {
     slides.setfolderpath(QString());
     slides.setfilename(reference.file(u"upload"_s));
     ASSERT_TRUE(generateSMIL(slides, reference.path(), u"Hello"_s).isOk());
-    const auto expected = members(reference.file(u"upload.tpl"_s));
+    const auto expected = test::readTar(reference.file(u"upload.tpl"_s));
     ASSERT_EQ(expected.size(), 4u);
-    EXPECT_EQ(members(target), expected);
+    EXPECT_EQ(test::readTar(target), expected);
 }
 
 TEST_F(MmscStoreTest, BadInputGetsOneLineAndWritesNothing) {
     const auto before = snapshot();
     const QString target = tmp.file(u"never.tpl"_s);
-    const QStringList cases[] = {{u"list"_s, u"extra"_s},
-                                 {u"show"_s},
-                                 {u"show"_s, u"absent"_s},
-                                 {u"show"_s, u"../MMS"_s},
-                                 {u"show"_s, u"temp"_s},
-                                 {u"export"_s, u"absent"_s, target},
-                                 {u"export"_s, u"beta"_s, tmp.path()},
-                                 {u"export"_s, u"beta"_s, tmp.file(u"no/such.tpl"_s)}};
-    for (const QStringList& args : cases) {
-        const MmscRun r = mmsc(args);
-        EXPECT_EQ(r.exitCode, 2) << args.join(QLatin1Char(' ')).toStdString();
+    for (const QString& line : {u"list extra"_s, u"show"_s, u"show absent"_s, u"show ../MMS"_s,
+                                u"show temp"_s, u"export absent "_s + target, u"export beta "_s + tmp.path(),
+                                u"export beta "_s + tmp.file(u"no/such.tpl"_s)}) {
+        const MmscRun r = mmsc(line);
+        EXPECT_EQ(r.exitCode, 2) << line.toStdString();
         EXPECT_TRUE(r.out.isEmpty());
         EXPECT_TRUE(r.err.startsWith(QLatin1String("mmsc: ")) && r.err.count(QLatin1Char('\n')) == 1)
             << r.err.toStdString();

@@ -1,6 +1,6 @@
+#include "app/mmscrun.h"
 #include "image/picturefiles.h"
 #include "package/archivereader.h"
-#include "package/mmscrun.h"
 #include "store/messagestore.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
