@@ -19,6 +19,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "fluid-soundfont-gm, libqt6svg6")
+# Qt's own texts (choosers, context menus, shortcut names) in the interface language.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 
 # Debian wants the copyright and a compressed changelog in the package's documentation folder.
 set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/mms-composer)

@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QSettings>
 #include <QStyleFactory>
 #include <QTimer>
 #include <cstdio>
@@ -171,6 +172,10 @@ int main(int argc, char** argv) {
     options.appFolder = folders.appFolder;
     options.languageFolder = folders.languageFolder;
     options.languageCode = start.languageCode;
+    // Window state and recent messages: the user's settings of the program.
+    options.settingsFile = QSettings(QSettings::IniFormat, QSettings::UserScope,
+                                     QApplication::organizationName(), QApplication::applicationName())
+                               .fileName();
 
     auto window = std::make_unique<mms::frmMMSMain>(platform, localisation, options);
     QApplication::setWindowIcon(window->windowIcon());
@@ -191,6 +196,7 @@ int main(int argc, char** argv) {
         return kStartFailed;
     }
     window->show();
+    window->offerDraftRestore();
     // exit(), not quit(): quit() would close the window through its close questions.
     if (start.quitAfterSeconds)
         QTimer::singleShot(*start.quitAfterSeconds * 1000, &app, [] { QCoreApplication::exit(0); });

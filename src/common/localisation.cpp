@@ -1,7 +1,8 @@
 #include "common/localisation.h"
 
-#include "common/sendtexts.h"
+#include "common/desktoptexts.h"
 #include "common/playbacktexts.h"
+#include "common/sendtexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -145,7 +146,7 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1, 2, 3, 4, 7, 8, 9, 10, 11};
+    return {1, 2, 3, 4, 7, 8, 9, 10, 11, desktoptext::kPromptRestoreDraft};
 }
 
 QList<int> usedErrorNumbers() {
@@ -153,6 +154,7 @@ QList<int> usedErrorNumbers() {
     numbers.append(range(10, 31));
     numbers.append(sendtexts::kNotAnAddress);
     numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
+    numbers.append(range(desktoptext::kFirstError, desktoptext::kLastError));
     return numbers;
 }
 
@@ -164,6 +166,7 @@ QList<int> usedInterfaceNumbers() {
     numbers.removeAll(59);
     numbers.append(sendtexts::kRecipientsLabel);
     numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
+    numbers.append(range(desktoptext::kFirstInterface, desktoptext::kLastInterface));
     return numbers;
 }
 

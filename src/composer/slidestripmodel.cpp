@@ -25,7 +25,8 @@ QVariant SlideStripModel::data(const QModelIndex& index, int role) const {
 
 Qt::ItemFlags SlideStripModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    // Items can be dragged; where a dragged slide lands is the composer's command, not a drop here.
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
 }
 
 QString SlideStripModel::label(int position) const {

@@ -34,6 +34,7 @@ bool cropMidi(MidiDecoder& decoder, const QString& inPath, const QString& outPat
     const double start = secondsOf(startText);
     const double end = secondsOf(endText);
     if (!decoder.midiDecoded()) return false;
+    decoder.assumeDefaultTempo();
     if (end <= start) {
         sink.inform(texts.endNotAfterStart);
         return false;

@@ -242,6 +242,7 @@ void MidiDecoder::metaEvent(Reader& track) {
         secPerQuarter_ = t / 1000000.0;
         if (t == 0) throw Failure();
         tempoBpm_ = qint32(roundHalfEven(60000000.0 / t));
+        tempoSeen_ = true;
         break;
     }
     case 0x54:
@@ -265,6 +266,12 @@ void MidiDecoder::metaEvent(Reader& track) {
     default:
         stop(QStringLiteral("Meta Event Error %1\n").arg(QString::number(type, 16).toUpper()));
     }
+}
+
+void MidiDecoder::assumeDefaultTempo() {
+    if (tempoSeen_) return;
+    secPerQuarter_ = kDefaultMicrosPerQuarter / 1000000.0;
+    tempoBpm_ = qint32(60000000 / kDefaultMicrosPerQuarter);
 }
 
 } // namespace mms

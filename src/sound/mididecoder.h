@@ -63,6 +63,13 @@ public:
     static int timeSignatureCode(const std::array<qint16, 2>& timeSig);
     int timeSignatureCode() const { return timeSignatureCode(timeSig_); }
 
+    // MIDI's tempo for a tune that sets none: 500000 microseconds a quarter note, 120 beats a minute.
+    static constexpr quint32 kDefaultMicrosPerQuarter = 500000;
+    // Times the tunes at MIDI's default tempo as long as no tempo event has been read in this
+    // decoder's life; once one has, a tune without its own keeps that one. Only the crop asks for
+    // this: the decoder's own state (0 before any tempo) is what `mmsc midi` shows.
+    void assumeDefaultTempo();
+
     bool midiDecoded() const { return midiDecoded_; }
     const QString& noteTable(int channel, int bar) const { return noteTable_[channel][bar]; }
     qint16 channelProgram(int channel) const { return channelProgram_[channel]; }
@@ -99,6 +106,7 @@ private:
     double barWholeNotes_ = 1.0;
     std::array<qint16, 2> timeSig_{4, 4};
     bool midiDecoded_ = false;
+    bool tempoSeen_ = false;
 
     // Decode-time state.
     qint64 runningTicks_ = 0;

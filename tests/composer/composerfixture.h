@@ -23,9 +23,9 @@ using namespace Qt::StringLiterals;
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 80; ++i) {
-        if (i < 12) t.prompts << u"P%1"_s.arg(i);
-        if (i < 35) t.errors << u"E%1"_s.arg(i);
+    for (int i = 0; i < 100; ++i) {
+        if (i < 20) t.prompts << u"P%1"_s.arg(i);
+        if (i < 45) t.errors << u"E%1"_s.arg(i);
         t.interface << u"I%1"_s.arg(i);
     }
     return t;

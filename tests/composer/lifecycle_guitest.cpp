@@ -27,7 +27,7 @@ protected:
 };
 
 TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrow) {
-    EXPECT_EQ(w->windowTitle(), u"I0 - I1"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
     EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(),
               QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
     EXPECT_EQ(ctl<QLineEdit>(w, "soundDirPath")->text(),

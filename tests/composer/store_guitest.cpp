@@ -45,7 +45,7 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     ctl<QAction>(w, "mnu_save")->trigger(); // never saved: Save behaves as Save as
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P8"_s});
     EXPECT_TRUE(stored(u"old"_s));
-    EXPECT_EQ(w->windowTitle(), u"I0 - old"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - old[*]"_s);
     EXPECT_FALSE(w->isModified());
 
     typeText(u"!"_s);
@@ -96,7 +96,7 @@ TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
     w->mnu_new_Click();
     EXPECT_EQ(fake.dialogs.modalRuns, 1);
     EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
-    EXPECT_EQ(w->windowTitle(), u"I0 - I1"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
     EXPECT_FALSE(w->isModified());
 }
 
@@ -116,7 +116,7 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     EXPECT_TRUE(w->message().lastItem()->DataSoundPath.startsWith(workingCopy));
     EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), u"A"_s);
     EXPECT_FALSE(w->isModified());
-    EXPECT_EQ(w->windowTitle(), u"I0 - trip"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
     pick(2);
     EXPECT_EQ(ctl<QLabel>(w, "lblSoundName")->text(), u"trip-sound2.mid"_s);
 

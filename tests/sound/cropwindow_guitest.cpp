@@ -1,5 +1,6 @@
 #include "composer/composerfixture.h"
 #include "sound/midi_testfile.h"
+#include "sound/mididecoder.h"
 #include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
 #include "support/controls.h"
@@ -129,4 +130,28 @@ TEST_F(CropWindowTest, TheCropCommandGivesNothingWhenClosedOrTooLarge) {
     for (const char* why : {"closed by the user", "102400 bytes"})
         EXPECT_EQ(runCropWindow(fake.platform, loc, dir.path(), tune, nullptr, &player), QString()) << why;
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E1"_s});
+}
+
+TEST_F(CropWindowTest, OneDecoderServesTheRunSoATuneWithoutTempoKeepsTheLastOne) {
+    QDir().mkpath(dir.file(u"Temp/tmpMID"_s));
+    Track slow, plain; // one quarter each: a 4/4 bar lasts 4 s at 60 beats a minute, 2 s at 120
+    slow.tempo(1000000).note(0, 96, 0, 60).end();
+    plain.note(0, 96, 0, 60).end();
+    const QString slowTune = dir.write(u"slow.mid"_s, midiFile(96, {slow}));
+    const QString plainTune = dir.write(u"plain.mid"_s, midiFile(96, {plain}));
+    fake.random.draws = {0.1, 0.2};
+    for (int i = 0; i < 2; ++i) {
+        fake.dialogs.modalHooks.push_back([this](QDialog& d) {
+            for (const auto& [at, button] :
+                 {std::pair{0, "Command2"}, {4000, "Command3"}, {4000, "Command4"}}) {
+                player.pos = at;
+                ctl<QPushButton>(d, button)->click();
+            }
+        });
+    }
+    MidiDecoder decoder;
+    for (const QString& tune : {slowTune, plainTune})
+        EXPECT_FALSE(
+            runCropWindow(fake.platform, loc, dir.path(), tune, nullptr, &player, &decoder).isEmpty());
+    EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
 }

@@ -96,3 +96,31 @@ for track in m.tracks:
               "program 2 40\non 2 64 0\noff 2 64 960\non 2 65 960\noff 2 65 1440\nend 1440\n"
               "program 5 12\nend 2880\n"_s);
 }
+
+TEST_F(MidiCropTest, ATuneWithoutTempoIsTimedAtTheLastTempoReadOrMidisDefault) {
+    Track plain; // one 4/4 bar of quarters, no tempo event
+    for (int key : {60, 62, 64, 65})
+        plain.note(0, 96, 0, key);
+    const QString noTempo = dir.write(u"plain.mid"_s, midiFile(96, {plain.end()}));
+    MidiDecoder own;
+    own.decodeMidiFile(noTempo);
+    EXPECT_EQ(own.tempoBpm(), 0); // the decoder's own state, as `mmsc midi` shows it
+    EXPECT_EQ(own.tuneLength(), 0.0);
+
+    // A fresh run: MIDI's default of 120 beats a minute makes the bar two seconds long.
+    in = noTempo;
+    EXPECT_FALSE(crop("0.0s", "2.1s"));
+    EXPECT_TRUE(crop("0.0s", "2.0s"));
+    MidiDecoder written;
+    written.decodeMidiFile(out);
+    EXPECT_EQ(written.tempoBpm(), 120);
+
+    // Once a tune with its own tempo (60 beats a minute) was read, the plain one keeps that tempo.
+    Track slow;
+    slow.tempo(1000000).note(0, 96, 0, 60).end();
+    in = dir.write(u"slow.mid"_s, midiFile(96, {slow}));
+    EXPECT_FALSE(crop("0.0s", "5.0s"));
+    in = noTempo;
+    EXPECT_TRUE(crop("0.0s", "4.0s"));
+    EXPECT_EQ(sink.texts(), (QStringList{u"err20"_s, u"err20"_s}));
+}

@@ -3,6 +3,8 @@
 #include "common/localisation.h"
 #include "common/workspace.h"
 #include "composer/composertext.h"
+#include "composer/draftstore.h"
+#include "composer/qttranslations.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/workspacefolders.h"
@@ -25,11 +27,14 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
 #include <QThread>
+#include <QTimer>
 #include <QToolButton>
+#include <QUndoStack>
 #include <QVBoxLayout>
 #include <stdexcept>
 
@@ -42,8 +47,16 @@ namespace mms {
 
 frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options options, QWidget* parent)
     : QMainWindow(parent), platform_(platform), loc_(localisation), options_(std::move(options)),
-      slides_(&platform.dialogs) {
+      slides_(&platform.dialogs), qtTranslations_(std::make_unique<QtTranslations>()) {
     initComposerResources();
+    undoStack_ = new QUndoStack(this);
+    draftTimer_ = new QTimer(this);
+    draftTimer_->setSingleShot(true);
+    draftTimer_->setInterval(options_.draftDelayMs);
+    connect(draftTimer_, &QTimer::timeout, this, [this] { writeDraft(); });
+    draftWriter_.setMaxThreadCount(1);
+    if (!options_.settingsFile.isEmpty())
+        settings_ = std::make_unique<QSettings>(options_.settingsFile, QSettings::IniFormat);
     setObjectName(QStringLiteral("frmMMSMain"));
     setWindowIcon(QIcon(QStringLiteral(":/icons/app.svg")));
     playIcon_ = QIcon(QStringLiteral(":/icons/play.svg"));
@@ -53,6 +66,9 @@ frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options o
 
 frmMMSMain::~frmMMSMain() {
     if (hookInstalled_) platform_.device.setNotifyHandler({});
+    draftWriter_.waitForDone();
+    // The history clears itself as it goes, which must not reach a window that is no longer one.
+    disconnect(undoStack_, nullptr, this, nullptr);
 }
 
 Status frmMMSMain::applyLanguage(int langIndex) {
@@ -105,14 +121,25 @@ Status frmMMSMain::applyLanguage(int langIndex) {
 
 void frmMMSMain::updateCaption() {
     const QString name = state_.currentFile.isEmpty() ? loc_.getMCrInterfaceStr(1) : state_.currentFile;
-    setWindowTitle(loc_.getMCrInterfaceStr(0) + QStringLiteral(" - ") + name);
+    // "[*]" shows where the unsaved-changes marker goes; a name's own "[*]" is doubled to stay text.
+    QString shown = name;
+    shown.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    setWindowTitle(loc_.getMCrInterfaceStr(0) + QStringLiteral(" - ") + shown + QStringLiteral("[*]"));
+    setWindowModified(state_.isModified);
+}
+
+void frmMMSMain::setModified(bool modified) {
+    state_.isModified = modified;
+    setWindowModified(modified);
 }
 
 Status frmMMSMain::Form_Load() {
     state_ = MessageState{};
 
     const QString code = options_.languageCode.isEmpty() ? readLanguageSetting() : options_.languageCode;
-    if (Status s = applyLanguage(langIndexForCode(code)); !s) return s;
+    const int langIndex = langIndexForCode(code);
+    if (Status s = applyLanguage(langIndex); !s) return s;
+    if (Status s = applySessionCaptions(langIndex); !s) return s;
 
     if (Status s = createWorkspaceFolders(options_.appFolder); !s) return s;
 
@@ -152,6 +179,10 @@ Status frmMMSMain::Form_Load() {
         }
     });
     hookInstalled_ = true;
+
+    restoreRememberedState();
+    draftHeld_ = DraftStore(options_.appFolder).exists();
+    updateCaption();
     return Status::ok();
 }
 
@@ -181,6 +212,8 @@ void frmMMSMain::Form_QueryUnload(bool& cancel) {
     }
     // A step that fails ends the clean-up quietly; the window closes all the same.
     (void)cleanUpWorkspace(options_.appFolder);
+    // The close was confirmed: whatever was not saved was given up on purpose.
+    removeDraft();
 }
 
 void frmMMSMain::Form_Unload() {
@@ -190,6 +223,8 @@ void frmMMSMain::Form_Unload() {
     stopSoundPreview();
     if (hookInstalled_) platform_.device.setNotifyHandler({});
     hookInstalled_ = false;
+    keepRememberedState();
+    draftWriter_.waitForDone();
 }
 
 void frmMMSMain::closeEvent(QCloseEvent* event) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "common/widgets/platform.h"
+#include "composer/rememberedstate.h"
+#include "composer/undocommands.h"
 #include "model/cslide.h"
 #include "model/status.h"
 #include "sound/multimediadevice.h"
@@ -9,6 +11,8 @@
 #include <QIcon>
 #include <QMainWindow>
 #include <QString>
+#include <QThreadPool>
+#include <memory>
 
 class QAction;
 class QComboBox;
@@ -20,15 +24,21 @@ class QListView;
 class QMenu;
 class QPlainTextEdit;
 class QPushButton;
+class QSettings;
+class QSplitter;
 class QTabWidget;
+class QTimer;
 class QToolButton;
+class QUndoStack;
 
 namespace mms {
 
 class Localisation;
 class PicturePanel;
+class QtTranslations;
 class SlideStripModel;
 class SoundPanel;
+struct Draft;
 
 // The composer window: the program's one long-lived object. It owns the message (one CSlide list)
 // and its state (name, subject, modified flag), shows the slides in the strip lstSlide and the
@@ -50,7 +60,11 @@ class SoundPanel;
 //   frmmmsmain_player.cpp   Play Message
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
 //   frmmmsmain_export.cpp   Export, Export as MMS
-class frmMMSMain final : public QMainWindow {
+//   frmmmsmain_undo.cpp     Edit menu: the history of the message's changes
+//   frmmmsmain_dragdrop.cpp slides dragged in the strip, files dropped on the window, media removed
+//   frmmmsmain_draft.cpp    the draft kept while the message has unsaved changes
+//   frmmmsmain_session.cpp  remembered state, Open Recent, About, Qt's texts, mnemonics
+class frmMMSMain final : public QMainWindow, private SlideEditTarget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmMMSMain)
 
@@ -62,6 +76,11 @@ public:
         QString languageFolder;
         // A language code that overrides the "Language" setting for this run; empty: the setting.
         QString languageCode;
+        // The settings file that keeps window state and recent messages between runs; empty: nothing
+        // is kept (tests).
+        QString settingsFile;
+        // How long the message must rest after a change before its draft is written.
+        int draftDelayMs = 1500;
     };
 
     frmMMSMain(Platform& platform, Localisation& localisation, Options options, QWidget* parent = nullptr);
@@ -76,7 +95,6 @@ public:
     void Form_QueryUnload(bool& cancel);
     // Runs when the window really closes: stops a preview and removes the end-of-playback hook.
     void Form_Unload();
-
 
     // --- File menu ---
     void mnu_new_Click();
@@ -139,11 +157,37 @@ public:
     qint16 selectedSlide() const;
     // Makes strip item `position` the selected and highlighted item (without showing it).
     void selectSlide(qint16 position);
-    void setModified(bool modified) { state_.isModified = modified; }
+    // Sets isModified and the unsaved-changes marker of the title.
+    void setModified(bool modified);
     int sendPreviewCommand(const QString& command);
     // Puts a picture or sound the panels chose on the selected slide (field "imgPath" or
     // "soundPath"), adding a first slide when there is none, and shows the slide again.
     void attachToCurrentSlide(const QString& field, const QString& path);
+
+    // --- History (Edit menu) ---
+    void mnu_undo_Click();
+    void mnu_redo_Click();
+    const QUndoStack& history() const { return *undoStack_; }
+    // --- Media and drops ---
+    // Take the picture or the sound off the selected slide (context menus, Delete key).
+    void mnu_removePicture_Click();
+    void mnu_removeSound_Click();
+    // A slide dragged in the strip from one position to another.
+    void lstSlide_DragDrop(qint16 from, qint16 to);
+    // Files dropped on the slide panel or the strip: each picture or sound goes onto slide
+    // `position` (0: the selected one, or a new one when there is none) through the panels' attach
+    // rules; any other file is refused with a message.
+    void dropFiles(const QStringList& paths, qint16 position = 0);
+    // --- Draft ---
+    // Offers to restore the draft a session left behind (start-up, once the window is shown).
+    void offerDraftRestore();
+    // Writes or removes the draft at once instead of after the pause, and waits until it is done.
+    void flushDraft();
+    // --- Recent messages and About ---
+    QStringList recentMessages() const { return remembered_.recent; }
+    // Opens stored message `name` as Open does once its dialog has closed (File > Open Recent).
+    void openRecent(const QString& name);
+    void mnu_about_Click();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -192,6 +236,16 @@ private:
     QTabWidget* MenuTab = nullptr;
     PicturePanel* picturePanel = nullptr;
     SoundPanel* soundPanel = nullptr;
+
+    QMenu* edit = nullptr;
+    QAction* mnu_undo = nullptr;
+    QAction* mnu_redo = nullptr;
+    QMenu* mnu_openRecent = nullptr;
+    QMenu* help = nullptr;
+    QAction* mnu_about = nullptr;
+    QAction* mnu_removePicture = nullptr;
+    QAction* mnu_removeSound = nullptr;
+    QSplitter* mainSplitter = nullptr;
 
     void moveOnePlace(bool towardsFront);
     // Defers the counter recount of nested commits to the end of the outermost command, so that a
@@ -243,10 +297,63 @@ private:
     void clearMessage();
     // Rebuilds the slides, thumbnails and strip items of an opened message and shows slide 1.
     void loadMessage(const LoadedMessage& loaded);
+    // Reads stored message `name` and makes it the current message; on failure the current one
+    // stays, named `previousName` (error 24).
+    void openStored(const QString& name, const QString& previousName);
 
     // Preview helpers.
     void stopSoundPreview();
     void onPreviewNotify(MultimediaDevice::Notify result);
+
+    // History helpers. Steps are recorded after their command changed the message, and only for the
+    // user's own commands: showing a slide or replaying the history records nothing.
+    void buildEditMenu();
+    void routeHistoryKeys();
+    void afterReplay();
+    void updateHistoryCaptions();
+    bool recording() const { return !showingSlide_ && !replayingHistory_; }
+    void record(QUndoCommand* step);
+    std::optional<SlideState> slideState(qint16 position) const;
+    void recordInsert(qint16 position);
+    void recordChange(qint16 position, const SlideContent& before, const QImage& thumbnailBefore,
+                      const QString& field, const QString& value);
+    QString stepName(const QString& field, const QString& value) const;
+    void commitField(const QString& field, const QString& value);
+    bool removeFromStrip(qint16 position);
+    QImage thumbnailFor(const QString& picture) const;
+    void updateAddCmds();
+    // SlideEditTarget: the history's replay on the list and the strip.
+    void insertSlide(qint16 position, const SlideState& state) override;
+    void removeSlide(qint16 position) override;
+    void moveSlide(qint16 from, qint16 to) override;
+    void setSlideContent(qint16 position, const SlideState& state) override;
+
+    // Drag and drop helpers.
+    void buildMediaActions();
+    void updateMediaActions();
+    void installDropTargets();
+    void dropFile(const QString& path, qint16 position);
+
+    // Draft helpers.
+    void scheduleDraft();
+    void writeDraft();
+    void removeDraft();
+    void onDraftWritten(const Status& status);
+    void restoreDraft(Draft draft);
+    Draft currentDraft() const;
+
+    // Session helpers.
+    void buildSessionMenus();
+    Status applySessionCaptions(int langIndex);
+    void applyMnemonics();
+    void restoreRememberedState();
+    void keepRememberedState();
+    void rememberRecent(const QString& name);
+    void forgetRecent(const QString& name);
+    void fillRecentMenu();
+    // After Save, Save as, Open and New: the history starts afresh where it has to, the draft goes.
+    void messageStored();
+    void messageReplaced();
 
     // Player helpers and controls (the Slide menu item and the button beside the strip).
     void installPlayerCommands();
@@ -276,6 +383,20 @@ private:
     bool hookInstalled_ = false;
     bool saveFailed_ = false; // the last Save or Save as hit a store error (not a cancel)
     bool unloaded_ = false;
+
+    QUndoStack* undoStack_ = nullptr;
+    bool showingSlide_ = false;
+    bool replayingHistory_ = false;
+    QTimer* draftTimer_ = nullptr;
+    // A draft left by another session is not written over until it has been offered.
+    bool draftHeld_ = false;
+    bool draftWarned_ = false;
+    std::unique_ptr<QSettings> settings_;
+    RememberedState remembered_;
+    std::unique_ptr<QtTranslations> qtTranslations_;
+    // Drafts are written one after the other, off the window's thread; declared last so that it
+    // waits for the last write before anything else goes.
+    QThreadPool draftWriter_;
 };
 
 } // namespace mms

@@ -4,6 +4,7 @@
 
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
+#include "composer/widgets/slidestripview.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
 
@@ -53,7 +54,7 @@ QAction* menuAction(QMenu* menu, const char* objectName, const char* iconName, c
 void frmMMSMain::buildUi() {
     buildMenus();
 
-    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    auto* splitter = mainSplitter = new QSplitter(Qt::Horizontal, this);
     splitter->setObjectName(QStringLiteral("mainSplitter"));
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(buildStripColumn());
@@ -79,6 +80,9 @@ void frmMMSMain::buildUi() {
     setCentralWidget(splitter);
     installPlayerCommands();
     resize(1020, 660);
+    buildMediaActions();
+    installDropTargets();
+    routeHistoryKeys();
 }
 
 void frmMMSMain::buildMenus() {
@@ -95,6 +99,7 @@ void frmMMSMain::buildMenus() {
     file->addSeparator();
     mnu_exit = menuAction(file, "mnu_exit", nullptr, QKeySequence(Qt::CTRL | Qt::Key_Q));
     mnu_exit->setMenuRole(QAction::QuitRole);
+    buildEditMenu();
 
     slide = menuBar()->addMenu(QString());
     slide->setObjectName(QStringLiteral("slide"));
@@ -105,6 +110,7 @@ void frmMMSMain::buildMenus() {
     sendfwd = menuAction(slide, "sendfwd", "forward", QKeySequence(Qt::CTRL | Qt::Key_Up));
     sendbwd = menuAction(slide, "sendbwd", "backward", QKeySequence(Qt::CTRL | Qt::Key_Down));
     sendback = menuAction(slide, "sendback", "to-back", QKeySequence(Qt::CTRL | Qt::Key_End));
+    buildSessionMenus();
 
     connect(mnu_new, &QAction::triggered, this, [this] { mnu_new_Click(); });
     connect(mnu_open, &QAction::triggered, this, [this] { mnu_open_Click(); });
@@ -135,7 +141,7 @@ QWidget* frmMMSMain::buildStripColumn() {
 
 QListView* frmMMSMain::buildStripList(QWidget* column) {
     stripModel_ = new SlideStripModel(this);
-    lstSlide = new QListView(column);
+    lstSlide = new SlideStripView(column);
     lstSlide->setObjectName(QStringLiteral("lstSlide"));
     lstSlide->setModel(stripModel_);
     lstSlide->setViewMode(QListView::ListMode);

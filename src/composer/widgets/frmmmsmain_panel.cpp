@@ -1,6 +1,7 @@
 // The slide panel: the commit rule, the duration and text boxes, the counters, reset and enable.
 // Every edit is written into the selected slide's node at once; there is no apply step.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
 #include "composer/composertext.h"
 #include "composer/slidepicture.h"
@@ -18,6 +19,7 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QToolButton>
+#include <QUndoStack>
 #include <exception>
 
 namespace mms {
@@ -60,6 +62,13 @@ void frmMMSMain::recountNow() {
 }
 
 void frmMMSMain::updateCurrentSlide(const QString& field, const QString& value) {
+    const qint16 cur = selectedSlide();
+    const std::optional<SlideState> before = recording() ? slideState(cur) : std::nullopt;
+    commitField(field, value);
+    if (before) recordChange(cur, before->content, before->thumbnail, field, value);
+}
+
+void frmMMSMain::commitField(const QString& field, const QString& value) {
     try {
         const qint16 cur = selectedSlide();
         currentSlide_ = cur;
@@ -90,7 +99,7 @@ void frmMMSMain::updateCurrentSlide(const QString& field, const QString& value) 
             node->DataSoundPath = value;
         }
         refreshCounters();
-        state_.isModified = true;
+        setModified(true);
     } catch (const std::exception&) {
         // A commit that fails ends quietly; what was stored stays.
     }
@@ -165,9 +174,13 @@ void frmMMSMain::txtText_Change() {
     styleTextHint();
     const QString t = txtText->toPlainText();
     if (t == textHint()) return;
+    const bool macro = slides_.IsEmpty() && recording();
     if (slides_.IsEmpty()) {
         // The first keystroke on an empty message makes a slide for it; showing that slide empties
-        // the box, so the typed text is put back before it is committed.
+        // the box, so the typed text is put back before it is committed. Both are one step.
+        if (macro)
+            undoStack_->beginMacro(
+                loc_.getMCrInterfaceStr(t.isEmpty() ? desktoptext::kStepAddSlide : desktoptext::kStepText));
         addCmd_Click();
         const QSignalBlocker quiet(txtText);
         txtText->setPlainText(t);
@@ -175,7 +188,8 @@ void frmMMSMain::txtText_Change() {
         styleTextHint();
     }
     updateCurrentSlide(kText, QString());
-    state_.isModified = true;
+    setModified(true);
+    if (macro) undoStack_->endMacro();
 }
 
 void frmMMSMain::txtText_Click() {
@@ -217,6 +231,7 @@ void frmMMSMain::refreshSlidePanel() {
     frameSlide->setTitle(loc_.getMCrInterfaceStr(9) + QLatin1Char(' '));
     lblSoundName->clear();
     picPanel->clear();
+    updateMediaActions();
     const QString total = loc_.getMCrInterfaceStr(26) + QStringLiteral(" : ");
     lblSlide->setText(total + QLatin1Char('0'));
     lblSize->setText(total + QStringLiteral("0 byte"));
@@ -240,9 +255,13 @@ void frmMMSMain::enableSlideCmds() {
 }
 
 void frmMMSMain::attachToCurrentSlide(const QString& field, const QString& path) {
+    // A slide made for the attachment goes with it in one step.
+    const bool macro = IsEmpty() && recording();
+    if (macro) undoStack_->beginMacro(stepName(field, path));
     if (IsEmpty()) addCmd_Click();
     const qint16 current = selectedSlide();
     updateCurrentSlide(field, path);
+    if (macro) undoStack_->endMacro();
     selectSlide(current);
     lstSlide_ItemClick();
     setModified(true);

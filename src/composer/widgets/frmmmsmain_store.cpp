@@ -75,8 +75,9 @@ void frmMMSMain::mnu_new_Click() {
     state_.currentFile.clear();
     state_.isOverwrite = false;
     state_.isCancel = false;
-    state_.isModified = false;
+    setModified(false);
     updateCaption();
+    messageReplaced();
 }
 
 void frmMMSMain::mnu_save_Click() {
@@ -90,7 +91,8 @@ void frmMMSMain::mnu_save_Click() {
         showStoreError(23, s.message());
         return;
     }
-    state_.isModified = false;
+    setModified(false);
+    messageStored();
 }
 
 void frmMMSMain::mnu_saveAs_Click() {
@@ -110,8 +112,9 @@ void frmMMSMain::mnu_saveAs_Click() {
         return;
     }
     platform_.dialogs.show(Message{loc_.getMCrPromptStr(8), loc_.getMCrInterfaceStr(0), Buttons::Ok});
-    state_.isModified = false;
+    setModified(false);
     updateCaption();
+    messageStored();
 }
 
 void frmMMSMain::mnu_delete_Click() {
@@ -130,6 +133,7 @@ void frmMMSMain::mnu_delete_Click() {
         showStoreError(26, s.message());
         return;
     }
+    forgetRecent(chosen);
     platform_.dialogs.show(Message{loc_.getMCrPromptStr(7), loc_.getMCrInterfaceStr(0), Buttons::Ok});
 }
 
@@ -146,8 +150,12 @@ void frmMMSMain::mnu_open_Click() {
         platform_.dialogs.runModal(dialog);
     }
     if (state_.isCancel) return;
-    const QString name = state_.currentFile;
+    openStored(state_.currentFile, previousName);
+}
 
+void frmMMSMain::openStored(const QString& name, const QString& previousName) {
+    const MessageStore messages = store();
+    state_.currentFile = name;
     // The index is read from the store first, so that a malformed one changes nothing; then the
     // message is copied to the working copy, which its slides will refer to.
     LoadedMessage loaded;
@@ -162,8 +170,10 @@ void frmMMSMain::mnu_open_Click() {
 
     clearMessage();
     loadMessage(loaded);
-    state_.isModified = false;
+    setModified(false);
     updateCaption();
+    messageReplaced();
+    rememberRecent(name);
     if (!loaded.missingFiles.isEmpty()) showStoreError(25, loaded.missingFiles.join(QLatin1Char('\n')));
 }
 
@@ -185,7 +195,7 @@ void frmMMSMain::loadMessage(const LoadedMessage& loaded) {
         selectSlide(1);
         lstSlide_ItemClick();
     }
-    state_.isModified = false;
+    setModified(false);
 }
 
 } // namespace mms

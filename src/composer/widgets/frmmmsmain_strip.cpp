@@ -3,6 +3,7 @@
 // slide; the list is changed first, and the strip only when the list accepted the change, so a
 // refusal never leaves the two out of step.
 
+#include "common/desktoptexts.h"
 #include "common/localisation.h"
 #include "composer/composertext.h"
 #include "composer/slidepicture.h"
@@ -57,7 +58,7 @@ void frmMMSMain::onStripCurrentChanged() {
 void frmMMSMain::finishStripCommand(qint16 select) {
     selectSlide(select);
     lstSlide_ItemClick();
-    state_.isModified = true;
+    setModified(true);
 }
 
 void frmMMSMain::addCmd_Click() {
@@ -77,6 +78,11 @@ void frmMMSMain::addCmd_Click() {
         stripModel_->refreshLabels(slides_);
         finishStripCommand(static_cast<qint16>(cur + 1));
     }
+    updateAddCmds();
+    recordInsert(selectedSlide());
+}
+
+void frmMMSMain::updateAddCmds() {
     // At the limit the add commands rest.
     const bool canAdd = stripCount() < CSlide::kMaxSlides;
     addCmd->setEnabled(canAdd);
@@ -86,11 +92,20 @@ void frmMMSMain::addCmd_Click() {
 void frmMMSMain::removeCmd_Click() {
     const qint16 cur = selectedSlide();
     if (cur < 1) return;
+    const std::optional<SlideState> removed = slideState(cur);
+    if (removed && removeFromStrip(cur))
+        record(new RemoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepRemoveSlide), cur,
+                                   *removed));
+}
+
+// Removes slide `cur` from the list and the strip and shows its neighbour; false when the list
+// refused (error 5).
+bool frmMMSMain::removeFromStrip(qint16 cur) {
     CounterBatch batch(*this);
     const QScopedValueRollback quiet(stripFromCode_, true);
     if (!slides_.RemoveFromList(cur)) {
         platform_.dialogs.inform(loc_.getMCrErrStr(5));
-        return;
+        return false;
     }
     stripModel_->removeSlide(cur);
     addCmd->setEnabled(true);
@@ -101,7 +116,8 @@ void frmMMSMain::removeCmd_Click() {
         selectSlide(static_cast<qint16>(cur > remaining ? remaining : cur));
     }
     lstSlide_ItemClick();
-    state_.isModified = true;
+    setModified(true);
+    return true;
 }
 
 void frmMMSMain::ffCmd_Click() {
@@ -114,6 +130,7 @@ void frmMMSMain::ffCmd_Click() {
     stripModel_->moveSlide(cur, 1);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(1);
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepToFront), cur, 1));
 }
 
 void frmMMSMain::fCmd_Click() {
@@ -139,6 +156,8 @@ void frmMMSMain::moveOnePlace(bool towardsFront) {
     stripModel_->moveSlide(cur, target);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(target);
+    const int name = towardsFront ? desktoptext::kStepForward : desktoptext::kStepBackward;
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(name), cur, target));
 }
 
 void frmMMSMain::rrCmd_Click() {
@@ -151,10 +170,13 @@ void frmMMSMain::rrCmd_Click() {
     stripModel_->moveSlide(cur, count);
     stripModel_->refreshLabels(slides_);
     finishStripCommand(static_cast<qint16>(count));
+    record(new MoveSlideStep(*this, loc_.getMCrInterfaceStr(desktoptext::kStepToBack), cur,
+                             static_cast<qint16>(count)));
 }
 
 void frmMMSMain::lstSlide_ItemClick() {
     CounterBatch batch(*this);
+    const QScopedValueRollback showing(showingSlide_, true);
     if (slides_.IsEmpty()) {
         lstSlide->setIconSize(kStripThumbnailSize);
         refreshSlidePanel();
@@ -180,10 +202,11 @@ void frmMMSMain::lstSlide_ItemClick() {
         stopSoundPreview();
         lblSoundName->setText(soundLabelText(node->DataSoundPath, cur, state_.currentFile));
         if (node->DataSoundPath.isEmpty()) soundPlayCmd->setEnabled(false);
+        updateMediaActions();
 
         frameSlide->setTitle(loc_.getMCrInterfaceStr(9) + QLatin1Char(' ') + QString::number(cur));
         refreshCounters();
-        state_.isModified = wasModified;
+        setModified(wasModified);
         if (txtText->toPlainText().isEmpty()) setTextBox(textHint());
     } catch (const std::exception&) {
         platform_.dialogs.inform(loc_.getMCrErrStr(6));

@@ -139,6 +139,10 @@ void PicturePanel::setLibraryFolder(const QString& folder) {
     imgDirPath->setText(folder);
 }
 
+QString PicturePanel::libraryFolder() const {
+    return imgDirPath->text();
+}
+
 void PicturePanel::fillTypeCombo() {
     const Localisation& loc = loc_;
     {
@@ -208,12 +212,15 @@ void PicturePanel::chgImgCmd_Click() {
     const QListWidgetItem* item = selectedPicture();
     if (!item) return;
     // The file is taken from the folder the list shows, not from a folder typed since.
-    const QString source = QDir(listedFolder_).filePath(item->text());
+    attachPictureFile(QDir(listedFolder_).filePath(item->text()), lstPicView->count() > 0);
+}
+
+void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
     Platform& platform = platform_;
     PictureImport import;
     {
         const BusyCursor busy;
-        import = importPicture(source, lstPicView->count() > 0, appFolder_, platform.clock, platform.random);
+        import = importPicture(source, checkSize, appFolder_, platform.clock, platform.random);
     }
     if (!import.attach()) {
         const QString text = import.errorText(loc_.getMCrErrStr(import.errorNumber));

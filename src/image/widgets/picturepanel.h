@@ -39,6 +39,7 @@ public:
     // Widens the type list's drop-down so that its longest entry fits.
     void sizeTypeCombo();
     void setLibraryFolder(const QString& folder);
+    QString libraryFolder() const;
     void fillTypeCombo();
 
     // Refills lstPicView from the folder in imgDirPath and the type in imgTypeCombo. The thumbnails
@@ -53,6 +54,10 @@ public:
     void imgChgDirBrowse_Click();
     void lstPicView_ItemClick();
     void chgImgCmd_Click();
+    // The picture command's rules for any picture file (a file dropped on the composer, say): used
+    // as it is when small enough, converted or refused when not, the refusal shown. The size is
+    // only checked when `checkSize` is set, as the command checks it only while its list has items.
+    void attachPictureFile(const QString& source, bool checkSize = true);
 
 signals:
     // A picture ready to go on the current slide (the file itself, or its conversion below Temp).

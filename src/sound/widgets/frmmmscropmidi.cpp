@@ -42,14 +42,15 @@ double markSeconds(const QLineEdit* box) {
 
 frmMMSCropMIDI::frmMMSCropMIDI(const Localisation& texts, Dialogs& dialogs, PlayerControl& player,
                                QWidget* parent)
-    : QDialog(parent), texts_(texts), dialogs_(dialogs), player_(player) {
+    : QDialog(parent), texts_(texts), dialogs_(dialogs), player_(player),
+      ownDecoder_(std::make_unique<MidiDecoder>()), decoder_(ownDecoder_.get()) {
     buildControls();
     Form_Load();
 }
 
 frmMMSCropMIDI::frmMMSCropMIDI(const Localisation& texts, Dialogs& dialogs, QWidget* parent)
     : QDialog(parent), texts_(texts), dialogs_(dialogs), ownPlayer_(std::make_unique<MidiPlayer>()),
-      player_(*ownPlayer_) {
+      player_(*ownPlayer_), ownDecoder_(std::make_unique<MidiDecoder>()), decoder_(ownDecoder_.get()) {
     buildControls();
     Form_Load();
 }
@@ -308,9 +309,9 @@ void frmMMSCropMIDI::Command1_Click() {
 void frmMMSCropMIDI::Command4_Click() {
     player_.stop();
     validflag = false;
-    MidiDecoder decoder(&dialogs_);
+    decoder_->setMessageSink(&dialogs_);
     const CropTexts refusals{texts_.getMCrErrStr(18), texts_.getMCrErrStr(20), texts_.getMCrErrStr(21)};
-    if (cropMidi(decoder, txtName->text(), outfilename, txtCropStart->text(), txtCropEnd->text(), refusals,
+    if (cropMidi(*decoder_, txtName->text(), outfilename, txtCropStart->text(), txtCropEnd->text(), refusals,
                  dialogs_)) {
         player_.close();
         validflag = true;
@@ -349,13 +350,15 @@ QString cropOutputPath(const QString& appFolder, double uniform) {
 }
 
 QString runCropWindow(Platform& platform, const Localisation& texts, const QString& appFolder,
-                      const QString& inputPath, QWidget* parent, PlayerControl* player) {
+                      const QString& inputPath, QWidget* parent, PlayerControl* player,
+                      MidiDecoder* decoder) {
     // A cropped tune already on a slide may hold the drawn name: draw again rather than replace it.
     QString output = cropOutputPath(appFolder, platform.random.uniform());
     for (int attempt = 0; attempt < 100 && QFileInfo::exists(output); ++attempt)
         output = cropOutputPath(appFolder, platform.random.uniform());
     auto window = player ? std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, *player, parent)
                          : std::make_unique<frmMMSCropMIDI>(texts, platform.dialogs, parent);
+    if (decoder) window->setDecoder(*decoder);
     window->txtName->setText(inputPath);
     window->outfilename = output;
     window->validflag = false;

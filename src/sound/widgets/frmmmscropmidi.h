@@ -15,6 +15,7 @@ namespace mms {
 
 class Dialogs;
 class Localisation;
+class MidiDecoder;
 class PlayerControl;
 struct Platform;
 
@@ -33,6 +34,10 @@ public:
     // The window on its own FluidSynth player.
     frmMMSCropMIDI(const Localisation& texts, Dialogs& dialogs, QWidget* parent = nullptr);
     ~frmMMSCropMIDI() override;
+
+    // The decoder the crop uses; it must outlive the window. By default the window has one of its
+    // own, which knows nothing of the tunes cropped before.
+    void setDecoder(MidiDecoder& decoder) { decoder_ = &decoder; }
 
     // "mm:ss" of the milliseconds rounded to whole seconds (minutes wrap at 60).
     static QString formatTime(qint64 ms);
@@ -92,6 +97,8 @@ private:
     Dialogs& dialogs_;
     std::unique_ptr<PlayerControl> ownPlayer_;
     PlayerControl& player_;
+    std::unique_ptr<MidiDecoder> ownDecoder_;
+    MidiDecoder* decoder_ = nullptr;
     bool isPreviewing = false;
 };
 
@@ -99,9 +106,11 @@ private:
 // with a fresh output name below appFolder's "Temp/tmpMID" and returns the path of the cropped
 // tune to attach, or an empty string when there is nothing to attach (the user closed the window,
 // the crop failed, or the result is too large, which is reported with error string 1). `player`
-// defaults to a FluidSynth player.
+// defaults to a FluidSynth player. `decoder`, when given, is the one decoder of the run: a tune
+// without a tempo event is timed at the tempo of the tune decoded before it.
 QString runCropWindow(Platform& platform, const Localisation& texts, const QString& appFolder,
-                      const QString& inputPath, QWidget* parent = nullptr, PlayerControl* player = nullptr);
+                      const QString& inputPath, QWidget* parent = nullptr, PlayerControl* player = nullptr,
+                      MidiDecoder* decoder = nullptr);
 
 // appFolder + "/Temp/tmpMID/" + a random number from 10000 to 99999 + ".mid".
 QString cropOutputPath(const QString& appFolder, double uniform);

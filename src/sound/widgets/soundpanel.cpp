@@ -5,6 +5,7 @@
 #include "common/widgets/browsefolder.h"
 #include "common/widgets/platform.h"
 #include "common/workspace.h"
+#include "sound/mididecoder.h"
 #include "sound/widgets/frmmmscropmidi.h"
 
 #include <QComboBox>
@@ -29,7 +30,8 @@ constexpr qint64 kSizeLimit = 102400;
 } // namespace
 
 SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
-    : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)) {
+    : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
+      cropDecoder_(std::make_unique<MidiDecoder>()) {
     setObjectName(QStringLiteral("soundPanel"));
 
     soundDirPath = new QLineEdit(this);
@@ -97,6 +99,8 @@ SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString ap
     connect(cropCmd, &QPushButton::clicked, this, [this] { cropCmd_Click(); });
 }
 
+SoundPanel::~SoundPanel() = default;
+
 void SoundPanel::applyLanguage() {
     const Localisation& loc = loc_;
     SoundChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
@@ -107,6 +111,10 @@ void SoundPanel::applyLanguage() {
 
 void SoundPanel::setLibraryFolder(const QString& folder) {
     soundDirPath->setText(folder);
+}
+
+QString SoundPanel::libraryFolder() const {
+    return soundDirPath->text();
 }
 
 void SoundPanel::fillTypeCombo() {
@@ -227,7 +235,10 @@ void SoundPanel::fileBoxSound_Click() {
 
 void SoundPanel::chgSoundCmd_Click() {
     const QString path = selectedFilePath();
-    if (path.isEmpty()) return;
+    if (!path.isEmpty()) attachSoundFile(path);
+}
+
+void SoundPanel::attachSoundFile(const QString& path) {
     Dialogs& dialogs = platform_.dialogs;
     const Localisation& loc = loc_;
     QFile file(path);
@@ -251,7 +262,8 @@ void SoundPanel::cropCmd_Click() {
     if (path.isEmpty()) return;
     // The cropped tune goes below Temp; should the folder have gone since start-up, it is made again.
     QDir().mkpath(workspace::tmpMid(appFolder_));
-    const QString cropped = runCropWindow(platform_, loc_, appFolder_, path, window(), cropPlayer_);
+    const QString cropped =
+        runCropWindow(platform_, loc_, appFolder_, path, window(), cropPlayer_, cropDecoder_.get());
     if (!cropped.isEmpty()) emit soundChosen(cropped);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QWidget>
+#include <memory>
 
 class QComboBox;
 class QLineEdit;
@@ -12,6 +13,7 @@ class QToolButton;
 namespace mms {
 
 class Localisation;
+class MidiDecoder;
 class PlayerControl;
 struct Platform;
 
@@ -26,6 +28,7 @@ class SoundPanel final : public QWidget {
 public:
     // appFolder: where the workspace lies (cropped tunes go below its Temp folder).
     SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent = nullptr);
+    ~SoundPanel() override;
 
     // Captions and tooltips from the language.
     void applyLanguage();
@@ -33,6 +36,7 @@ public:
     // Start-up, in the composer's order: the library folder shown, then the type list filled; the
     // file list gets a pattern and the folder, and entry 0 is chosen, which applies its pattern.
     void setLibraryFolder(const QString& folder);
+    QString libraryFolder() const;
     void fillTypeCombo();
 
     // The file list fileBoxSound: a folder, a pattern ("*.amr;*.mid") and the matching names,
@@ -54,6 +58,9 @@ public:
     void soundTypeCombo_Click();
     void fileBoxSound_Click();
     void chgSoundCmd_Click();
+    // The attach command's rules for any sound file (a file dropped on the composer, say): one that
+    // cannot be read or is too large is refused with its message; any other is handed on.
+    void attachSoundFile(const QString& path);
     void cropCmd_Click();
     // Attach and crop rest until a file is clicked again (the composer's slide panel reset).
     void disableFileCommands();
@@ -81,6 +88,8 @@ private:
     Platform& platform_;
     QString appFolder_;
     PlayerControl* cropPlayer_ = nullptr;
+    // The crop window's decoder, kept for the whole run as the decoding rules want it.
+    std::unique_ptr<MidiDecoder> cropDecoder_;
     QString fileFolder_;
     QString filePattern_;
 };

@@ -1,0 +1,155 @@
+// The window-free rules behind the composer's history, drafts, recent list, mnemonics and drops.
+#include "composer/draftstore.h"
+#include "composer/droprules.h"
+#include "composer/mnemonics.h"
+#include "composer/rememberedstate.h"
+#include "composer/slideedits.h"
+#include "support/qtprint.h"
+#include "support/tempdir.h"
+
+#include <QSettings>
+#include <gtest/gtest.h>
+
+using namespace mms;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A list of slides named by their text, one letter each; the order reads the text and the tail.
+QString order(const CSlide& list) {
+    QString s;
+    for (auto n = list.firstItem(); n; n = n->NextNode)
+        s += n->DataText;
+    return s + u'|' + (list.lastItem() ? list.lastItem()->DataText : QString());
+}
+
+void fill(CSlide& list, const QString& names) {
+    for (QChar c : names)
+        list.InsertAtBack(SlideDur::fromText(u"3"_s), {}, QString(c), {});
+}
+
+} // namespace
+
+TEST(SlideEdits, MovesKeepTheListWholeWhateverTheDistance) {
+    struct Move {
+        qint16 from, to;
+        const char* expected;
+    };
+    // To either end, by one place either way, and further inside the list.
+    for (const Move& m :
+         {Move{4, 1, "DABCE|E"}, Move{2, 5, "ACDEB|B"}, Move{3, 2, "ACBDE|E"}, Move{3, 4, "ABDCE|E"},
+          Move{2, 4, "ACDBE|E"}, Move{4, 2, "ADBCE|E"}, Move{3, 3, "ABCDE|E"}}) {
+        CSlide list;
+        fill(list, u"ABCDE"_s);
+        EXPECT_TRUE(moveSlideTo(list, m.from, m.to, 5));
+        EXPECT_EQ(order(list), QString::fromLatin1(m.expected)) << m.from << "->" << m.to;
+    }
+    CSlide empty;
+    EXPECT_FALSE(moveSlideTo(empty, 1, 2, 0));
+}
+
+TEST(Drafts, RoundTripKeepsEverySlideAndRefusesAnythingElse) {
+    const Draft draft{u"trip"_s,
+                      u"Hi"_s,
+                      2,
+                      {SlideContent{SlideDur::fromText(u"3"_s), {}, u"first\nline"_s, {}},
+                       SlideContent{SlideDur::fromNumber(12), u"/a/p.jpg"_s, {}, u"/a/t.mid"_s}}};
+    QString error;
+    EXPECT_EQ(decodeDraft(encodeDraft(draft), &error), draft);
+
+    const QByteArray good = encodeDraft(draft);
+    const std::pair<QByteArray, QByteArray> damage[] = {
+        {"\"format\": \"mms-composer-draft\"", "\"format\": \"other\""},
+        {"\"current\": 2", "\"current\": 3"},
+        {"\"duration\": 12", "\"duration\": 40000"},
+        {"\"text\": \"\"", "\"text\": 5"},
+        {"\"slides\"", "\"slide\""},
+    };
+    for (const auto& [from, to] : damage) {
+        QByteArray bad = good;
+        ASSERT_TRUE(bad.contains(from)) << from.toStdString();
+        bad.replace(from, to);
+        EXPECT_EQ(decodeDraft(bad, &error), std::nullopt) << to.toStdString();
+    }
+    EXPECT_EQ(decodeDraft(good.left(good.size() / 2), &error), std::nullopt);
+    EXPECT_FALSE(error.isEmpty());
+}
+
+TEST(Drafts, StoreWritesReadsSetsAsideAndDropsMissingMedia) {
+    test::TempDir home;
+    const DraftStore store(home.path());
+    ASSERT_TRUE(store.write("one").isOk());
+    Status status = Status::ok();
+    const QDateTime when(QDate(2024, 5, 17), QTime(14, 30, 5));
+    const QString aside = store.setAside(when, status);
+    EXPECT_TRUE(status.isOk() && aside.endsWith(u"UserData/draft-damaged-20240517-143005.json"_s));
+    EXPECT_EQ(test::TempDir::read(aside), "one");
+    EXPECT_FALSE(store.exists());
+    EXPECT_TRUE(store.remove().isOk());
+
+    const QString kept = home.write(u"p.jpg"_s, "x");
+    Draft draft{{},
+                {},
+                1,
+                {SlideContent{{}, kept, {}, home.file(u"gone.mid"_s)},
+                 SlideContent{{}, home.file(u"gone.mid"_s), {}, {}}}};
+    EXPECT_EQ(dropMissingMedia(draft), QStringList{home.file(u"gone.mid"_s)});
+    EXPECT_EQ(draft.slides[0].picture, kept);
+    EXPECT_TRUE(draft.slides[0].sound.isEmpty() && draft.slides[1].picture.isEmpty());
+}
+
+TEST(Mnemonics, EveryCaptionOfAMenuGetsItsOwnKey) {
+    struct Case {
+        QStringList captions;
+        const char* keys;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {{u"File"_s, u"Edit"_s, u"Slide"_s, u"Help"_s},
+         "FESH",
+         {u"&File"_s, u"&Edit"_s, u"&Slide"_s, u"&Help"_s}},
+        {{u"Save"_s, u"Save As..."_s, u"&Open"_s}, "SAO", {u"&Save"_s, u"S&ave As..."_s, u"&Open"_s}},
+        {{u"Datei"_s, u"Bearbeiten"_s, u"Folie"_s}, "FES", {u"&Datei"_s, u"&Bearbeiten"_s, u"&Folie"_s}},
+        {{u"Правка"_s, u"Привет"_s}, "EH", {u"&Правка"_s, u"П&ривет"_s}},
+        {{u"文件"_s, u"编辑"_s, u"幻灯片"_s}, "FEF", {u"文件(&F)"_s, u"编辑(&E)"_s, u"幻灯片(&A)"_s}},
+        {{u"..."_s, u"Q&&A"_s}, "", {u"..."_s, u"&Q&&A"_s}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(withMnemonics(c.captions, QString::fromLatin1(c.keys)), c.expected) << c.keys;
+}
+
+TEST(RememberedState, RecentListKeepsEightNamesLastUsedFirstAndSurvivesTheSettingsFile) {
+    QStringList recent;
+    for (int i = 1; i <= 10; ++i)
+        recent = withRecent(recent, QString::number(i));
+    recent = withRecent(recent, u"5"_s);
+    EXPECT_EQ(recent, (QStringList{u"5"_s, u"10"_s, u"9"_s, u"8"_s, u"7"_s, u"6"_s, u"4"_s, u"3"_s}));
+
+    test::TempDir dir;
+    const QString file = dir.file(u"settings.ini"_s);
+    RememberedState state{"geo", "cols", u"/p"_s, u"/s"_s, 1, recent};
+    {
+        QSettings settings(file, QSettings::IniFormat);
+        saveRememberedState(settings, state);
+        settings.setValue(u"messages/recent"_s, QStringList{u"a"_s, u" "_s, u"b"_s, u"a"_s});
+    }
+    QSettings settings(file, QSettings::IniFormat);
+    const RememberedState read = loadRememberedState(settings);
+    EXPECT_EQ(read.geometry, "geo");
+    EXPECT_EQ(read.splitter, "cols");
+    EXPECT_EQ(read.pictureFolder + read.soundFolder, u"/p/s"_s);
+    EXPECT_EQ(read.tab, 1);
+    EXPECT_EQ(read.recent, (QStringList{u"a"_s, u"b"_s})); // hand-edited: blanks and repeats go
+}
+
+TEST(DropRules, PicturesAndSoundsByExtensionAnythingElseRefused) {
+    test::TempDir dir;
+    const std::pair<const char*, DropKind> cases[] = {
+        {"b.JPG", DropKind::Picture}, {"e.3gp", DropKind::Picture}, {"f.AMR", DropKind::Sound},
+        {"g.mid", DropKind::Sound},   {"h.png", DropKind::Refused}, {"j", DropKind::Refused},
+    };
+    for (const auto& [name, kind] : cases)
+        EXPECT_EQ(dropKindOf(dir.write(QString::fromLatin1(name), "x")), kind) << name;
+    EXPECT_EQ(dropKindOf(dir.file(u"missing.gif"_s)), DropKind::Refused);
+    EXPECT_EQ(dropKindOf(dir.path()), DropKind::Refused); // a folder
+}
