@@ -44,11 +44,11 @@ struct Composer {
 
     Composer(int slides, bool media) {
         mms::LanguageTexts texts;
-        for (int i = 0; i < 12; ++i)
+        for (int i = 0; i < 14; ++i)
             texts.prompts << QStringLiteral("prompt");
-        for (int i = 0; i < 32; ++i)
+        for (int i = 0; i < 33; ++i)
             texts.errors << QStringLiteral("error");
-        for (int i = 0; i < 70; ++i)
+        for (int i = 0; i < 79; ++i)
             texts.interface << QStringLiteral("text %1").arg(i);
         loc.setTexts(texts);
         mms::frmMMSMain::Options options;

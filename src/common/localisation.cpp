@@ -142,17 +142,17 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1, 2, 3, 4, 7, 8, 9, 10, 11};
+    return {1, 2, 3, 4, 7, 8, 9, 10, 11, 12, 13};
 }
 
 QList<int> usedErrorNumbers() {
     QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
-    numbers.append(range(10, 31));
+    numbers.append(range(10, 32));
     return numbers;
 }
 
 QList<int> usedInterfaceNumbers() {
-    QList<int> numbers = range(0, 69);
+    QList<int> numbers = range(0, 78);
     numbers.removeAll(16);
     numbers.removeAll(46);
     numbers.removeAll(47);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/localisation.h"
-#include "support/controls.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "support/controls.h"
 #include "support/fakeplatform.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
@@ -24,9 +24,9 @@ namespace mms::test {
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 70; ++i) {
-        if (i < 12) t.prompts << QStringLiteral("P%1").arg(i);
-        if (i < 32) t.errors << QStringLiteral("E%1").arg(i);
+    for (int i = 0; i < 79; ++i) {
+        if (i < 14) t.prompts << QStringLiteral("P%1").arg(i);
+        if (i < 33) t.errors << QStringLiteral("E%1").arg(i);
         t.interface << QStringLiteral("I%1").arg(i);
     }
     return t;
@@ -54,8 +54,9 @@ protected:
 
     // The user picks strip item `position`.
     void pick(int position) {
-        ctl<QListView>(w, "lstSlide")->selectionModel()->setCurrentIndex(w->stripModel().index(position - 1),
-                                                       QItemSelectionModel::ClearAndSelect);
+        ctl<QListView>(w, "lstSlide")
+            ->selectionModel()
+            ->setCurrentIndex(w->stripModel().index(position - 1), QItemSelectionModel::ClearAndSelect);
     }
 
     // Adds one slide per letter of `texts`, each with that letter as its text.

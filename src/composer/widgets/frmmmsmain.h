@@ -27,6 +27,7 @@ namespace mms {
 
 class Localisation;
 class PicturePanel;
+class SizeGauge;
 class SlideStripModel;
 class SoundPanel;
 
@@ -49,6 +50,7 @@ class SoundPanel;
 //   frmmmsmain_preview.cpp  sound preview
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
 //   frmmmsmain_export.cpp   Export, Export as MMS
+//   frmmmsmain_size.cpp     the size gauge, media lengths measured again, the over-limit question
 class frmMMSMain final : public QMainWindow {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmMMSMain)
@@ -150,6 +152,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -182,6 +185,7 @@ private:
     QGroupBox* Frame2 = nullptr; // around lblSize
     QLabel* lblSlide = nullptr;
     QLabel* lblSize = nullptr;
+    SizeGauge* sizeGauge = nullptr; // the estimate against the message size limit
 
     QGroupBox* frameSlide = nullptr;
     QLineEdit* txtSlideDur = nullptr;
@@ -232,6 +236,10 @@ private:
     // Panel helpers.
     void refreshCounters();
     void recountNow();
+    // Size helpers: the media files' lengths measured again (they may have changed outside the
+    // program), and the question before exporting a message over the size limit.
+    void remeasureMessage();
+    bool goOnDespiteSize();
     void showPicture(const QString& path, bool* failed);
     void setDurationText(const QString& text);
     void setTextBox(const QString& text);

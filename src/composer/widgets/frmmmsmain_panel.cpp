@@ -6,6 +6,7 @@
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "composer/widgets/sizegauge.h"
 #include "sound/widgets/soundpanel.h"
 
 #include <QAction>
@@ -47,13 +48,16 @@ void frmMMSMain::recountNow() {
     if (slides_.IsEmpty()) {
         lblSlide->setText(total + QLatin1Char('0'));
         lblSize->setText(total + QStringLiteral("0 byte"));
+        sizeGauge->setSize(0);
         return;
     }
     try {
         const qint16 count = slides_.getTotalSlide();
-        const qint32 size = slides_.getTotalSize(QString(), QString(), state_.txtsubject);
+        // The running total: a keystroke measures no file (see frmmmsmain_size.cpp for when they are).
+        const qint32 size = slides_.runningTotalSize(QString(), QString(), state_.txtsubject);
         lblSlide->setText(total + QString::number(count));
         lblSize->setText(total + QString::number(size) + QStringLiteral("bytes"));
+        sizeGauge->setSize(size);
     } catch (const std::exception&) {
         // Beyond the counters' range: they keep their last values.
     }
@@ -75,7 +79,7 @@ void frmMMSMain::updateCurrentSlide(const QString& field, const QString& value) 
             stripModel_->setDuration(cur, node->DataSlideDur);
         } else if (field == kImgPath) {
             if (value != node->DataImgPath) {
-                node->DataImgPath = value;
+                slides_.setImgPath(*node, value);
                 if (value.isEmpty()) {
                     stripModel_->setThumbnail(cur, blankThumbnail());
                 } else if (!isVideoClipPath(value)) {
@@ -85,9 +89,9 @@ void frmMMSMain::updateCurrentSlide(const QString& field, const QString& value) 
                 }
             }
         } else if (field == kText) {
-            node->DataText = txtText->toPlainText();
+            slides_.setText(*node, txtText->toPlainText());
         } else if (field == kSoundPath) {
-            node->DataSoundPath = value;
+            slides_.setSoundPath(*node, value);
         }
         refreshCounters();
         state_.isModified = true;
@@ -220,6 +224,7 @@ void frmMMSMain::refreshSlidePanel() {
     const QString total = loc_.getMCrInterfaceStr(26) + QStringLiteral(" : ");
     lblSlide->setText(total + QLatin1Char('0'));
     lblSize->setText(total + QStringLiteral("0 byte"));
+    sizeGauge->setSize(0);
     if (auto* stack = qobject_cast<QStackedWidget*>(frameSlide->parentWidget())) stack->setCurrentIndex(0);
 }
 

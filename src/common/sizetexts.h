@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace mms {
+
+class Localisation;
+
+// Language entries of the size limit features: the fit question and its refusal, the export
+// question, the busy indicator, the gauge and its limit setting, and the file sizes in the lists.
+namespace sizetext {
+constexpr int kPromptShrinkToFit = 12;      // %1 converted size, %2 limit (Yes/No)
+constexpr int kPromptExportOverLimit = 13;  // %1 message size, %2 limit (Yes/No)
+constexpr int kErrPictureCannotFit = 32;    // %1 why
+constexpr int kShrinking = 70;              // busy indicator of the fit
+constexpr int kKilobytes = 71;              // "%1 KB"
+constexpr int kGaugeTip = 72;               // %1 size, %2 limit
+constexpr int kSizeLimit = 73;              // limit button tooltip, custom limit window title
+constexpr int kCustomLimit = 74;            // last entry of the limit menu
+constexpr int kLimitInKilobytes = 75;       // label of the custom limit box
+constexpr int kPictureWillBeConverted = 76; // tooltip of a large picture in the library
+constexpr int kSoundTooLarge = 77;          // tooltip of a large sound in the library
+constexpr int kMegabytes = 78;              // "%1 MB"
+} // namespace sizetext
+
+// Whole kilobytes of 1024 bytes, rounded down so that a file under the 100 KB attachment limit never
+// reads 100 KB; at least 1 for a size that is not 0.
+qint64 wholeKilobytes(qint64 bytes);
+// The size in the language's unit, for example "99 KB"; whole megabytes as "1 MB".
+QString sizeText(const Localisation& texts, qint64 bytes);
+
+} // namespace mms
