@@ -1,8 +1,8 @@
 #include "composer/composerfixture.h"
-#include "support/controls.h"
 #include "image/thumbnailloader.h"
 #include "image/widgets/picturepanel.h"
 #include "picturefiles.h"
+#include "support/controls.h"
 
 #include <QComboBox>
 #include <QDeadlineTimer>
@@ -53,10 +53,15 @@ protected:
         return out.join(u' ');
     }
     QColor iconColour(int row) {
-        return centre(ctl<QListWidget>(panel(), "lstPicView")->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
+        return centre(ctl<QListWidget>(panel(), "lstPicView")
+                          ->item(row)
+                          ->icon()
+                          .pixmap(PicturePanel::kThumbnailSize)
+                          .toImage());
     }
     void attach(const QString& name) {
-        const QList<QListWidgetItem*> found = ctl<QListWidget>(panel(), "lstPicView")->findItems(name, Qt::MatchExactly);
+        const QList<QListWidgetItem*> found =
+            ctl<QListWidget>(panel(), "lstPicView")->findItems(name, Qt::MatchExactly);
         ASSERT_EQ(found.size(), 1) << name.toStdString();
         ctl<QListWidget>(panel(), "lstPicView")->setCurrentItem(found.first());
         ASSERT_TRUE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
@@ -85,7 +90,8 @@ TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
         EXPECT_TRUE(near(iconColour(row), colours[row])) << row;
         ctl<QListWidget>(panel(), "lstPicView")->setCurrentRow(0);
         ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(row + 1);
-        EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled()) << "nothing is selected after a refill";
+        EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled())
+            << "nothing is selected after a refill";
         waitForListing();
         EXPECT_EQ(names(), QLatin1String(byType[row])) << row;
         ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(0);
@@ -150,11 +156,14 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
     attach(QStringLiteral("first.bmp"));
     w->setModified(false);
 
-    // A large GIF is refused unconverted; a JPEG still too large stays in the scratch folder.
+    // A large GIF is refused unconverted; a JPEG still too large, when the user declines to shrink
+    // it, stays in the scratch folder.
     attach(QStringLiteral("a.gif"));
     EXPECT_TRUE(converted().isEmpty());
+    fake.dialogs.answers.push_back(Answer::No);
     attach(QStringLiteral("noise.bmp"));
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{QStringLiteral("E0"), QStringLiteral("E0")}));
+    EXPECT_EQ(fake.dialogs.texts(),
+              (QStringList{QStringLiteral("E0"), QStringLiteral("P12"), QStringLiteral("E0")}));
     ASSERT_EQ(converted().size(), 1);
     EXPECT_GE(QFileInfo(home.file(QStringLiteral("Temp/tmpJPG/") + converted().first())).size(), 102400);
 
@@ -164,9 +173,9 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
     loc.setTexts(texts);
     QFile::remove(library() + QStringLiteral("/gone.bmp"));
     attach(QStringLiteral("gone.bmp"));
-    ASSERT_EQ(fake.dialogs.shown.size(), 3u);
-    EXPECT_TRUE(fake.dialogs.shown[2].text.startsWith(QStringLiteral("E31")));
-    EXPECT_TRUE(fake.dialogs.shown[2].text.contains(QStringLiteral("gone.bmp")));
+    ASSERT_EQ(fake.dialogs.shown.size(), 4u);
+    EXPECT_TRUE(fake.dialogs.shown[3].text.startsWith(QStringLiteral("E31")));
+    EXPECT_TRUE(fake.dialogs.shown[3].text.contains(QStringLiteral("gone.bmp")));
 
     EXPECT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), first);
@@ -184,7 +193,8 @@ TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {
         other.write(QString::fromLatin1(name), bmp(Qt::green));
 
     ctl<QPushButton>(panel(), "refreshcmd")->click();
-    for (const QDeadlineTimer d(20000); ctl<QListWidget>(panel(), "lstPicView")->count() == 0 && !d.hasExpired();)
+    for (const QDeadlineTimer d(20000);
+         ctl<QListWidget>(panel(), "lstPicView")->count() == 0 && !d.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     ASSERT_GT(ctl<QListWidget>(panel(), "lstPicView")->count(), 0);
     fake.dialogs.folderAnswers.push_back(other.path());

@@ -3,7 +3,7 @@
 // message over the limit. A keystroke never measures files: the list keeps a running total.
 
 #include "common/localisation.h"
-#include "common/sizetexts.h"
+#include "common/filesize.h"
 #include "composer/sizelimit.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "composer/widgets/sizegauge.h"

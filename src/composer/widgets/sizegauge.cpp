@@ -1,7 +1,7 @@
 #include "composer/widgets/sizegauge.h"
 
 #include "common/localisation.h"
-#include "common/sizetexts.h"
+#include "common/filesize.h"
 #include "common/widgets/platform.h"
 
 #include <QActionGroup>

@@ -5,21 +5,27 @@
 
 class QComboBox;
 class QImage;
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
+class QProgressBar;
 class QPushButton;
 class QToolButton;
 
 namespace mms {
 
+class FitTask;
+struct FitResult;
 class Localisation;
 struct Platform;
 class ThumbnailLoader;
 
-// The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails,
-// filtered by type, and the command that prepares the chosen picture for a slide (converted when too
-// large) and hands it to the composer through pictureChosen.
+// The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails with
+// their file sizes, filtered by type, and the command that prepares the chosen picture for a slide
+// (converted when too large) and hands it to the composer through pictureChosen. A picture whose
+// conversion is still too large is, if the user agrees, shrunk until it fits: off the window's
+// thread, with a busy indicator and a cancel button, the rest of the window usable meanwhile.
 class PicturePanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PicturePanel)
@@ -53,6 +59,9 @@ public:
     void imgChgDirBrowse_Click();
     void lstPicView_ItemClick();
     void chgImgCmd_Click();
+    // Stops the shrinking under way; nothing is attached.
+    void fitCancelCmd_Click();
+    bool isFitting() const;
 
 signals:
     // A picture ready to go on the current slide (the file itself, or its conversion below Temp).
@@ -65,14 +74,24 @@ private:
     QComboBox* imgTypeCombo = nullptr;
     QListWidget* lstPicView = nullptr;
     QPushButton* chgImgCmd = nullptr;
+    QProgressBar* fitProgress = nullptr;
+    QLabel* lblShrinking = nullptr;
+    QPushButton* fitCancelCmd = nullptr;
 
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
+    bool askToShrink(qint64 convertedBytes);
+    void startFit(const QString& source);
+    void fitFinished(const FitResult& result, const QString& target);
+    void showFitting(bool fitting);
+    // Error text `error` with its "%1" replaced by detail, in a message box.
+    void warn(int error, const QString& detail);
 
     const Localisation& loc_;
     Platform& platform_;
     QString appFolder_;
     ThumbnailLoader* loader_ = nullptr;
+    FitTask* fit_ = nullptr;
     QString listedFolder_;
 };
 

@@ -1,4 +1,4 @@
-#include "common/sizetexts.h"
+#include "common/filesize.h"
 
 #include "common/localisation.h"
 

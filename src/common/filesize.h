@@ -7,6 +7,12 @@ namespace mms {
 
 class Localisation;
 
+// A picture or sound file of this many bytes or more is too large to attach.
+constexpr qint64 kAttachmentLimit = 102400;
+inline bool isTooLarge(qint64 bytes) {
+    return bytes >= kAttachmentLimit;
+}
+
 // Language entries of the size limit features: the fit question and its refusal, the export
 // question, the busy indicator, the gauge and its limit setting, and the file sizes in the lists.
 namespace sizetext {
@@ -20,7 +26,7 @@ constexpr int kSizeLimit = 73;              // limit button tooltip, custom limi
 constexpr int kCustomLimit = 74;            // last entry of the limit menu
 constexpr int kLimitInKilobytes = 75;       // label of the custom limit box
 constexpr int kPictureWillBeConverted = 76; // tooltip of a large picture in the library
-constexpr int kSoundTooLarge = 77;          // tooltip of a large sound in the library
+constexpr int kTooLargeToUse = 77;          // tooltip of a large sound or GIF in the library
 constexpr int kMegabytes = 78;              // "%1 MB"
 } // namespace sizetext
 
