@@ -8,6 +8,7 @@
 #include <QDeadlineTimer>
 #include <QLabel>
 #include <QListWidget>
+#include <QProgressBar>
 #include <QThread>
 
 using namespace mms;
@@ -181,6 +182,53 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
     EXPECT_EQ(slidePicture(1), first);
     EXPECT_TRUE(near(centre(w->stripModel().thumbnail(1)), Qt::red));
     EXPECT_FALSE(w->isModified());
+}
+
+// A photograph whose conversion is still too large is shrunk on Yes, off the window's thread, and
+// put on the slide upright; a cancelled shrink attaches nothing.
+TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
+    LanguageTexts texts = loc.texts();
+    texts.interface[71] = QStringLiteral("%1 KB");
+    loc.setTexts(texts);
+    put(QStringLiteral("photo.jpg"),
+        test::withOrientation(test::encoded(test::noise(900, 600), "JPG", 90), 6));
+    put(QStringLiteral("small.bmp"), bmp(Qt::red));
+    refresh();
+    const auto tip = [this](int row) {
+        return ctl<QListWidget>(panel(), "lstPicView")->item(row)->toolTip();
+    };
+    EXPECT_TRUE(tip(0).startsWith(QStringLiteral("photo.jpg\n")) &&
+                tip(0).endsWith(QStringLiteral(" KB\nI76")));
+    EXPECT_EQ(tip(1), QStringLiteral("small.bmp\n1 KB"));
+
+    const auto waitForFit = [this] {
+        for (const QDeadlineTimer d(20000); panel().isFitting() && !d.hasExpired();)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    };
+    fake.random.draws = {0.1, 0.2, 0.3, 0.4}; // scratch names for the conversions
+    attach(QStringLiteral("photo.jpg")); // the question's default answer: Yes
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P12")});
+    EXPECT_TRUE(panel().isFitting());
+    EXPECT_TRUE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));
+    EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
+    waitForFit();
+    const QString fitted = slidePicture(1);
+    EXPECT_TRUE(fitted.startsWith(home.file(QStringLiteral("Temp/tmpJPG/"))));
+    EXPECT_LT(QFileInfo(fitted).size(), 102400);
+    EXPECT_EQ(converted().size(), 2); // the same-size conversion stays beside the fitted one
+    const QSize shown = ctl<QLabel>(w, "picPanel")->pixmap().size();
+    EXPECT_TRUE(QImage(fitted).height() > QImage(fitted).width() && shown.height() > shown.width());
+    EXPECT_TRUE(w->isModified());
+    EXPECT_TRUE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
+
+    attach(QStringLiteral("photo.jpg"));
+    ctl<QPushButton>(panel(), "fitCancelCmd")->click();
+    EXPECT_FALSE(panel().isFitting());
+    EXPECT_FALSE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));
+    for (const QDeadlineTimer d(500); !d.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_EQ(slidePicture(1), fitted);
+    EXPECT_EQ(fake.dialogs.shown.size(), 2u);
 }
 
 TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {

@@ -1,12 +1,12 @@
+#include "common/workspace.h"
 #include "composer/composerfixture.h"
-#include "support/controls.h"
 #include "sound/midi_testfile.h"
 #include "sound/mididecoder.h"
 #include "sound/scriptedplayer.h"
 #include "sound/widgets/frmmmscropmidi.h"
 #include "sound/widgets/soundpanel.h"
 #include "store/messagestore.h"
-#include "common/workspace.h"
+#include "support/controls.h"
 
 #include <QComboBox>
 #include <QListWidget>
@@ -40,7 +40,9 @@ protected:
             names << ctl<QListWidget>(p, "fileBoxSound")->item(i)->text();
         return names;
     }
-    Commands commands() const { return {ctl<QPushButton>(p, "chgSoundCmd")->isEnabled(), ctl<QPushButton>(p, "cropCmd")->isEnabled()}; }
+    Commands commands() const {
+        return {ctl<QPushButton>(p, "chgSoundCmd")->isEnabled(), ctl<QPushButton>(p, "cropCmd")->isEnabled()};
+    }
     // The user clicks a file of the list; the commands it leaves enabled.
     Commands choose(const QString& name) {
         const auto items = ctl<QListWidget>(p, "fileBoxSound")->findItems(name, Qt::MatchExactly);
@@ -56,6 +58,10 @@ protected:
 
 TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionAndTheType) {
     EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s, u"TUNE.MID"_s}));
+    // Sizes in the tooltips; a file at the limit is marked as too large.
+    const auto tip = [this](int row) { return ctl<QListWidget>(p, "fileBoxSound")->item(row)->toolTip(); };
+    EXPECT_EQ(tip(0), u"big.amr\nI71\nI77"_s);
+    EXPECT_EQ(tip(1), u"tune.amr\nI71"_s);
     EXPECT_EQ(choose(u"TUNE.MID"_s), kBoth);
     EXPECT_EQ(choose(u"tune.amr"_s), kAttach);
     ctl<QListWidget>(p, "fileBoxSound")->clearSelection();
