@@ -34,11 +34,13 @@ struct Trial {
 
 class Fitter {
 public:
-    Fitter(const UprightPicture& picture, qint64 maxBytes, const std::atomic<bool>* cancel)
-        : picture_(picture), maxBytes_(maxBytes), cancel_(cancel), full_(picture.size()),
-          long_(qMax(full_.width(), full_.height())), short_(qMin(full_.width(), full_.height())) {}
+    Fitter(const UprightPicture& picture, const QString& name, qint64 maxBytes,
+           const std::atomic<bool>* cancel)
+        : picture_(picture), name_(QDir::toNativeSeparators(name)), maxBytes_(maxBytes), cancel_(cancel),
+          full_(picture.size()), long_(qMax(full_.width(), full_.height())),
+          short_(qMin(full_.width(), full_.height())) {}
 
-    FitResult run(const QString& name);
+    FitResult run();
 
 private:
     QSize sizeFor(int longSide) const;
@@ -47,7 +49,10 @@ private:
     Status encodeAt(int longSide, Trial& trial);
     int nextGuess(int lo, int hi);
 
+    FitResult noFit(const QString& why) const;
+
     const UprightPicture& picture_;
+    const QString name_;
     const qint64 maxBytes_;
     const std::atomic<bool>* cancel_;
     const QSize full_;
@@ -89,10 +94,12 @@ Status Fitter::encodeAt(int longSide, Trial& trial) {
     const QImage scaled = decoded_.size() == size
                               ? decoded_
                               : decoded_.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    if (scaled.isNull()) return Status::failure(QStringLiteral("out of memory while scaling the picture"));
+    if (scaled.isNull())
+        return Status::failure(QStringLiteral("%1: out of memory while scaling the picture").arg(name_));
     trial.longSide = longSide;
     trial.size = size;
-    if (Status s = encodeJpeg(scaled, kJpegQuality, trial.jpeg); !s) return s;
+    if (Status s = encodeJpeg(scaled, kJpegQuality, trial.jpeg); !s)
+        return Status::failure(QStringLiteral("%1: %2").arg(name_, s.message()));
     trial.bytes = trial.jpeg.size();
     return Status::ok();
 }
@@ -115,10 +122,20 @@ int Fitter::nextGuess(int lo, int hi) {
     return int(std::clamp(std::floor(side), double(lo + 1), double(hi - 1)));
 }
 
-FitResult Fitter::run(const QString& name) {
+FitResult Fitter::noFit(const QString& why) const {
+    FitResult result;
+    result.outcome = FitResult::Outcome::NoFit;
+    result.message = QStringLiteral("%1: %2").arg(name_, why);
+    return result;
+}
+
+FitResult Fitter::run() {
     FitResult result;
     const int lmin = smallestLongSide();
     const int lmax = qMin(long_, kMaxJpegSide);
+    if (lmin > lmax)
+        return noFit(QStringLiteral("its shape cannot be kept within the largest JPEG side of %1 pixels")
+                         .arg(kMaxJpegSide));
     int lo = lmin - 1; // largest side known to fit, or below the range
     int hi = lmax + 1; // smallest side known not to fit, or above the range
     int guess = 0;
@@ -142,16 +159,12 @@ FitResult Fitter::run(const QString& name) {
     }
     if (!fits_) {
         const QSize smallest = sizeFor(lmin);
-        result.outcome = FitResult::Outcome::NoFit;
-        result.message =
-            QStringLiteral("%1: even at %2 by %3 pixels, the smallest size that keeps its shape, "
-                           "the picture takes %4 bytes as a JPEG; at most %5 are allowed")
-                .arg(QDir::toNativeSeparators(name))
-                .arg(smallest.width())
-                .arg(smallest.height())
-                .arg(tooBig_ ? tooBig_->bytes : 0)
-                .arg(maxBytes_);
-        return result;
+        return noFit(QStringLiteral("even at %1 by %2 pixels, the smallest size that keeps its shape, the "
+                                    "picture takes %3 bytes as a JPEG; at most %4 are allowed")
+                         .arg(smallest.width())
+                         .arg(smallest.height())
+                         .arg(tooBig_->bytes)
+                         .arg(maxBytes_));
     }
     result.outcome = FitResult::Outcome::Fitted;
     result.jpeg = std::move(fits_->jpeg);
@@ -169,7 +182,7 @@ FitResult fitPicture(const QByteArray& bytes, const QString& name, qint64 maxByt
         failed.message = s.message();
         return failed;
     }
-    return Fitter(picture, maxBytes, cancel).run(name);
+    return Fitter(picture, name, maxBytes, cancel).run();
 }
 
 FitResult fitPictureToLimit(const QString& source, qint64 maxBytes, const std::atomic<bool>* cancel) {

@@ -96,6 +96,8 @@ public:
     // the figure equals getTotalSize as long as no media file changed length since and no node
     // field was written directly. Same overflow rule.
     qint32 runningTotalSize(const QString& sender, const QString& recipient, const QString& subject) const;
+    // The number of slides, kept with the running total (getTotalSlide counts them by walking).
+    qint64 runningSlideCount() const { return totals_.slides; }
     // Edits of a slide in the list that keep the running total.
     void setImgPath(CSlideNode& node, const QString& path);
     void setText(CSlideNode& node, const QString& text);

@@ -206,7 +206,7 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     };
     fake.random.draws = {0.1, 0.2, 0.3, 0.4}; // scratch names for the conversions
-    attach(QStringLiteral("photo.jpg")); // the question's default answer: Yes
+    attach(QStringLiteral("photo.jpg"));      // the question's default answer: Yes
     EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P12")});
     EXPECT_TRUE(panel().isFitting());
     EXPECT_TRUE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));

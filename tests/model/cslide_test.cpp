@@ -175,6 +175,7 @@ TEST(MessageSize, RunningTotalEqualsTheCountFromScratchAfterAnyCommands) {
     };
     for (int step = 0; step < 3000; ++step) {
         n = list.IsEmpty() ? 0 : list.getTotalSlide();
+        ASSERT_EQ(list.runningSlideCount(), n);
         commands[n == 0 ? pick(2) : pick(std::size(commands))]();
         ASSERT_EQ(list.runningTotalSize({}, u"to"_s, u"subj"_s), list.getTotalSize({}, u"to"_s, u"subj"_s))
             << "step " << step;

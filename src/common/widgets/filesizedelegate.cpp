@@ -37,7 +37,7 @@ void FileSizeDelegate::initStyleOption(QStyleOptionViewItem* option, const QMode
     QStyledItemDelegate::initStyleOption(option, index);
     const QString size = index.data(kSizeTextRole).toString();
     if (size.isEmpty() || !iconMode(*option)) return;
-    option->text += QLatin1Char('\n') + size;
+    option->text += QChar(QChar::LineSeparator) + size; // a plain '\n' would not break the line
     if (index.data(kOverLimitRole).toBool()) option->palette.setColor(QPalette::Text, kOverLimit);
 }
 

@@ -52,8 +52,9 @@ void frmMMSMain::recountNow() {
         return;
     }
     try {
-        const qint16 count = slides_.getTotalSlide();
-        // The running total: a keystroke measures no file (see frmmmsmain_size.cpp for when they are).
+        // Running figures: a keystroke neither walks the list nor measures a file (see
+        // frmmmsmain_size.cpp for when files are measured).
+        const qint64 count = slides_.runningSlideCount();
         const qint32 size = slides_.runningTotalSize(QString(), QString(), state_.txtsubject);
         lblSlide->setText(total + QString::number(count));
         lblSize->setText(total + QString::number(size) + QStringLiteral("bytes"));

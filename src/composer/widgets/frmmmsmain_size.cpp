@@ -2,8 +2,8 @@
 // again where a file may have changed outside the program, and the question before exporting a
 // message over the limit. A keystroke never measures files: the list keeps a running total.
 
-#include "common/localisation.h"
 #include "common/filesize.h"
+#include "common/localisation.h"
 #include "composer/sizelimit.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "composer/widgets/sizegauge.h"

@@ -1,7 +1,7 @@
 #include "composer/widgets/sizegauge.h"
 
-#include "common/localisation.h"
 #include "common/filesize.h"
+#include "common/localisation.h"
 #include "common/widgets/platform.h"
 
 #include <QActionGroup>
@@ -71,6 +71,8 @@ SizeGauge::SizeGauge(const Localisation& texts, Dialogs& dialogs, QWidget* paren
     sizeLimitCmd->setObjectName(QStringLiteral("sizeLimitCmd"));
     sizeLimitCmd->setPopupMode(QToolButton::InstantPopup);
     sizeLimitCmd->setAutoRaise(true);
+    // The limit itself is the button's face; the menu arrow would only crowd it.
+    sizeLimitCmd->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; width: 0; }"));
     limitMenu_ = new QMenu(sizeLimitCmd);
     limitMenu_->setObjectName(QStringLiteral("limitMenu"));
     sizeLimitCmd->setMenu(limitMenu_);
@@ -160,6 +162,7 @@ void SizeGauge::refresh() {
         setToolTip(loc_.getMCrInterfaceStr(sizetext::kGaugeTip)
                        .replace(QStringLiteral("%1"), sizeText(loc_, size_))
                        .replace(QStringLiteral("%2"), sizeText(loc_, limit_)));
+        bar_->setToolTip(toolTip());
     } catch (const std::exception&) {
         // Before a language is loaded the gauge shows no texts.
     }

@@ -82,21 +82,6 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     chgImgCmd->setIcon(QIcon(QStringLiteral(":/icons/attach.svg")));
     chgImgCmd->setEnabled(false);
 
-    fitProgress = new QProgressBar(this);
-    fitProgress->setObjectName(QStringLiteral("fitProgress"));
-    fitProgress->setRange(0, 0); // busy: the search has no known length
-    fitProgress->setTextVisible(false);
-    fitProgress->setMaximumHeight(10);
-    lblShrinking = new QLabel(this);
-    lblShrinking->setObjectName(QStringLiteral("lblShrinking"));
-    fitCancelCmd = new QPushButton(this);
-    fitCancelCmd->setObjectName(QStringLiteral("fitCancelCmd"));
-    auto* fitRow = new QHBoxLayout;
-    fitRow->addWidget(lblShrinking);
-    fitRow->addWidget(fitProgress, 1);
-    fitRow->addWidget(fitCancelCmd);
-    showFitting(false);
-
     auto* folderRow = new QHBoxLayout;
     folderRow->setSpacing(4);
     folderRow->addWidget(imgDirPath, 1);
@@ -113,7 +98,7 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     layout->addLayout(folderRow);
     layout->addLayout(typeRow);
     layout->addWidget(lstPicView, 1);
-    layout->addLayout(fitRow);
+    layout->addLayout(buildFitRow());
     layout->addLayout(actionRow);
 
     connect(imgTypeCombo, &QComboBox::currentIndexChanged, this, [this] { imgTypeCombo_Click(); });
@@ -142,6 +127,25 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
             [this](int row, const QString& name, const QImage& thumbnail) {
                 addThumbnail(row, name, thumbnail);
             });
+}
+
+// The busy indicator of a shrink and its cancel button, shown only while one runs.
+QLayout* PicturePanel::buildFitRow() {
+    fitProgress = new QProgressBar(this);
+    fitProgress->setObjectName(QStringLiteral("fitProgress"));
+    fitProgress->setRange(0, 0); // busy: the search has no known length
+    fitProgress->setTextVisible(false);
+    fitProgress->setMaximumHeight(10);
+    lblShrinking = new QLabel(this);
+    lblShrinking->setObjectName(QStringLiteral("lblShrinking"));
+    fitCancelCmd = new QPushButton(this);
+    fitCancelCmd->setObjectName(QStringLiteral("fitCancelCmd"));
+    auto* row = new QHBoxLayout;
+    row->addWidget(lblShrinking);
+    row->addWidget(fitProgress, 1);
+    row->addWidget(fitCancelCmd);
+    showFitting(false);
+    return row;
 }
 
 void PicturePanel::applyLanguage() {

@@ -6,6 +6,7 @@
 class QComboBox;
 class QImage;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
@@ -78,6 +79,7 @@ private:
     QLabel* lblShrinking = nullptr;
     QPushButton* fitCancelCmd = nullptr;
 
+    QLayout* buildFitRow();
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
     bool askToShrink(qint64 convertedBytes);
