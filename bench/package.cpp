@@ -1,7 +1,8 @@
 // Size estimate over long messages, and the export of a 20-slide message against `tar -cf` of the
-// same files.
+// same files followed by an fsync.
 #include "model/cslide.h"
 #include "package/packagewriter.h"
+#include "ratioreporter.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -9,9 +10,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
-#include <cstdio>
-#include <map>
-#include <memory>
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace mms;
 
@@ -79,7 +79,9 @@ void BM_Export20Slides(benchmark::State& state) {
 }
 BENCHMARK(BM_Export20Slides)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void BM_TarCf20Slides(benchmark::State& state) {
+// The peer: `tar -cf` of the same members, then an fsync of the archive, so that both sides end
+// with a durable archive.
+void BM_TarCfFsync20Slides(benchmark::State& state) {
     ExportFixture& f = exportFixture();
     const QString archive = f.home.path() + QStringLiteral("/tar.tpl");
     for (auto _ : state) {
@@ -87,20 +89,12 @@ void BM_TarCf20Slides(benchmark::State& state) {
         tar.setWorkingDirectory(f.storedFolder);
         tar.start(QStringLiteral("tar"), QStringList{QStringLiteral("-cf"), archive} + f.members);
         if (!tar.waitForFinished() || tar.exitCode() != 0) state.SkipWithError("tar -cf failed");
+        const int fd = ::open(QFile::encodeName(archive).constData(), O_RDONLY);
+        if (fd < 0 || ::fsync(fd) != 0) state.SkipWithError("fsync of the tar archive failed");
+        if (fd >= 0) ::close(fd);
     }
 }
-BENCHMARK(BM_TarCf20Slides)->Unit(benchmark::kMillisecond)->UseRealTime();
-
-// Prints as usual and keeps the real times, so the run can end with the export/tar ratio.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs)
-            times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    }
-    std::map<std::string, double> times;
-};
+BENCHMARK(BM_TarCfFsync20Slides)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
@@ -109,10 +103,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    const auto ours = reporter.times.find("BM_Export20Slides/real_time");
-    const auto tar = reporter.times.find("BM_TarCf20Slides/real_time");
-    if (ours != reporter.times.end() && tar != reporter.times.end() && tar->second > 0)
-        std::printf("export / tar -cf (20 slides): %.2f\n", ours->second / tar->second);
+    reporter.printRatio("ratio export/tar+fsync", "BM_Export20Slides", "BM_TarCfFsync20Slides");
     benchmark::Shutdown();
     return 0;
 }

@@ -15,6 +15,7 @@
 #include "image/jpegwriter.h"
 #include "image/picturefit.h"
 #include "image/thumbnailloader.h"
+#include "ratioreporter.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -250,27 +251,6 @@ void fitOurs(benchmark::State& state) {
     state.counters["height"] = fit.size.height();
 }
 
-// Keeps each benchmark's mean wall time for the ratios.
-class RatioReporter final : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (!run.error_occurred && run.run_type == Run::RT_Iteration)
-                seconds[run.run_name.function_name] = run.real_accumulated_time / double(run.iterations);
-        ConsoleReporter::ReportRuns(runs);
-    }
-    void printRatio(const char* what, const std::string& ours, const std::string& theirs) const {
-        const auto a = seconds.find(ours), b = seconds.find(theirs);
-        if (a == seconds.end() || b == seconds.end() || a->second <= 0) return;
-        std::printf("%-44s %8.3f s vs %8.3f s: %.2fx\n", what, a->second, b->second, b->second / a->second);
-    }
-    double ratio(const std::string& of, const std::string& to) const {
-        const auto a = seconds.find(of), b = seconds.find(to);
-        return a == seconds.end() || b == seconds.end() || b->second <= 0 ? 0.0 : a->second / b->second;
-    }
-    std::map<std::string, double> seconds;
-};
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -304,10 +284,10 @@ int main(int argc, char** argv) {
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\nRatios (tool time / our time; above 1 means we are faster):\n");
-    reporter.printRatio("100 thumbnails vs convert -thumbnail 40x40", "panel/ours", "panel/imagemagick");
-    reporter.printRatio("re-encode vs djpeg | cjpeg -quality 35", "reencode/ours", "reencode/djpeg_cjpeg");
-    std::printf("ratio fit/same-size re-encode of a 13 MP phone JPEG: %.2f\n",
-                reporter.ratio("fit/ours", "fit/reencode"));
+    reporter.printRatio("100 thumbnails, convert -thumbnail 40x40 / ours", "panel/imagemagick", "panel/ours");
+    reporter.printRatio("re-encode, djpeg | cjpeg -quality 35 / ours", "reencode/djpeg_cjpeg",
+                        "reencode/ours");
+    reporter.printRatio("ratio fit/same-size re-encode of a 13 MP phone JPEG", "fit/ours", "fit/reencode");
     benchmark::Shutdown();
     return 0;
 }

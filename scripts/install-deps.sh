@@ -7,12 +7,13 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools libgl-dev libqt6svg6
   libarchive-dev libturbojpeg0-dev libjpeg-turbo-progs
-  libfluidsynth-dev fluid-soundfont-gm
+  libfluidsynth-dev fluid-soundfont-gm libopencore-amrnb-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth
-  clang-14 libclang-rt-14-dev
-  python3-mido imagemagick
+  clang-14 libclang-rt-14-dev clang-format
+  python3-mido imagemagick tshark
   libsmf-dev
+  desktop-file-utils appstream lintian man-db
 )
 
 missing=()

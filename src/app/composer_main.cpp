@@ -1,24 +1,27 @@
 // mms-composer: the composer window.
 //
-//   mms-composer [--home DIR] [--language CODE]
+//   mms-composer [--home DIR] [--language CODE] [--quit-after SECONDS] [--help] [--version]
 //
 // --home puts the workspace elsewhere (see store/appfolder.h); --language overrides the language
-// setting for this run. A language file or workspace folder that fails stops start-up with one
-// message (a message box when a display exists, always on stderr) and exit status 1.
+// setting for this run; --quit-after ends the program on its own for start-up checks. A language
+// file or workspace folder that fails stops start-up with one message (a message box when a
+// display exists, always on stderr) and exit status 1; a bad argument gives exit status 2.
 
 #include "common/localisation.h"
-#include "composer/widgets/frmmmsmain.h"
 #include "common/widgets/qtdialogs.h"
+#include "composer/widgets/frmmmsmain.h"
 #include "model/clockrandom.h"
-#include "sound/fluidsynthdevice.h"
+#include "sound/sounddevice.h"
 #include "store/appfolder.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QStyleFactory>
+#include <QTimer>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -29,26 +32,87 @@ void printError(const QString& text) {
     std::fprintf(stderr, "mms-composer: %s\n", qPrintable(text));
 }
 
-// Takes "--language CODE" or "--language=CODE" out of the arguments. `given` tells whether the
-// option was present at all (an empty code is an error, not "no option").
-QString takeLanguageOption(QStringList& arguments, bool& given) {
-    QString code;
-    given = false;
-    for (qsizetype i = 0; i < arguments.size();) {
-        const QString& arg = arguments.at(i);
-        if (arg == QLatin1String("--language")) {
-            given = true;
-            code = i + 1 < arguments.size() ? arguments.at(i + 1) : QString();
-            arguments.remove(i, std::min<qsizetype>(2, arguments.size() - i));
-        } else if (arg.startsWith(QLatin1String("--language="))) {
-            given = true;
-            code = arg.mid(11);
-            arguments.remove(i);
-        } else {
-            ++i;
-        }
+struct StartOptions {
+    QString home;
+    QString languageCode; // empty: the "Language" setting
+    std::optional<int> quitAfterSeconds;
+};
+
+// The options and their help texts.
+struct CommandLine {
+    QCommandLineParser parser;
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Shows this help and exits.")};
+    const QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Shows the version and exits.")};
+    const QCommandLineOption home{
+        QStringLiteral("home"),
+        QStringLiteral("The application folder holding UserData/ and Temp/. Default: $MMS_COMPOSER_HOME, "
+                       "else the folder of the executable in a build folder or portable copy, else "
+                       "the user's data folder (~/.local/share/Morvane/mms-composer)."),
+        QStringLiteral("DIR")};
+    const QCommandLineOption language{
+        QStringLiteral("language"),
+        QStringLiteral("The interface language for this run: en, fra, ger, it, spa, ru, sch (Simplified "
+                       "Chinese) or tch (Traditional Chinese). Default: the \"Language\" setting of the "
+                       "organisation \"Morvane\"."),
+        QStringLiteral("CODE")};
+    const QCommandLineOption quitAfter{
+        QStringLiteral("quit-after"),
+        QStringLiteral("Ends the program SECONDS seconds after the window opens, without the close "
+                       "questions: changes are lost and the temporary folders stay. For start-up checks."),
+        QStringLiteral("SECONDS")};
+
+    CommandLine() {
+        parser.setApplicationDescription(QStringLiteral("Composes multimedia phone messages (MMS)."));
+        parser.addOptions({help, version, home, language, quitAfter});
     }
-    return code;
+};
+
+// Reads the command line into `options`; returns the exit status when the program ends here
+// (--help, --version, a bad argument).
+std::optional<int> parseCommandLine(StartOptions& options) {
+    CommandLine line;
+    QCommandLineParser& parser = line.parser;
+    if (!parser.parse(QCoreApplication::arguments())) {
+        QString text = parser.errorText();
+        if (text.endsWith(QLatin1Char('.'))) text.chop(1);
+        printError(text + QStringLiteral(" (see mms-composer --help)"));
+        return kUsageError;
+    }
+    if (parser.isSet(line.help)) {
+        std::fputs(qPrintable(parser.helpText()), stdout);
+        return 0;
+    }
+    if (parser.isSet(line.version)) {
+        std::printf("mms-composer %s\n", qPrintable(mms::programVersion()));
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        printError(QStringLiteral("unknown argument \"%1\" (see mms-composer --help)")
+                       .arg(parser.positionalArguments().front()));
+        return kUsageError;
+    }
+    options.home = parser.value(line.home);
+    if (parser.isSet(line.language)) {
+        const QString code = parser.value(line.language);
+        if (code != QLatin1String("en") && !mms::languageCodes().contains(code)) {
+            printError(QStringLiteral("unknown language \"%1\"; known codes: en %2")
+                           .arg(code, mms::languageCodes().join(QLatin1Char(' '))));
+            return kUsageError;
+        }
+        options.languageCode = code;
+    }
+    if (parser.isSet(line.quitAfter)) {
+        bool ok = false;
+        const int seconds = parser.value(line.quitAfter).toInt(&ok);
+        if (!ok || seconds < 0 || seconds > 86400) {
+            printError(QStringLiteral("--quit-after needs a whole number of seconds from 0 to 86400"));
+            return kUsageError;
+        }
+        options.quitAfterSeconds = seconds;
+    }
+    return std::nullopt;
 }
 
 // Without a display Qt cannot open its default platform and would abort; run on the offscreen
@@ -64,6 +128,22 @@ bool onScreen() {
     return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
 }
 
+// The folders of this run, or an empty app folder (with the reason printed) when there is none.
+mms::ProgramFolders programFolders(const QString& home) {
+    const mms::ProgramFolders folders = mms::chooseProgramFolders(mms::currentPlacement(home));
+    if (folders.appFolder.isEmpty()) {
+        printError(QStringLiteral("no folder for the workspace: set HOME, or give --home DIR"));
+        return folders;
+    }
+    // A home folder named by the user, or the user's data folder, is made when missing; the
+    // workspace goes inside it.
+    if (!QDir().mkpath(folders.appFolder)) {
+        printError(QStringLiteral("cannot create the folder %1").arg(folders.appFolder));
+        return {};
+    }
+    return folders;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -71,60 +151,34 @@ int main(int argc, char** argv) {
     if (!displayGiven) qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication app(argc, argv);
-    const bool hasDisplay = onScreen();
-    QApplication::setApplicationName(QStringLiteral("MMS Composer"));
-    QApplication::setOrganizationName(QStringLiteral("Morvane"));
-    QApplication::setDesktopFileName(QStringLiteral("mms-composer"));
+    mms::setProgramIdentity();
+    QApplication::setDesktopFileName(QStringLiteral("org.morvane.MmsComposer"));
     if (QStyle* fusion = QStyleFactory::create(QStringLiteral("Fusion"))) QApplication::setStyle(fusion);
 
-    QStringList arguments = QApplication::arguments();
-    arguments.removeFirst();
-    const QString home = mms::takeHomeOption(arguments);
-    bool languageGiven = false;
-    const QString languageCode = takeLanguageOption(arguments, languageGiven);
-    if (arguments == QStringList{QStringLiteral("--help")}) {
-        std::fprintf(stdout, "%s\n",
-                     "Usage: mms-composer [--home DIR] [--language CODE]\n"
-                     "  --home DIR       the application folder holding UserData/ and Temp/ (default:\n"
-                     "                   $MMS_COMPOSER_HOME, else the folder of the executable)\n"
-                     "  --language CODE  the interface language for this run: en, fra, ger, it, spa, ru,\n"
-                     "                   sch (Simplified Chinese) or tch (Traditional Chinese); by default\n"
-                     "                   the \"Language\" setting of the organisation \"Morvane\"");
-        return 0;
-    }
-    if (!arguments.isEmpty()) {
-        printError(
-            QStringLiteral("unknown argument \"%1\"; usage: mms-composer [--home DIR] [--language CODE]")
-                .arg(arguments.front()));
-        return kUsageError;
-    }
-    if (languageGiven && languageCode != QLatin1String("en") &&
-        !mms::languageCodes().contains(languageCode)) {
-        printError(QStringLiteral("unknown language \"%1\"; known codes: en %2")
-                       .arg(languageCode, mms::languageCodes().join(QLatin1Char(' '))));
-        return kUsageError;
-    }
+    StartOptions start;
+    if (const std::optional<int> status = parseCommandLine(start)) return *status;
+    const mms::ProgramFolders folders = programFolders(start.home);
+    if (folders.appFolder.isEmpty()) return kStartFailed;
 
     mms::QtDialogs dialogs;
     mms::SystemClock clock;
     mms::SystemRandom random;
-    mms::FluidSynthDevice device;
+    mms::SoundDevice device;
     mms::Platform platform{dialogs, clock, random, device};
     mms::Localisation localisation;
 
     mms::frmMMSMain::Options options;
-    options.appFolder = mms::resolveAppFolder(home);
-    // A home folder named on the command line is made when missing; the workspace goes inside it.
-    if (!home.isEmpty()) QDir().mkpath(options.appFolder);
-    options.languageFolder = mms::programFolder();
-    options.languageCode = languageCode;
+    options.appFolder = folders.appFolder;
+    options.languageFolder = folders.languageFolder;
+    options.languageCode = start.languageCode;
 
     auto window = std::make_unique<mms::frmMMSMain>(platform, localisation, options);
+    QApplication::setWindowIcon(window->windowIcon());
     dialogs.setParentWidget(window.get());
     dialogs.setLocalisation(&localisation);
     if (const mms::Status started = window->Form_Load(); !started) {
         printError(started.message());
-        if (hasDisplay) {
+        if (onScreen()) {
             dialogs.setParentWidget(nullptr);
             dialogs.show(mms::Message{started.message(), mms::applicationTitle(), mms::Buttons::Ok,
                                       mms::Icon::Critical});
@@ -137,6 +191,9 @@ int main(int argc, char** argv) {
         return kStartFailed;
     }
     window->show();
+    // exit(), not quit(): quit() would close the window through its close questions.
+    if (start.quitAfterSeconds)
+        QTimer::singleShot(*start.quitAfterSeconds * 1000, &app, [] { QCoreApplication::exit(0); });
     const int status = QApplication::exec();
     window.reset();
     return status;

@@ -7,9 +7,11 @@
 
 namespace mms::cli {
 
-// What every mmsc command gets: the application folder and its output streams.
+// What every mmsc command gets: the application folder, the folder of the language files and the
+// output streams.
 struct Context {
     QString home;
+    QString languageFolder;
     QTextStream& out;
     QTextStream& err;
 };
@@ -23,11 +25,12 @@ struct CommandInfo {
     QString name;
     QString usage; // one or more lines for --help
     Command run;
+    bool drawsText = false; // runs under a QGuiApplication (fonts), on the offscreen platform
 };
 
 // Each mmsc_*.cpp registers its commands with a static Registrar.
 struct Registrar {
-    Registrar(const char* name, const char* usage, Command run);
+    Registrar(const char* name, const char* usage, Command run, bool drawsText = false);
 };
 
 // Prints "mmsc: MESSAGE" on stderr and returns kUsageError.

@@ -2,7 +2,6 @@
 
 #include "common/localisation.h"
 #include "sound/midicrop.h"
-#include "store/appfolder.h"
 
 #include <QFileInfo>
 
@@ -17,10 +16,10 @@ QString secondsText(const QString& arg) {
     return ok ? number + QLatin1Char('s') : QString();
 }
 
-// Errors 18, 20 and 21 of the English language file beside the program, else the built-in texts.
-CropTexts cropTexts() {
+// Errors 18, 20 and 21 of the English language file, else the built-in texts.
+CropTexts cropTexts(const QString& languageFolder) {
     Localisation language;
-    if (!language.readLangFile(0, programFolder())) return CropTexts::english();
+    if (!language.readLangFile(0, languageFolder)) return CropTexts::english();
     return {language.getMCrErrStr(18), language.getMCrErrStr(20), language.getMCrErrStr(21)};
 }
 
@@ -39,7 +38,7 @@ int crop(Context& context, const QStringList& args) {
 
     StderrSink sink;
     MidiDecoder decoder(&sink);
-    if (!cropMidi(decoder, in, out, start, end, cropTexts(), sink)) {
+    if (!cropMidi(decoder, in, out, start, end, cropTexts(context.languageFolder), sink)) {
         if (!decoder.midiDecoded())
             context.err << "mmsc: " << in << " is not a MIDI file that can be decoded" << Qt::endl;
         return 1;

@@ -18,16 +18,17 @@ inline bool isTooLarge(qint64 bytes) {
 namespace sizetext {
 constexpr int kPromptShrinkToFit = 12;      // %1 converted size, %2 limit (Yes/No)
 constexpr int kPromptExportOverLimit = 13;  // %1 message size, %2 limit (Yes/No)
-constexpr int kErrPictureCannotFit = 32;    // %1 why
-constexpr int kShrinking = 70;              // busy indicator of the fit
-constexpr int kKilobytes = 71;              // "%1 KB"
-constexpr int kGaugeTip = 72;               // %1 size, %2 limit
-constexpr int kSizeLimit = 73;              // limit button tooltip, custom limit window title
-constexpr int kCustomLimit = 74;            // last entry of the limit menu
-constexpr int kLimitInKilobytes = 75;       // label of the custom limit box
-constexpr int kPictureWillBeConverted = 76; // tooltip of a large picture in the library
-constexpr int kTooLargeToUse = 77;          // tooltip of a large sound or GIF in the library
-constexpr int kMegabytes = 78;              // "%1 MB"
+constexpr int kErrPictureCannotFit = 35;    // %1 why
+constexpr int kShrinking = 80;              // busy indicator of the fit
+constexpr int kKilobytes = 81;              // "%1 KB"
+constexpr int kGaugeTip = 82;               // %1 size, %2 limit
+constexpr int kSizeLimit = 83;              // limit button tooltip, custom limit window title
+constexpr int kCustomLimit = 84;            // last entry of the limit menu
+constexpr int kLimitInKilobytes = 85;       // label of the custom limit box
+constexpr int kPictureWillBeConverted = 86; // tooltip of a large picture in the library
+constexpr int kTooLargeToUse = 87;          // tooltip of a large sound or GIF in the library
+constexpr int kMegabytes = 88;              // "%1 MB"
+constexpr int kFirstInterface = kShrinking, kLastInterface = kMegabytes;
 } // namespace sizetext
 
 // Whole kilobytes of 1024 bytes, rounded down so that a file under the 100 KB attachment limit never

@@ -77,104 +77,129 @@ QString describe(const std::set<QString>& set) {
 
 } // namespace
 
-Status parseLanguageSource(const QString& text, const QString& sourceName, LanguageSource& out) {
-    out = LanguageSource();
-    const auto fail = [&](qsizetype line, const QString& what) {
-        return Status::failure(QStringLiteral("%1:%2: %3").arg(sourceName).arg(line).arg(what));
-    };
+namespace {
 
-    QString body = text;
-    if (body.startsWith(QChar(0xFEFF))) body.remove(0, 1);
-    const QStringList lines = body.split(QLatin1Char('\n'));
+// Reads a language source line by line into `out`; every refusal names the line it stopped at.
+class SourceReader {
+public:
+    SourceReader(const QString& sourceName, LanguageSource& out) : name_(sourceName), out_(out) {}
 
-    std::array<QMap<int, QString>, 3> entries;
-    std::array<QMap<int, qsizetype>, 3> lineOf;
-    qsizetype languageLine = 0;
-    qsizetype formatLine = 0;
+    Status line(qsizetype lineNo, const QString& text);
+    // After the last line: the header is complete and every group is numbered without a gap.
+    Status finish();
 
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        const qsizetype lineNo = i + 1;
-        const QString line = lines.at(i).trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) continue;
-        if (line.contains(QChar(u'\0')))
-            return fail(lineNo, QStringLiteral("a NUL character cannot be part of a text"));
-        const qsizetype eq = line.indexOf(QLatin1Char('='));
-        if (eq < 0) return fail(lineNo, QStringLiteral("expected \"key = text\", found \"%1\"").arg(line));
-        const QString key = line.left(eq).trimmed();
-        QString value;
-        if (Status s = unescape(line.mid(eq + 1).trimmed(), value); !s) return fail(lineNo, s.message());
+private:
+    Status fail(qsizetype lineNo, const QString& what) const {
+        return Status::failure(QStringLiteral("%1:%2: %3").arg(name_).arg(lineNo).arg(what));
+    }
+    Status header(qsizetype lineNo, const QString& key, const QString& value);
+    Status entry(qsizetype lineNo, const QString& key, const QString& value);
 
-        if (key == QLatin1String("language")) {
-            if (languageLine) return fail(lineNo, QStringLiteral("the language is named twice"));
-            if (value.isEmpty()) return fail(lineNo, QStringLiteral("the language name is empty"));
-            out.language = value;
-            languageLine = lineNo;
-            continue;
-        }
-        if (key == QLatin1String("format")) {
-            if (formatLine) return fail(lineNo, QStringLiteral("the format is given twice"));
-            bool ok = false;
-            out.format = value.toInt(&ok);
-            if (!ok || out.format != kLanguageSourceFormat) {
-                return fail(lineNo,
-                            QStringLiteral("format \"%1\" is not supported (this build reads format %2)")
+    const QString& name_;
+    LanguageSource& out_;
+    std::array<QMap<int, QString>, 3> entries_;
+    std::array<QMap<int, qsizetype>, 3> lineOf_;
+    qsizetype languageLine_ = 0;
+    qsizetype formatLine_ = 0;
+};
+
+Status SourceReader::line(qsizetype lineNo, const QString& text) {
+    const QString line = text.trimmed();
+    if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) return Status::ok();
+    if (line.contains(QChar(u'\0')))
+        return fail(lineNo, QStringLiteral("a NUL character cannot be part of a text"));
+    const qsizetype eq = line.indexOf(QLatin1Char('='));
+    if (eq < 0) return fail(lineNo, QStringLiteral("expected \"key = text\", found \"%1\"").arg(line));
+    const QString key = line.left(eq).trimmed();
+    QString value;
+    if (Status s = unescape(line.mid(eq + 1).trimmed(), value); !s) return fail(lineNo, s.message());
+    if (key == QLatin1String("language") || key == QLatin1String("format")) return header(lineNo, key, value);
+    return entry(lineNo, key, value);
+}
+
+Status SourceReader::header(qsizetype lineNo, const QString& key, const QString& value) {
+    if (key == QLatin1String("language")) {
+        if (languageLine_) return fail(lineNo, QStringLiteral("the language is named twice"));
+        if (value.isEmpty()) return fail(lineNo, QStringLiteral("the language name is empty"));
+        out_.language = value;
+        languageLine_ = lineNo;
+        return Status::ok();
+    }
+    if (formatLine_) return fail(lineNo, QStringLiteral("the format is given twice"));
+    bool ok = false;
+    out_.format = value.toInt(&ok);
+    if (!ok || out_.format != kLanguageSourceFormat) {
+        return fail(lineNo, QStringLiteral("format \"%1\" is not supported (this build reads format %2)")
                                 .arg(value)
                                 .arg(kLanguageSourceFormat));
-            }
-            formatLine = lineNo;
-            continue;
-        }
-
-        const qsizetype dot = key.indexOf(QLatin1Char('.'));
-        int group = -1;
-        for (int g = 0; g < 3 && dot > 0; ++g) {
-            if (QStringView(key).left(dot) == QLatin1String(kGroupKeys[g])) group = g;
-        }
-        bool ok = false;
-        const int number = dot > 0 ? key.mid(dot + 1).toInt(&ok) : -1;
-        // Digits only: "+3" or " 3" would hide a typo.
-        static const QRegularExpression digits(QStringLiteral("^[0-9]{1,4}$"));
-        if (group < 0 || !ok || !digits.match(key.mid(dot + 1)).hasMatch()) {
-            return fail(lineNo,
-                        QStringLiteral("unknown key \"%1\" (expected language, format, prompt.N, error.N "
-                                       "or interface.N)")
-                            .arg(key));
-        }
-        if (lineOf[group].contains(number)) {
-            return fail(
-                lineNo,
-                QStringLiteral("%1 is given twice (first on line %2)").arg(key).arg(lineOf[group][number]));
-        }
-        entries[group].insert(number, value);
-        lineOf[group].insert(number, lineNo);
     }
+    formatLine_ = lineNo;
+    return Status::ok();
+}
 
-    if (!languageLine)
-        return Status::failure(QStringLiteral("%1: the line \"language = ...\" is missing").arg(sourceName));
-    if (!formatLine)
-        return Status::failure(QStringLiteral("%1: the line \"format = %2\" is missing")
-                                   .arg(sourceName)
-                                   .arg(kLanguageSourceFormat));
+Status SourceReader::entry(qsizetype lineNo, const QString& key, const QString& value) {
+    const qsizetype dot = key.indexOf(QLatin1Char('.'));
+    int group = -1;
+    for (int g = 0; g < 3 && dot > 0; ++g) {
+        if (QStringView(key).left(dot) == QLatin1String(kGroupKeys[g])) group = g;
+    }
+    bool ok = false;
+    const int number = dot > 0 ? key.mid(dot + 1).toInt(&ok) : -1;
+    // Digits only: "+3" or " 3" would hide a typo.
+    static const QRegularExpression digits(QStringLiteral("^[0-9]{1,4}$"));
+    if (group < 0 || !ok || !digits.match(key.mid(dot + 1)).hasMatch()) {
+        return fail(lineNo, QStringLiteral("unknown key \"%1\" (expected language, format, prompt.N, error.N "
+                                           "or interface.N)")
+                                .arg(key));
+    }
+    if (lineOf_[group].contains(number)) {
+        return fail(
+            lineNo,
+            QStringLiteral("%1 is given twice (first on line %2)").arg(key).arg(lineOf_[group][number]));
+    }
+    entries_[group].insert(number, value);
+    lineOf_[group].insert(number, lineNo);
+    return Status::ok();
+}
 
+Status SourceReader::finish() {
+    if (!languageLine_)
+        return Status::failure(QStringLiteral("%1: the line \"language = ...\" is missing").arg(name_));
+    if (!formatLine_)
+        return Status::failure(
+            QStringLiteral("%1: the line \"format = %2\" is missing").arg(name_).arg(kLanguageSourceFormat));
     for (int g = 0; g < 3; ++g) {
-        const auto& map = entries[g];
+        const auto& map = entries_[g];
         if (map.isEmpty()) {
             return Status::failure(
-                QStringLiteral("%1: there are no %2 entries").arg(sourceName, QLatin1String(kGroupKeys[g])));
+                QStringLiteral("%1: there are no %2 entries").arg(name_, QLatin1String(kGroupKeys[g])));
         }
-        QStringList& list = groupList(out.texts, g);
+        QStringList& list = groupList(out_.texts, g);
         for (auto it = map.begin(); it != map.end(); ++it) {
             // The map is ordered, so the first key that is not its position shows the first gap.
             if (it.key() != list.size()) {
                 return Status::failure(
                     QStringLiteral("%1: %2 is missing (every number up to %3 needs a line; "
                                    "write \"-\" for one the program does not show)")
-                        .arg(sourceName, entryKey(g, int(list.size())), entryKey(g, map.lastKey())));
+                        .arg(name_, entryKey(g, int(list.size())), entryKey(g, map.lastKey())));
             }
             list.append(it.value());
         }
     }
     return Status::ok();
+}
+
+} // namespace
+
+Status parseLanguageSource(const QString& text, const QString& sourceName, LanguageSource& out) {
+    out = LanguageSource();
+    QString body = text;
+    if (body.startsWith(QChar(0xFEFF))) body.remove(0, 1);
+    const QStringList lines = body.split(QLatin1Char('\n'));
+    SourceReader reader(sourceName, out);
+    for (qsizetype i = 0; i < lines.size(); ++i)
+        if (Status s = reader.line(i + 1, lines.at(i)); !s) return s;
+    return reader.finish();
 }
 
 Status checkAgainstReference(const LanguageSource& translation, const LanguageSource& reference) {

@@ -1,5 +1,9 @@
 #include "common/localisation.h"
 
+#include "common/filesize.h"
+#include "common/playbacktexts.h"
+#include "common/sendtexts.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSettings>
@@ -142,21 +146,27 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1, 2, 3, 4, 7, 8, 9, 10, 11, 12, 13};
+    return {1, 2, 3, 4, 7, 8, 9, 10, 11, sizetext::kPromptShrinkToFit, sizetext::kPromptExportOverLimit};
 }
 
 QList<int> usedErrorNumbers() {
     QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
-    numbers.append(range(10, 32));
+    numbers.append(range(10, 31));
+    numbers.append(sendtexts::kNotAnAddress);
+    numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
+    numbers.append(sizetext::kErrPictureCannotFit);
     return numbers;
 }
 
 QList<int> usedInterfaceNumbers() {
-    QList<int> numbers = range(0, 78);
+    QList<int> numbers = range(0, 69);
     numbers.removeAll(16);
     numbers.removeAll(46);
     numbers.removeAll(47);
     numbers.removeAll(59);
+    numbers.append(sendtexts::kRecipientsLabel);
+    numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
+    numbers.append(range(sizetext::kFirstInterface, sizetext::kLastInterface));
     return numbers;
 }
 

@@ -34,13 +34,7 @@ bool isDurationNumeric(const QString& text) {
 }
 
 std::optional<qint16> durationSeconds(const QString& text) {
-    if (!isDurationNumeric(text)) return std::nullopt;
-    const QString digits = text.trimmed();
-    // Long digit strings overflow toInt as well; either way the value does not fit.
-    bool ok = false;
-    const qlonglong value = digits.toLongLong(&ok);
-    if (!ok || value > 32767) return std::nullopt;
-    return static_cast<qint16>(value);
+    return parseSeconds(QStringView(text).trimmed());
 }
 
 QString soundLabelText(const QString& soundPath, int position, const QString& currentFile) {

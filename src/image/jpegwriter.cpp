@@ -1,5 +1,7 @@
 #include "image/jpegwriter.h"
 
+#include "common/fileio.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -100,7 +102,7 @@ Status writeWholeFile(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
-    if (file.write(bytes) != bytes.size()) {
+    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file)) {
         const QString why = file.errorString();
         file.cancelWriting();
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), why));

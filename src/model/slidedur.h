@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 #include <QtGlobal>
+#include <optional>
 #include <variant>
 
 namespace mms {
@@ -11,6 +13,9 @@ namespace mms {
 // text is written in double quotes and a number bare, so both forms must round-trip.
 class SlideDur {
 public:
+    // The longest display time: a duration is a 16-bit signed number of seconds.
+    static constexpr int kMaxSeconds = 32767;
+
     SlideDur() = default;
     static SlideDur fromText(const QString& text) { return SlideDur(text); }
     static SlideDur fromNumber(qint16 seconds) { return SlideDur(seconds); }
@@ -29,5 +34,10 @@ private:
     explicit SlideDur(qint16 seconds) : value_(seconds) {}
     std::variant<QString, qint16> value_;
 };
+
+// The one reading of a duration given as text: decimal digits only (no sign, no blanks), leading
+// zeros allowed, from 0 to SlideDur::kMaxSeconds. Nothing for anything else. Callers that allow
+// blanks around the digits or cap their number say so themselves.
+std::optional<qint16> parseSeconds(QStringView digits);
 
 } // namespace mms

@@ -1,8 +1,9 @@
 #include "package/messageexport.h"
 
+#include "common/fileio.h"
+#include "common/workspace.h"
 #include "package/mmsencoder.h"
 #include "package/packagewriter.h"
-#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>
@@ -42,7 +43,8 @@ Status moveArchive(const QString& archive, const QString& destination) {
             QStringLiteral("Cannot read \"%1\": %2").arg(native(archive), in.errorString()));
     in.close();
     QSaveFile out(destination);
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+    if (!out.open(QIODevice::WriteOnly) || !fileio::writeWhole(out, bytes) || !fileio::flushWhole(out) ||
+        !out.commit())
         return Status::failure(
             QStringLiteral("Cannot write \"%1\": %2").arg(native(destination), out.errorString()));
     // The copy is complete; an archive left behind is replaced by the next export.
@@ -52,8 +54,7 @@ Status moveArchive(const QString& archive, const QString& destination) {
 
 Status exportArchive(CSlide& slides, const QString& appFolder, const QString& subject,
                      const QString& destination) {
-    if (!QDir().mkpath(appFolder))
-        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(QDir::toNativeSeparators(appFolder)));
+    if (Status s = fileio::createPath(appFolder); !s) return s;
     const QString base = uploadArchiveBase(appFolder);
     slides.setfolderpath(QString());
     slides.setfilename(base);
@@ -65,10 +66,9 @@ Status exportArchive(CSlide& slides, const QString& appFolder, const QString& su
 }
 
 Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QString& subject,
-                    const QString& outPath) {
+                    const QString& outPath, const MmsRecipients& recipients) {
     const QString temp = workspace::temp(appFolder);
-    if (!QDir().mkpath(temp))
-        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(native(temp)));
+    if (Status s = fileio::createPath(temp); !s) return s;
     QTemporaryDir scratch(temp + QStringLiteral("/mms-XXXXXX"));
     if (!scratch.isValid())
         return Status::failure(
@@ -83,7 +83,8 @@ Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QStrin
     copy.setfolderpath(name);
     copy.setfilename(name);
     if (Status s = generateSMIL(copy, scratch.path(), subject); !s) return s;
-    return writeSendRequest(copy, workspace::messageFolder(scratch.path(), name), subject, outPath);
+    return writeSendRequest(copy, workspace::messageFolder(scratch.path(), name), subject, outPath, nullptr,
+                            recipients);
 }
 
 } // namespace mms

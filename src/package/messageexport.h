@@ -2,6 +2,7 @@
 
 #include "model/cslide.h"
 #include "model/status.h"
+#include "package/mmsaddress.h"
 
 #include <QString>
 
@@ -25,8 +26,9 @@ Status exportArchive(CSlide& slides, const QString& appFolder, const QString& su
 
 // Writes `slides` as one MMS send request to `outPath`, which is replaced only by a complete request.
 // The package the request is made from is written into a scratch folder below A/Temp and removed
-// again, so nothing in the message store changes.
+// again, so nothing in the message store changes; its presentation names exactly the parts sent.
+// A media file that cannot be read fails the whole request, naming the file.
 Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QString& subject,
-                    const QString& outPath);
+                    const QString& outPath, const MmsRecipients& recipients = {});
 
 } // namespace mms

@@ -1,5 +1,8 @@
 #include "package/mmsencoder.h"
 
+#include "common/fileio.h"
+#include "package/packagemembers.h"
+
 #include <QFile>
 #include <QSaveFile>
 #include <limits>
@@ -18,19 +21,33 @@ QByteArray valueLength(qint64 length, bool alwaysQuoted = false) {
     return QByteArray(1, kLengthQuote) + MmsEncoder::uintvar(quint64(length));
 }
 
-// The content type of a part (without its value length), empty for an unknown type.
-QByteArray contentType(const QString& type, const QByteArray& name) {
+// The picture kind of a file of any other extension, from its first bytes; the phone decides what
+// to do with anything else.
+const char* sniffedType(const QString& path) {
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
+    if (head.startsWith("GIF8")) return "image/gif";
+    if (head.startsWith("\xFF\xD8\xFF")) return "image/jpeg";
+    if (head.startsWith("\x89PNG")) return "image/png";
+    if (head.startsWith("BM")) return "image/bmp";
+    return "application/octet-stream";
+}
+
+// The content type of a part (without its value length), by the extension of `source`.
+QByteArray contentType(const QString& type, const QByteArray& name, const QString& source) {
     const QByteArray nameParameter = QByteArrayLiteral("\x85") + name + '\0';
     auto byText = [&](const char* mime) { return QByteArray(mime) + '\0' + nameParameter; };
     if (type == QLatin1String("gif")) return QByteArrayLiteral("\x9D") + nameParameter;
-    if (type == QLatin1String("jpg")) return byText("image/jpeg");
+    if (type == QLatin1String("jpg") || type == QLatin1String("jpeg") || type == QLatin1String("jpe"))
+        return byText("image/jpeg");
     if (type == QLatin1String("bmp")) return byText("image/bmp");
+    if (type == QLatin1String("png")) return byText("image/png");
     if (type == QLatin1String("amr")) return byText("audio/amr");
     if (type == QLatin1String("mid")) return byText("audio/midi");
     if (type == QLatin1String("3gp")) return byText("video/3gpp");
     if (type == QLatin1String("txt")) return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
     if (type == QLatin1String("smil")) return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
-    return {};
+    return byText(sniffedType(source));
 }
 
 bool seekTo(QIODevice& out, qint64 pos) {
@@ -38,7 +55,25 @@ bool seekTo(QIODevice& out, qint64 pos) {
 }
 
 bool writeAll(QIODevice& out, const QByteArray& bytes) {
-    return out.write(bytes) == bytes.size();
+    return fileio::writeWhole(out, bytes);
+}
+
+// An address header (To, Cc): the field byte and the address as a text string, or with the UTF-8
+// charset when it is not plain ASCII.
+QByteArray addressHeader(char field, const QString& address) {
+    QByteArray text = address.toUtf8();
+    if (!text.isEmpty() && (uchar(text.front()) & 0x80)) text.prepend('\x7F'); // a quote before a high byte
+    text += '\0';
+    for (QChar c : address)
+        if (c.unicode() > 127) return field + valueLength(text.size() + 1) + '\xEA' + text;
+    return field + text;
+}
+
+// From: the sender's address, or the token that has the server insert it.
+QByteArray fromHeader(const QString& address) {
+    if (address.isEmpty()) return QByteArrayLiteral("\x89\x01\x81");
+    const QByteArray text = addressHeader('\x80', address);
+    return '\x89' + valueLength(text.size()) + text;
 }
 
 QString join(const QString& folder, const QString& name) {
@@ -78,10 +113,17 @@ qint32 MmsEncoder::generateMMSHeader(QIODevice& out, qint32 /*pos*/, const qint1
     return writeHeader(out, quint32(parts), subject);
 }
 
-qint32 MmsEncoder::writeHeader(QIODevice& out, quint32 parts, const QString& subject) {
+qint32 MmsEncoder::writeHeader(QIODevice& out, quint32 parts, const QString& subject,
+                               const MmsRecipients& recipients) {
     const QByteArray text = subject.toUtf8();
     QByteArray header =
-        QByteArrayLiteral("\x8C\x80\x98") + "B1127540881" + '\0' + QByteArrayLiteral("\x8D\x90\x89\x01\x81");
+        QByteArrayLiteral("\x8C\x80\x98") + "B1127540881" + '\0' + QByteArrayLiteral("\x8D\x90");
+    // The addresses sit between the version and the subject, in the order From, To, Cc.
+    header += fromHeader(recipients.from);
+    for (const QString& address : recipients.to)
+        header += addressHeader('\x97', address);
+    for (const QString& address : recipients.cc)
+        header += addressHeader('\x82', address);
     header += '\x96' + valueLength(text.size() + 3) + QByteArrayLiteral("\xEA\x7F") + text + '\0';
     header += QByteArrayLiteral("\x8A\x80\x8F\x81\x86\x81\x90\x81");
     header += QByteArrayLiteral("\x84\x1B\xB3\x89") + "application/smil" + '\0' + '\x8A' + "<" + kStartId +
@@ -102,11 +144,7 @@ qint32 MmsEncoder::generateMsgElement(QIODevice& out, const QString& source, qin
     const bool smil = type == QLatin1String("smil");
     const QString failed = fileName + QStringLiteral(": Error");
 
-    const QByteArray inner = contentType(type, name);
-    if (inner.isEmpty()) {
-        show(failed, source + QStringLiteral(": no content type for the extension \"%1\"").arg(type));
-        return 0;
-    }
+    const QByteArray inner = contentType(type, name, source);
     QByteArray headers = valueLength(inner.size(), smil) + inner;
     headers += QByteArrayLiteral("\xC0\x22<") + (smil ? kStartId : name) + ">" + '\0';
     if (!smil) headers += '\x8E' + name + '\0';
@@ -154,27 +192,14 @@ qint32 MmsEncoder::generateMMSBody(QIODevice& out, const CSlide& slides, const Q
     int n = 0;
     for (auto node = slides.firstItem(); node && n < count && pos != 0; node = node->NextNode) {
         const QString number = QString::number(++n);
-        if (!node->DataImgPath.isEmpty()) {
-            const QString type = CSlide::extractFileType(node->DataImgPath).toLower();
-            QString member = QStringLiteral("pic") + number + QStringLiteral(".jpg");
-            if (type == QLatin1String("gif"))
-                member = QStringLiteral("pic") + number + QStringLiteral(".gif");
-            else if (type == QLatin1String("bmp"))
-                member = QStringLiteral("pic") + number + QStringLiteral(".bmp");
-            else if (type == QLatin1String("3gp"))
-                member = QStringLiteral("vdo") + number + QStringLiteral(".3gp");
-            pos = generateMsgElement(out, join(packageFolder, member), pos);
-        }
+        // The parts are looked up under the names the package writer gave them.
+        if (!node->DataImgPath.isEmpty())
+            pos = generateMsgElement(out, join(packageFolder, pictureMember(node->DataImgPath, n).name), pos);
         if (pos != 0 && !node->DataText.isEmpty())
             pos = generateMsgElement(
                 out, join(packageFolder, QStringLiteral("text") + number + QStringLiteral(".txt")), pos);
-        if (pos != 0 && !node->DataSoundPath.isEmpty()) {
-            // The package writer stores every sound that is not MIDI as .amr; look for that file.
-            const bool midi = CSlide::extractFileType(node->DataSoundPath).toLower() == QLatin1String("mid");
-            const QString member =
-                QStringLiteral("sound") + number + (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
-            pos = generateMsgElement(out, join(packageFolder, member), pos);
-        }
+        if (pos != 0 && !node->DataSoundPath.isEmpty())
+            pos = generateMsgElement(out, join(packageFolder, soundMember(node->DataSoundPath, n)), pos);
     }
     return pos;
 }
@@ -200,26 +225,27 @@ qint32 MmsEncoder::generateMsgElement(const QString& outPath, const QString& sou
 }
 
 Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
-                        QIODevice& out, MessageSink* sink) {
+                        QIODevice& out, MessageSink* sink, const MmsRecipients& recipients) {
     MmsEncoder encoder(sink);
     const int count = slides.getTotalSlide();
     const qint32 bodyStart =
-        encoder.writeHeader(out, quint32(MmsEncoder::countParts(slides, qint16(count))), subject);
+        encoder.writeHeader(out, quint32(MmsEncoder::countParts(slides, qint16(count))), subject, recipients);
     if (bodyStart == 0 || encoder.generateMMSBody(out, slides, packageFolder, bodyStart, qint16(count)) == 0)
         return Status::failure(encoder.lastFailure());
     return Status::ok();
 }
 
 Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
-                        const QString& outPath, MessageSink* sink) {
+                        const QString& outPath, MessageSink* sink, const MmsRecipients& recipients) {
     QSaveFile file(outPath);
     if (!file.open(QIODevice::WriteOnly))
         return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
-    if (Status s = writeSendRequest(slides, packageFolder, subject, file, sink); !s) {
+    if (Status s = writeSendRequest(slides, packageFolder, subject, file, sink, recipients); !s) {
         file.cancelWriting();
         return s;
     }
-    if (!file.commit()) return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
+    if (!fileio::flushWhole(file) || !file.commit())
+        return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
     return Status::ok();
 }
 

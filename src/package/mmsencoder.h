@@ -3,6 +3,7 @@
 #include "model/cslide.h"
 #include "model/messagesink.h"
 #include "model/status.h"
+#include "package/mmsaddress.h"
 
 #include <QByteArray>
 #include <QIODevice>
@@ -21,7 +22,13 @@ namespace mms {
 // Beyond the short forms: a subject whose value length exceeds 30 is written with the length quote
 // (1F) and a uintvar; the entry count and every part's headers length are uintvars (identical to
 // one byte below 128); a content type longer than 30 bytes gets the length quote too. A 3GP part is
-// "video/3gpp", written like the other types given by text.
+// "video/3gpp", written like the other types given by text, and so are "image/png" and "image/jpeg"
+// for the extensions png, jpeg and jpe. A part of any other extension is typed by its first bytes
+// (GIF, JPEG, PNG or BMP), else as "application/octet-stream".
+//
+// Beyond the header table: the sender's address replaces the insert-address token of From, and To
+// and Cc headers follow From, one per address (see MmsRecipients); without addresses the header is
+// byte for byte the plain one.
 class MmsEncoder {
 public:
     explicit MmsEncoder(MessageSink* sink = nullptr) : sink_(sink) {}
@@ -49,7 +56,8 @@ public:
     qint32 generateMsgElement(const QString& outPath, const QString& source, qint32 pos);
 
     // The header for any number of parts (the count is a uintvar, one byte below 128).
-    qint32 writeHeader(QIODevice& out, quint32 parts, const QString& subject);
+    qint32 writeHeader(QIODevice& out, quint32 parts, const QString& subject,
+                       const MmsRecipients& recipients = {});
 
     // The number of body parts generateMMSBody writes for the first `count` slides.
     static int countParts(const CSlide& slides, qint16 count);
@@ -66,9 +74,10 @@ private:
 
 // A complete send request: the header with the number of parts, then the body of every slide.
 Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
-                        QIODevice& out, MessageSink* sink = nullptr);
+                        QIODevice& out, MessageSink* sink = nullptr, const MmsRecipients& recipients = {});
 // The same into a new file at outPath, which is replaced only when the request is complete.
 Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
-                        const QString& outPath, MessageSink* sink = nullptr);
+                        const QString& outPath, MessageSink* sink = nullptr,
+                        const MmsRecipients& recipients = {});
 
 } // namespace mms

@@ -1,14 +1,16 @@
 #include "package/packagewriter.h"
 
+#include "common/fileio.h"
+#include "common/workspace.h"
+#include "package/packagemembers.h"
 #include "package/tararchive.h"
 #include "package/utf8.h"
-#include "common/workspace.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QTemporaryDir>
 #include <vector>
 
 namespace mms {
@@ -31,7 +33,8 @@ Status cannotWrite(const QString& path, const QString& reason) {
 Status writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return cannotWrite(path, file.errorString());
-    if (file.write(bytes) != bytes.size() || !file.flush()) return cannotWrite(path, file.errorString());
+    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file))
+        return cannotWrite(path, file.errorString());
     file.close();
     if (file.error() != QFileDevice::NoError) return cannotWrite(path, file.errorString());
     return Status::ok();
@@ -45,44 +48,6 @@ Status copyWhole(const QString& source, const QString& target) {
     const QByteArray bytes = in.readAll();
     if (in.error() != QFileDevice::NoError) return cannotRead(source, in.errorString());
     return writeFile(target, bytes);
-}
-
-bool isPlainSuffix(const QString& suffix) {
-    if (suffix.isEmpty()) return false;
-    for (QChar c : suffix)
-        if (!((c >= QLatin1Char('a') && c <= QLatin1Char('z')) ||
-              (c >= QLatin1Char('0') && c <= QLatin1Char('9'))))
-            return false;
-    return true;
-}
-
-struct PictureMember {
-    QString name;
-    bool video = false;
-};
-
-// gif, jpg and bmp keep their kind, a 3GP clip becomes a video member. Any other picture (a .png or
-// .jpeg the picture panel would not offer, or a file without extension) is still packaged rather than
-// dropped: it becomes "pic" + N + "." + its lower-cased extension in an img element, so that opening
-// the message, which looks for "pic" + N + ".*", finds it again. An extension that is not plain
-// letters and digits (or none at all) is replaced by "bin".
-PictureMember pictureMember(const QString& path, int n) {
-    const QString type = CSlide::extractFileType(path).toLower();
-    const QString number = QString::number(n);
-    if (type == QLatin1String("gif") || type == QLatin1String("jpg") || type == QLatin1String("bmp"))
-        return {QStringLiteral("pic") + number + QLatin1Char('.') + type};
-    if (type == QLatin1String("3gp")) return {QStringLiteral("vdo") + number + QStringLiteral(".3gp"), true};
-    const QString fileName = CSlide::extractFileName(path);
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    QString suffix = dot < 0 ? QString() : fileName.mid(dot + 1).toLower();
-    if (!isPlainSuffix(suffix)) suffix = QStringLiteral("bin");
-    return {QStringLiteral("pic") + number + QLatin1Char('.') + suffix};
-}
-
-QString soundMember(const QString& path, int n) {
-    const bool midi = CSlide::extractFileType(path).toLower() == QLatin1String("mid");
-    return QStringLiteral("sound") + QString::number(n) +
-           (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
 }
 
 // main.smil and the index are 8-bit text in the system code page, which is UTF-8 here; their fixed
@@ -102,8 +67,7 @@ struct Package {
     QByteArray smil;
     QByteArray texts;
     QByteArray index;
-    QStringList members;                                    // archive order: main.smil, texts.xml, media
-    std::vector<std::pair<QString, QString>> copies;        // source path, member name
+    std::vector<std::pair<QString, QString>> copies;        // source path, member name, in archive order
     std::vector<std::pair<QString, QByteArray>> slideTexts; // "text" + N + ".txt", UTF-8 bytes
 };
 
@@ -115,13 +79,11 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
                              "         <region id=\"Text\" height=\"20\" width=\"160\" top=\"110\"/>",
                              "     </layout>", "     </head>", " ", "     <body>"})
         line(p.smil, QLatin1String(head));
-    p.members << QStringLiteral("main.smil");
 
     // An empty subject gives an empty title element.
     p.texts = "<?xml version=\"1.0\" encoding=\"utf-8\"?><mms-text-files>    <message>        <title>";
     p.texts += toUtf8Bytes(subject);
     p.texts += "</title>";
-    p.members << QStringLiteral("texts.xml");
 
     line(p.index, subject);
     int n = 0;
@@ -136,7 +98,6 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
             line(p.smil, QStringLiteral("             <%1 src=\"%2\" region=\"Image\"/>")
                              .arg(pic.video ? QStringLiteral("video") : QStringLiteral("img"), pic.name));
             p.copies.emplace_back(node->DataImgPath, pic.name);
-            p.members << pic.name;
             picFlag = "I";
         }
         if (!node->DataText.isEmpty()) {
@@ -151,7 +112,6 @@ Package buildPackage(const CSlide& slides, const QString& subject) {
             const QString name = soundMember(node->DataSoundPath, n);
             line(p.smil, QStringLiteral("             <audio src = \"%1\"/>").arg(name));
             p.copies.emplace_back(node->DataSoundPath, name);
-            p.members << name;
             soundFlag = "S";
         }
         line(p.smil, QStringLiteral("         </par>"));
@@ -190,8 +150,8 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
     if (subject.contains(QLatin1Char('\n')) || subject.contains(QLatin1Char('\r')))
         return cannotWrite(indexPath, QStringLiteral("the subject must be a single line"));
     if (QFileInfo::exists(folder)) return cannotWrite(folder, QStringLiteral("the folder already exists"));
-    if (!QDir().mkpath(workspace::messages(appFolder)) || !QDir().mkdir(folder))
-        return cannotWrite(folder, QStringLiteral("the folder could not be created"));
+    if (Status s = fileio::createPath(workspace::messages(appFolder)); !s) return s;
+    if (Status s = fileio::createFolder(folder); !s) return s;
 
     Status result = writeMembers(p, folder);
     for (const auto& [fileName, bytes] : p.slideTexts) {
@@ -200,35 +160,38 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
     }
     if (result) {
         QSaveFile index(indexPath);
-        if (!index.open(QIODevice::WriteOnly) || index.write(p.index) != p.index.size() || !index.commit())
+        if (!index.open(QIODevice::WriteOnly) || !fileio::writeWhole(index, p.index) ||
+            !fileio::flushWhole(index) || !index.commit())
             result = cannotWrite(indexPath, index.errorString());
     }
     if (!result) QDir(folder).removeRecursively();
     return result;
 }
 
-// Export mode. The loose members are staged in a private folder inside A rather than in A itself,
-// so that no file of the user's that happens to be called main.smil or pic1.gif is overwritten or
-// deleted; the staging folder goes away on success and on failure alike. The archive is renamed
-// into place only when complete.
-Status writeExported(const Package& p, const QString& appFolder, const QString& archiveBase) {
+// Export mode. The members go into the archive straight from memory and from their sources, each
+// dated now as a freshly written copy would be; no loose file is written, so no file of the user's
+// that happens to be called main.smil or pic1.gif is ever touched. The archive is renamed into place
+// only when complete.
+Status writeExported(const Package& p, const QString& archiveBase) {
     if (archiveBase.isEmpty())
         return cannotWrite(QStringLiteral(".tpl"), QStringLiteral("no archive name was given"));
-    const QString archivePath = archiveBase + QStringLiteral(".tpl");
-    QTemporaryDir staging(appFolder + QStringLiteral("/.upload-XXXXXX"));
-    if (!staging.isValid()) return cannotWrite(appFolder, staging.errorString());
-    if (Status s = writeMembers(p, staging.path()); !s) return s;
-    QStringList paths;
-    for (const QString& member : p.members)
-        paths << staging.filePath(member);
-    return writeTarArchive(archivePath, paths);
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    std::vector<TarMember> members{{QStringLiteral("main.smil"), p.smil, now},
+                                   {QStringLiteral("texts.xml"), p.texts, now}};
+    for (const auto& [source, member] : p.copies) {
+        QFile in(source);
+        if (!in.open(QIODevice::ReadOnly)) return cannotRead(source, in.errorString());
+        members.push_back({member, in.readAll(), now});
+        if (in.error() != QFileDevice::NoError) return cannotRead(source, in.errorString());
+    }
+    return writeTarArchive(archiveBase + QStringLiteral(".tpl"), members);
 }
 
 } // namespace
 
 Status generateSMIL(const CSlide& slides, const QString& appFolder, const QString& subject) {
     const Package package = buildPackage(slides, subject);
-    if (slides.folderPath().isEmpty()) return writeExported(package, appFolder, slides.fileName());
+    if (slides.folderPath().isEmpty()) return writeExported(package, slides.fileName());
     return writeStored(package, appFolder, slides.folderPath(), subject);
 }
 

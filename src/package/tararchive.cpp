@@ -1,5 +1,6 @@
 #include "package/tararchive.h"
 
+#include "common/fileio.h"
 #include "model/cslide.h"
 
 #include <QDir>
@@ -29,8 +30,9 @@ struct Sink {
 
 la_ssize_t writeToDevice(archive*, void* clientData, const void* buffer, size_t length) {
     auto* sink = static_cast<Sink*>(clientData);
-    const qint64 written = sink->device->write(static_cast<const char*>(buffer), static_cast<qint64>(length));
-    if (written == static_cast<qint64>(length)) return static_cast<la_ssize_t>(written);
+    if (fileio::writeWhole(*sink->device,
+                           QByteArrayView(static_cast<const char*>(buffer), qsizetype(length))))
+        return static_cast<la_ssize_t>(length);
     sink->error = sink->device->errorString();
     return -1;
 }
@@ -47,7 +49,7 @@ QString archiveError(archive* a, const Sink& sink) {
 
 } // namespace
 
-Status writeTarArchive(QIODevice& device, const QStringList& memberPaths) {
+Status writeTarArchive(QIODevice& device, const std::vector<TarMember>& members) {
     std::unique_ptr<archive, ArchiveDeleter> a(archive_write_new());
     if (!a || archive_write_set_format_ustar(a.get()) != ARCHIVE_OK ||
         archive_write_add_filter_none(a.get()) != ARCHIVE_OK)
@@ -57,31 +59,22 @@ Status writeTarArchive(QIODevice& device, const QStringList& memberPaths) {
         return Status::failure(
             QStringLiteral("Cannot write the archive: %1").arg(archiveError(a.get(), sink)));
 
-    for (const QString& path : memberPaths) {
-        QFile member(path);
-        if (!member.open(QIODevice::ReadOnly))
-            return Status::failure(
-                QStringLiteral("Cannot read \"%1\": %2").arg(native(path), member.errorString()));
-        const QByteArray bytes = member.readAll();
-        const QFileInfo info(path);
-
+    for (const TarMember& member : members) {
         std::unique_ptr<archive_entry, EntryDeleter> entry(archive_entry_new());
-        // Members live under bare names: the folder they were written in is of no interest to readers.
-        const QByteArray name = QFile::encodeName(CSlide::extractFileName(path));
+        const QByteArray name = QFile::encodeName(member.name);
         archive_entry_set_pathname(entry.get(), name.constData());
         archive_entry_set_filetype(entry.get(), AE_IFREG);
         archive_entry_set_perm(entry.get(), 0644);
-        archive_entry_set_size(entry.get(), bytes.size());
-        archive_entry_set_mtime(entry.get(), info.lastModified().toSecsSinceEpoch(), 0);
-
-        if (archive_write_header(a.get(), entry.get()) != ARCHIVE_OK)
+        archive_entry_set_size(entry.get(), member.bytes.size());
+        archive_entry_set_mtime(entry.get(), member.mtime, 0);
+        const auto cannotAdd = [&] {
             return Status::failure(QStringLiteral("Cannot add \"%1\" to the archive: %2")
-                                       .arg(native(path), archiveError(a.get(), sink)));
-        if (!bytes.isEmpty() &&
-            archive_write_data(a.get(), bytes.constData(), static_cast<size_t>(bytes.size())) !=
-                static_cast<la_ssize_t>(bytes.size()))
-            return Status::failure(QStringLiteral("Cannot add \"%1\" to the archive: %2")
-                                       .arg(native(path), archiveError(a.get(), sink)));
+                                       .arg(member.name, archiveError(a.get(), sink)));
+        };
+        if (archive_write_header(a.get(), entry.get()) != ARCHIVE_OK) return cannotAdd();
+        const auto size = static_cast<size_t>(member.bytes.size());
+        if (size > 0 && archive_write_data(a.get(), member.bytes.constData(), size) != la_ssize_t(size))
+            return cannotAdd();
     }
     if (archive_write_close(a.get()) != ARCHIVE_OK)
         return Status::failure(
@@ -89,21 +82,52 @@ Status writeTarArchive(QIODevice& device, const QStringList& memberPaths) {
     return Status::ok();
 }
 
-Status writeTarArchive(const QString& archivePath, const QStringList& memberPaths) {
+Status writeTarArchive(const QString& archivePath, const std::vector<TarMember>& members) {
     QSaveFile file(archivePath);
-    if (!file.open(QIODevice::WriteOnly))
+    // libarchive hands over whole blocks already; unbuffered, a failed write keeps the system's
+    // reason (a full disk) instead of losing it in a later flush.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Status::failure(
             QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
-    const Status written = writeTarArchive(file, memberPaths);
+    const Status written = writeTarArchive(file, members);
     if (!written) {
         file.cancelWriting();
         return Status::failure(
             QStringLiteral("%1 (while writing \"%2\")").arg(written.message(), native(archivePath)));
     }
-    if (!file.commit())
+    if (!fileio::flushWhole(file) || !file.commit())
         return Status::failure(
             QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
     return Status::ok();
+}
+
+namespace {
+
+// Members read from files keep their file's name and modification time.
+Status readMembers(const QStringList& memberPaths, std::vector<TarMember>& members) {
+    for (const QString& path : memberPaths) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return Status::failure(
+                QStringLiteral("Cannot read \"%1\": %2").arg(native(path), file.errorString()));
+        members.push_back({CSlide::extractFileName(path), file.readAll(),
+                           QFileInfo(path).lastModified().toSecsSinceEpoch()});
+    }
+    return Status::ok();
+}
+
+} // namespace
+
+Status writeTarArchive(QIODevice& device, const QStringList& memberPaths) {
+    std::vector<TarMember> members;
+    if (Status s = readMembers(memberPaths, members); !s) return s;
+    return writeTarArchive(device, members);
+}
+
+Status writeTarArchive(const QString& archivePath, const QStringList& memberPaths) {
+    std::vector<TarMember> members;
+    if (Status s = readMembers(memberPaths, members); !s) return s;
+    return writeTarArchive(archivePath, members);
 }
 
 } // namespace mms

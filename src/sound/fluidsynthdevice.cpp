@@ -4,25 +4,18 @@
 #include "sound/midiplayer.h"
 
 #include <QRegularExpression>
+#include <QStringList>
 #include <functional>
 
 namespace mms {
 
 namespace {
 
-// Result codes of sendString; callers only tell 0 from the rest.
-enum Result : int {
-    kOk = 0,
-    kUnknownCommand = 1,
-    kNoSound = 2,
-    kNotOpen = 3,
-    kAlreadyOpen = 4,
-    kCannotOpen = 5,
-};
-
 const QString kPlay = QStringLiteral("play music from 0 notify");
 const QString kStop = QStringLiteral("stop music");
 const QString kClose = QStringLiteral("close music");
+const QString kPause = QStringLiteral("pause music");
+const QString kResume = QStringLiteral("resume music");
 
 } // namespace
 
@@ -52,7 +45,8 @@ FluidSynthDevice::~FluidSynthDevice() = default; // the player stops its tune; n
 int FluidSynthDevice::sendString(const QString& command) {
     static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
     const QRegularExpressionMatch open = openCommand.match(command);
-    if (!open.hasMatch() && command != kPlay && command != kStop && command != kClose) return kUnknownCommand;
+    static const QStringList kCommands{kPlay, kStop, kClose, kPause, kResume};
+    if (!open.hasMatch() && !kCommands.contains(command)) return kUnknownCommand;
 
     Impl& d = *impl_;
     if (!d.player) {
@@ -69,13 +63,6 @@ int FluidSynthDevice::sendString(const QString& command) {
         return kNoSound;
     }
 
-    // A pending notification is answered before the command takes effect, as the old play ends here.
-    auto endPending = [this](Notify how) {
-        if (!impl_->notifyPending) return;
-        impl_->notifyPending = false;
-        notify(how);
-    };
-
     if (open.hasMatch()) {
         if (d.isOpen) return kAlreadyOpen;
         if (!d.player->open(open.captured(1))) return kCannotOpen;
@@ -87,6 +74,11 @@ int FluidSynthDevice::sendString(const QString& command) {
         return kOk;
     }
     if (!d.isOpen) return kNotOpen;
+    return controlOpenTune(command);
+}
+
+int FluidSynthDevice::controlOpenTune(const QString& command) {
+    Impl& d = *impl_;
     if (command == kPlay) {
         endPending(Notify::Superseded);
         d.player->setFrom(0);
@@ -97,6 +89,15 @@ int FluidSynthDevice::sendString(const QString& command) {
         d.notifyPending = true;
         return kOk;
     }
+    // A paused tune keeps its place and its pending notification.
+    if (command == kPause) {
+        d.player->stop();
+        return kOk;
+    }
+    if (command == kResume) {
+        if (!d.notifyPending || d.player->isPlaying()) return kOk;
+        return d.player->play() ? kOk : kNoSound;
+    }
     if (command == kStop) {
         d.player->stop();
         endPending(Notify::Aborted);
@@ -106,6 +107,13 @@ int FluidSynthDevice::sendString(const QString& command) {
     d.isOpen = false;
     endPending(Notify::Aborted);
     return kOk;
+}
+
+// A pending notification is answered before a command takes effect, as the old play ends there.
+void FluidSynthDevice::endPending(Notify how) {
+    if (!impl_->notifyPending) return;
+    impl_->notifyPending = false;
+    notify(how);
 }
 
 } // namespace mms

@@ -23,6 +23,10 @@ public:
     int sendString(const QString& command) override;
 
 private:
+    // play, pause, resume, stop and close, once a tune is open.
+    int controlOpenTune(const QString& command);
+    void endPending(Notify how);
+
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

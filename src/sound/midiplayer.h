@@ -54,15 +54,11 @@ public:
     qint64 position() const override;
     qint64 length() const override { return length_; }
 
-    // Milliseconds between status updates (50 by default).
-    int updateInterval() const { return statusTimer_.interval(); }
-    void setUpdateInterval(int ms) { statusTimer_.setInterval(ms); }
     bool isStatusTimerActive() const { return statusTimer_.isActive(); }
     // Why the engine cannot be heard at all; empty when it can.
     QString unavailableReason() const { return engine_->unavailableReason(); }
     // True while the open tune is heard rather than timed by the clock.
     bool isAudible() const { return audible_; }
-    const TempoMap& tempoMap() const { return tempo_; }
 
     // One tick of the control: stops at the end point, then sends the status update. The timers
     // call it; tests call it directly after moving their clock.

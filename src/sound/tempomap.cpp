@@ -124,6 +124,55 @@ private:
 
 } // namespace
 
+namespace {
+
+// The header's time division: ticks per quarter note, or for a file timed in SMPTE frames the
+// milliseconds of one tick (ticksPerQuarter 0).
+Status readDivision(quint16 division, int& ticksPerQuarter, double& smpteMsPerTick) {
+    smpteMsPerTick = 0.0;
+    if (division & 0x8000) {
+        // Frames per second (as a negative byte) times ticks per frame: an absolute time base.
+        const int fps = -static_cast<qint8>(division >> 8);
+        const int ticksPerFrame = division & 0xFF;
+        if ((fps != 24 && fps != 25 && fps != 29 && fps != 30) || ticksPerFrame == 0)
+            return Status::failure(QStringLiteral("The MIDI file has an invalid SMPTE time division."));
+        smpteMsPerTick = 1000.0 / ((fps == 29 ? 29.97 : fps) * ticksPerFrame);
+        ticksPerQuarter = 0;
+        return Status::ok();
+    }
+    if (division == 0)
+        return Status::failure(QStringLiteral("The MIDI file has a time division of 0 ticks."));
+    ticksPerQuarter = division;
+    return Status::ok();
+}
+
+// Walks the chunks from `pos` to the end of the file: the tempo changes of every track, in track
+// order, and the last tick of the longest one. A few stray bytes after the last chunk are ignored.
+Status readTracks(const uchar* data, qsizetype size, qsizetype pos, std::vector<TempoChange>& tempos,
+                  qint64& endTick) {
+    int tracks = 0;
+    while (size - pos >= 8) {
+        const quint32 length = be32(data + pos + 4);
+        const bool isTrack = std::memcmp(data + pos, "MTrk", 4) == 0;
+        if (length > quint64(size - pos - 8)) {
+            return Status::failure(isTrack
+                                       ? damaged(tracks + 1, QStringLiteral("is cut short"))
+                                       : QStringLiteral("The MIDI file is damaged: a chunk is cut short."));
+        }
+        if (isTrack) {
+            qint64 trackEnd = 0;
+            TrackWalker walker(data + pos + 8, length, ++tracks);
+            if (Status s = walker.walk(tempos, trackEnd); !s) return s;
+            endTick = std::max(endTick, trackEnd);
+        }
+        pos += 8 + qsizetype(length);
+    }
+    if (tracks == 0) return Status::failure(QStringLiteral("The MIDI file contains no tracks."));
+    return Status::ok();
+}
+
+} // namespace
+
 Status TempoMap::parse(const QByteArray& bytes, TempoMap& out) {
     const auto* data = reinterpret_cast<const uchar*>(bytes.constData());
     const qsizetype size = bytes.size();
@@ -138,66 +187,41 @@ Status TempoMap::parse(const QByteArray& bytes, TempoMap& out) {
         return Status::failure(QStringLiteral("The MIDI file has an unknown format (%1).").arg(format));
 
     TempoMap map;
-    const quint16 division = be16(data + 12);
     double smpteMsPerTick = 0.0;
-    if (division & 0x8000) {
-        // Frames per second (as a negative byte) times ticks per frame: an absolute time base.
-        const int fps = -static_cast<qint8>(division >> 8);
-        const int ticksPerFrame = division & 0xFF;
-        if ((fps != 24 && fps != 25 && fps != 29 && fps != 30) || ticksPerFrame == 0)
-            return Status::failure(QStringLiteral("The MIDI file has an invalid SMPTE time division."));
-        smpteMsPerTick = 1000.0 / ((fps == 29 ? 29.97 : fps) * ticksPerFrame);
-        map.ticksPerQuarter_ = 0;
-    } else {
-        if (division == 0)
-            return Status::failure(QStringLiteral("The MIDI file has a time division of 0 ticks."));
-        map.ticksPerQuarter_ = division;
-    }
-
+    if (Status s = readDivision(be16(data + 12), map.ticksPerQuarter_, smpteMsPerTick); !s) return s;
     std::vector<TempoChange> tempos;
-    qsizetype pos = 8 + qsizetype(headerLength);
-    // Chunks follow to the end of the file; a few stray bytes after the last one are ignored.
-    while (size - pos >= 8) {
-        const quint32 length = be32(data + pos + 4);
-        const bool isTrack = std::memcmp(data + pos, "MTrk", 4) == 0;
-        if (length > quint64(size - pos - 8)) {
-            return Status::failure(isTrack
-                                       ? damaged(map.trackCount_ + 1, QStringLiteral("is cut short"))
-                                       : QStringLiteral("The MIDI file is damaged: a chunk is cut short."));
-        }
-        if (isTrack) {
-            ++map.trackCount_;
-            qint64 trackEnd = 0;
-            TrackWalker walker(data + pos + 8, length, map.trackCount_);
-            if (Status s = walker.walk(tempos, trackEnd); !s) return s;
-            map.endTick_ = std::max(map.endTick_, trackEnd);
-        }
-        pos += 8 + qsizetype(length);
-    }
-    if (map.trackCount_ == 0) return Status::failure(QStringLiteral("The MIDI file contains no tracks."));
+    if (Status s = readTracks(data, size, 8 + qsizetype(headerLength), tempos, map.endTick_); !s) return s;
 
     if (smpteMsPerTick > 0.0) {
         map.segments_ = {{0, 0.0, smpteMsPerTick}}; // tempo events do not change SMPTE time
     } else {
-        const double tpq = map.ticksPerQuarter_;
-        map.segments_ = {{0, 0.0, kDefaultUsPerQuarter / 1000.0 / tpq}};
-        // Tracks were walked in order, so a stable sort keeps later tracks' changes after earlier
-        // ones at the same tick: the one a sequencer applies last wins.
-        std::stable_sort(tempos.begin(), tempos.end(),
-                         [](const TempoChange& a, const TempoChange& b) { return a.tick < b.tick; });
-        for (const TempoChange& change : tempos) {
-            if (change.usPerQuarter == 0) continue; // a tempo of zero would stop time; ignore it
-            const double msPerTick = change.usPerQuarter / 1000.0 / tpq;
-            Segment& last = map.segments_.back();
-            if (change.tick == last.tick) {
-                last.msPerTick = msPerTick;
-            } else if (msPerTick != last.msPerTick) {
-                map.segments_.push_back({change.tick, map.msAt(change.tick), msPerTick});
-            }
-        }
+        std::vector<std::pair<qint64, quint32>> changes;
+        changes.reserve(tempos.size());
+        for (const TempoChange& change : tempos)
+            changes.emplace_back(change.tick, change.usPerQuarter);
+        map.buildSegments(std::move(changes));
     }
     out = std::move(map);
     return Status::ok();
+}
+
+void TempoMap::buildSegments(std::vector<std::pair<qint64, quint32>> tempos) {
+    const double tpq = ticksPerQuarter_;
+    segments_ = {{0, 0.0, kDefaultUsPerQuarter / 1000.0 / tpq}};
+    // Tracks were walked in order, so a stable sort keeps later tracks' changes after earlier ones
+    // at the same tick: the one a sequencer applies last wins.
+    std::stable_sort(tempos.begin(), tempos.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (const auto& [tick, usPerQuarter] : tempos) {
+        if (usPerQuarter == 0) continue; // a tempo of zero would stop time; ignore it
+        const double msPerTick = usPerQuarter / 1000.0 / tpq;
+        Segment& last = segments_.back();
+        if (tick == last.tick) {
+            last.msPerTick = msPerTick;
+        } else if (msPerTick != last.msPerTick) {
+            segments_.push_back({tick, msAt(tick), msPerTick});
+        }
+    }
 }
 
 double TempoMap::msAt(qint64 tick) const {

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QtGlobal>
+#include <utility>
 #include <vector>
 
 namespace mms {
@@ -29,11 +30,11 @@ public:
 
     // Ticks per quarter note, or 0 for a file timed in SMPTE frames.
     int ticksPerQuarter() const { return ticksPerQuarter_; }
-    int trackCount() const { return trackCount_; }
-    // Number of tempo segments (1 plus the effective tempo changes).
-    int segmentCount() const { return static_cast<int>(segments_.size()); }
 
 private:
+    // Folds the tempo changes of all tracks (in track order) into segments.
+    void buildSegments(std::vector<std::pair<qint64, quint32>> tempos);
+
     // From `tick` on, one tick lasts `msPerTick`; `ms` is the time at `tick`.
     struct Segment {
         qint64 tick;
@@ -43,7 +44,6 @@ private:
     std::vector<Segment> segments_{{0, 0.0, 500.0 / 96.0}};
     qint64 endTick_ = 0;
     int ticksPerQuarter_ = 96;
-    int trackCount_ = 0;
 };
 
 } // namespace mms

@@ -1,37 +1,63 @@
 #include "store/appfolder.h"
 
+#include "common/localisation.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
+
+// Both come from the build: the project version, and where the installed data folder lies relative
+// to the installed executables (GNUInstallDirs), so that an installation can be moved as a whole.
+#ifndef MMS_VERSION
+#define MMS_VERSION "0"
+#endif
+#ifndef MMS_DATA_FROM_BIN
+#define MMS_DATA_FROM_BIN "../share/mms-composer"
+#endif
 
 namespace mms {
 
-QString programFolder() {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath());
+namespace {
+
+QString absoluteClean(const QString& path) {
+    return path.isEmpty() ? QString() : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
 }
 
-QString resolveAppFolder(const QString& homeOption) {
-    QString folder = homeOption;
-    if (folder.isEmpty()) folder = qEnvironmentVariable("MMS_COMPOSER_HOME");
-    if (folder.isEmpty()) folder = programFolder();
-    return QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+bool holdsLanguages(const QString& folder) {
+    return QFileInfo(folder + QLatin1Char('/') + languageFileName(0)).isFile();
 }
 
-QString takeHomeOption(QStringList& arguments) {
-    QString home;
-    for (qsizetype i = 0; i < arguments.size();) {
-        const QString& arg = arguments.at(i);
-        if (arg == QLatin1String("--home") && i + 1 < arguments.size()) {
-            home = arguments.at(i + 1);
-            arguments.remove(i, 2);
-        } else if (arg.startsWith(QLatin1String("--home="))) {
-            home = arg.mid(7);
-            arguments.remove(i);
-        } else {
-            ++i;
-        }
-    }
-    return home;
+} // namespace
+
+void setProgramIdentity() {
+    QCoreApplication::setOrganizationName(QStringLiteral("Morvane"));
+    QCoreApplication::setApplicationName(QStringLiteral("mms-composer"));
+    QCoreApplication::setApplicationVersion(programVersion());
+}
+
+QString programVersion() {
+    return QStringLiteral(MMS_VERSION);
+}
+
+ProgramFolders chooseProgramFolders(const Placement& placement) {
+    const QString program = absoluteClean(placement.programFolder);
+    const bool besideProgram = holdsLanguages(program);
+    ProgramFolders folders;
+    folders.installed = !besideProgram || !QFileInfo(program).isWritable();
+    folders.languageFolder =
+        besideProgram ? program : absoluteClean(program + QStringLiteral("/" MMS_DATA_FROM_BIN));
+
+    QString app = placement.homeOption;
+    if (app.isEmpty()) app = placement.homeVariable;
+    if (app.isEmpty()) app = folders.installed ? placement.dataFolder : program;
+    folders.appFolder = absoluteClean(app);
+    return folders;
+}
+
+Placement currentPlacement(const QString& homeOption) {
+    return {QCoreApplication::applicationDirPath(), homeOption, qEnvironmentVariable("MMS_COMPOSER_HOME"),
+            QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)};
 }
 
 } // namespace mms

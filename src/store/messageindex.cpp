@@ -47,15 +47,11 @@ Status malformed(int lineNumber, const QString& what) {
     return Status::failure(QStringLiteral("line %1 of the index %2").arg(lineNumber).arg(what));
 }
 
-bool parseSeconds(const QString& text, qint16& seconds) {
-    const QString digits = text.trimmed();
-    if (digits.isEmpty() || digits.size() > 5) return false;
-    for (QChar c : digits)
-        if (c < QLatin1Char('0') || c > QLatin1Char('9')) return false;
-    const int value = digits.toInt();
-    if (value > CSlide::kMaxSlides) return false;
-    seconds = static_cast<qint16>(value);
-    return true;
+// A bare duration: blanks around it are skipped; an index field holds at most five digits.
+std::optional<qint16> bareSeconds(const QString& field) {
+    const QStringView digits = QStringView(field).trimmed();
+    if (digits.size() > 5) return std::nullopt;
+    return parseSeconds(digits);
 }
 
 bool flagSet(const QString& flag) {
@@ -71,8 +67,10 @@ Status parseMessageIndex(const QByteArray& bytes, MessageIndex& out) {
         if (line.endsWith(QLatin1Char('\r'))) line.chop(1);
 
     MessageIndex index;
+    // The subject is the first field of line 1. An index written elsewhere may hold a subject with
+    // commas there; its first field alone would cut it short, so the whole line is taken instead.
     const QStringList subjectFields = splitIndexFields(lines.first());
-    if (!subjectFields.isEmpty()) index.subject = subjectFields.first();
+    index.subject = subjectFields.size() > 1 ? lines.first() : subjectFields.value(0);
 
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const int lineNumber = static_cast<int>(i + 1);
@@ -90,13 +88,13 @@ Status parseMessageIndex(const QByteArray& bytes, MessageIndex& out) {
         if (quoted.first()) {
             slide.duration = SlideDur::fromText(fields.first());
         } else {
-            qint16 seconds = 0;
-            if (!parseSeconds(fields.first(), seconds))
+            const std::optional<qint16> seconds = bareSeconds(fields.first());
+            if (!seconds)
                 return malformed(lineNumber,
                                  QStringLiteral("has the duration \"%1\", which is not a whole number "
                                                 "from 0 to 32767")
                                      .arg(fields.first()));
-            slide.duration = SlideDur::fromNumber(seconds);
+            slide.duration = SlideDur::fromNumber(*seconds);
         }
         slide.hasPicture = flagSet(fields.at(1));
         slide.hasText = flagSet(fields.at(2));

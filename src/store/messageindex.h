@@ -29,7 +29,8 @@ struct MessageIndex {
 // quoted. A blank line has no fields.
 QStringList splitIndexFields(const QString& line, QList<bool>* quoted = nullptr);
 
-// Reads a whole index: the subject is the first field of line 1, then one slide per non-blank line
+// Reads a whole index: the subject is the first field of line 1 (the whole line when it holds more
+// than one field, so that a subject with commas comes back whole), then one slide per non-blank line
 // with at least four fields (duration, picture, text and sound flag; "N" means absent). A quoted
 // duration is held as text, a bare one must be a whole number from 0 to 32767. Fails naming the line
 // that is malformed; `out` is then left as it was.

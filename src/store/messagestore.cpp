@@ -1,9 +1,10 @@
 #include "store/messagestore.h"
 
+#include "common/fileio.h"
+#include "common/workspace.h"
 #include "package/packagewriter.h"
 #include "store/messageindex.h"
 #include "store/storefiles.h"
-#include "common/workspace.h"
 
 #include <QDir>
 #include <QFile>
@@ -121,8 +122,7 @@ bool MessageStore::hasIndex(const QString& name) const {
 Status MessageStore::save(const CSlide& slides, const QString& name, const QString& subject) const {
     if (!isStorableMessageName(name)) return notAName(name);
     const QString messages = workspace::messages(appFolder_);
-    if (!QDir().mkpath(messages))
-        return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(native(messages)));
+    if (Status s = fileio::createPath(messages); !s) return s;
     if (Status s = checkReplaceable(workspace::messageFolder(appFolder_, name)); !s) return s;
 
     // The package is written under a hidden name beside the old one; the slides may point into the
@@ -168,9 +168,7 @@ Status MessageStore::copyPackage(const QString& name, const QString& folder) con
     // A message saved without any file still has its folder; one that lost it opens with every part
     // reported missing.
     if (!fs::pathExists(source)) {
-        if (!QDir().mkdir(folder))
-            return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(native(folder)));
-        return Status::ok();
+        return fileio::createFolder(folder);
     }
     return fs::copyTree(source, folder);
 }

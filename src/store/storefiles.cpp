@@ -1,5 +1,7 @@
 #include "store/storefiles.h"
 
+#include "common/fileio.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -74,16 +76,12 @@ QString firstUndeletable(const QString& path) {
 }
 
 Status copyFile(const QString& from, const QString& to) {
-    QFile source(from);
-    if (!source.copy(to))
-        return Status::failure(QStringLiteral("Cannot copy \"%1\" to \"%2\": %3")
-                                   .arg(native(from), native(to), source.errorString()));
-    return Status::ok();
+    return fileio::copyFile(from, to);
 }
 
 namespace {
 Status copyInto(const QString& from, const QString& to) {
-    if (!QDir().mkdir(to)) return Status::failure(QStringLiteral("Cannot create \"%1\"").arg(native(to)));
+    if (Status s = fileio::createFolder(to); !s) return s;
     for (const QFileInfo& entry : entriesOf(from)) {
         const QString target = to + QLatin1Char('/') + entry.fileName();
         if (entry.isSymLink()) continue;

@@ -24,9 +24,9 @@ namespace mms::test {
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 79; ++i) {
+    for (int i = 0; i < 89; ++i) {
         if (i < 14) t.prompts << QStringLiteral("P%1").arg(i);
-        if (i < 33) t.errors << QStringLiteral("E%1").arg(i);
+        if (i < 36) t.errors << QStringLiteral("E%1").arg(i);
         t.interface << QStringLiteral("I%1").arg(i);
     }
     return t;

@@ -1,5 +1,6 @@
 #include "composerfixture.h"
 #include "support/controls.h"
+#include "sound/amr_testfile.h"
 
 #include <QLabel>
 #include <QThread>
@@ -68,21 +69,24 @@ TEST_F(PreviewTest, OnlyASuccessfulEndReportedOnTheWindowThreadReturnsTheButtonT
     EXPECT_EQ(fake.device.sent, kStopClose);
 }
 
-TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreviewAndAnAmrSoundIsNeverPlayed) {
+TEST_F(PreviewTest, ShowingAnotherSlideStopsThePreviewAndOnlyAnAmrSoundThatDecodesIsPlayed) {
     play();
     pick(2);
     expectStopped();
     EXPECT_EQ(fake.device.sent, kStopClose + kStopClose);
     EXPECT_FALSE(ctl<QToolButton>(w, "soundPlayCmd")->isEnabled());
 
-    w->updateCurrentSlide(QStringLiteral("soundPath"),
-                          home.write(QStringLiteral("UserData/Sound/voice.amr"), "#!AMR\n"));
-    w->lstSlide_ItemClick();
-    fake.device.sent.clear();
-    ctl<QToolButton>(w, "soundPlayCmd")->click();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E7")});
-    EXPECT_TRUE(fake.device.sent.isEmpty());
-    expectStopped();
+    const QString voice = home.write(QStringLiteral("UserData/Sound/voice.AMR"), amrTone(5));
+    for (const QString& sound : {home.write(QStringLiteral("UserData/Sound/fake.amr"), "#!AMR\n"), voice}) {
+        w->updateCurrentSlide(QStringLiteral("soundPath"), sound);
+        w->lstSlide_ItemClick();
+        fake.device.sent.clear();
+        ctl<QToolButton>(w, "soundPlayCmd")->click();
+    }
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("E7")}) << "the fake only";
+    EXPECT_EQ(fake.device.sent, (QStringList{QStringLiteral("open \"%1\" Alias music").arg(voice),
+                                             QStringLiteral("play music from 0 notify")}));
+    EXPECT_TRUE(w->isPlaying());
 }
 
 TEST_F(PreviewTest, ClosingTheWindowStopsThePreviewAndUnhooksTheDevice) {

@@ -1,3 +1,4 @@
+#include "common/filesize.h"
 #include "composer/composerfixture.h"
 #include "composer/widgets/sizegauge.h"
 #include "image/picturefiles.h"
@@ -16,8 +17,8 @@ class SizeGaugeTest : public ComposerTest {
 protected:
     void SetUp() override {
         LanguageTexts texts = numberedTexts();
-        texts.interface[71] = QStringLiteral("%1 KB");
-        texts.interface[72] = QStringLiteral("%1 of %2");
+        texts.interface[sizetext::kKilobytes] = QStringLiteral("%1 KB");
+        texts.interface[sizetext::kGaugeTip] = QStringLiteral("%1 of %2");
         loc.setTexts(texts);
         start();
     }
@@ -51,7 +52,7 @@ TEST_F(SizeGaugeTest, FollowsTheRunningTotalAndTheLimitTheUserChooses) {
 
     // Exporting over the limit asks first; only Yes goes on to the subject prompt.
     ctl<QPushButton>(w, "createCmd")->click();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P13")});
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P%1").arg(sizetext::kPromptExportOverLimit)});
     EXPECT_EQ(fake.dialogs.modalRuns, 0);
     fake.dialogs.answers.push_back(Answer::Yes);
     w->mnu_exportMms_Click();

@@ -21,9 +21,9 @@ TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheLimit) {
         EXPECT_EQ(gaugeLevel(size, limit), level) << size;
 
     LanguageTexts texts;
-    texts.interface = QStringList(79, QString());
-    texts.interface[71] = QStringLiteral("%1 KB");
-    texts.interface[78] = QStringLiteral("%1 MB");
+    texts.interface = QStringList(sizetext::kLastInterface + 1, QString());
+    texts.interface[sizetext::kKilobytes] = QStringLiteral("%1 KB");
+    texts.interface[sizetext::kMegabytes] = QStringLiteral("%1 MB");
     Localisation loc;
     loc.setTexts(texts);
     const std::pair<qint64, const char*> sizes[] = {{0, "0 KB"},       {1, "1 KB"},

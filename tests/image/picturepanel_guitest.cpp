@@ -1,3 +1,4 @@
+#include "common/filesize.h"
 #include "composer/composerfixture.h"
 #include "image/thumbnailloader.h"
 #include "image/widgets/picturepanel.h"
@@ -23,6 +24,8 @@ bool near(QColor a, QColor b) {
 QColor centre(const QImage& image) {
     return image.pixelColor(image.width() / 2, image.height() / 2);
 }
+
+const QString shrinkQuestion = QStringLiteral("P%1").arg(sizetext::kPromptShrinkToFit);
 
 QByteArray bmp(QColor colour, int width = 10, int height = 10) {
     return test::encoded(test::filled(width, height, colour), "BMP");
@@ -164,7 +167,7 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
     fake.dialogs.answers.push_back(Answer::No);
     attach(QStringLiteral("noise.bmp"));
     EXPECT_EQ(fake.dialogs.texts(),
-              (QStringList{QStringLiteral("E0"), QStringLiteral("P12"), QStringLiteral("E0")}));
+              (QStringList{QStringLiteral("E0"), shrinkQuestion, QStringLiteral("E0")}));
     ASSERT_EQ(converted().size(), 1);
     EXPECT_GE(QFileInfo(home.file(QStringLiteral("Temp/tmpJPG/") + converted().first())).size(), 102400);
 
@@ -188,7 +191,7 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
 // put on the slide upright; a cancelled shrink attaches nothing.
 TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     LanguageTexts texts = loc.texts();
-    texts.interface[71] = QStringLiteral("%1 KB");
+    texts.interface[sizetext::kKilobytes] = QStringLiteral("%1 KB");
     loc.setTexts(texts);
     put(QStringLiteral("photo.jpg"),
         test::withOrientation(test::encoded(test::noise(900, 600), "JPG", 90), 6));
@@ -198,7 +201,7 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
         return ctl<QListWidget>(panel(), "lstPicView")->item(row)->toolTip();
     };
     EXPECT_TRUE(tip(0).startsWith(QStringLiteral("photo.jpg\n")) &&
-                tip(0).endsWith(QStringLiteral(" KB\nI76")));
+                tip(0).endsWith(QStringLiteral(" KB\nI%1").arg(sizetext::kPictureWillBeConverted)));
     EXPECT_EQ(tip(1), QStringLiteral("small.bmp\n1 KB"));
 
     const auto waitForFit = [this] {
@@ -207,7 +210,7 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     };
     fake.random.draws = {0.1, 0.2, 0.3, 0.4}; // scratch names for the conversions
     attach(QStringLiteral("photo.jpg"));      // the question's default answer: Yes
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{QStringLiteral("P12")});
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{shrinkQuestion});
     EXPECT_TRUE(panel().isFitting());
     EXPECT_TRUE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));
     EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());

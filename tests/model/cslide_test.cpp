@@ -95,6 +95,14 @@ TEST_F(CSlideTest, SwapsAndMovesToAnEndKeepOrderAndTailAndRefuseWithTheirBoundMe
     EXPECT_EQ(one.lastItem()->DataText, u"A"_s);
 }
 
+TEST(SlideDuration, DigitsUpToTheLongestDisplayTime) {
+    for (const auto& [text, seconds] :
+         {std::pair{"0", 0}, {"00012", 12}, {"32767", 32767}, {"0000000000000000000000005", 5}})
+        EXPECT_EQ(parseSeconds(QString::fromLatin1(text)), std::optional<qint16>(seconds)) << text;
+    for (const char* text : {"", "32768", "99999999999999999999", " 5", "5 ", "+5", "-1", "1.5", "3s", "٣"})
+        EXPECT_EQ(parseSeconds(QString::fromUtf8(text)), std::nullopt) << text;
+}
+
 TEST(CSlidePaths, SplitAtTheLastSeparatorOfEitherKind) {
     const QString win = u"C:\\x\\y.z.amr"_s;
     EXPECT_EQ(QStringList(

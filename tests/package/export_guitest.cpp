@@ -1,3 +1,4 @@
+#include "common/sendtexts.h"
 #include "composer/composerfixture.h"
 #include "support/controls.h"
 #include "package/archivereader.h"
@@ -8,12 +9,22 @@
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 
 using namespace mms;
 using namespace mms::test;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+QLineEdit* box(QDialog& d, const char* name) {
+    return d.findChild<QLineEdit*>(QLatin1String(name));
+}
+
+void confirm(QDialog& d) {
+    d.findChild<QPushButton*>(u"cmdUpload"_s)->click();
+}
 
 TEST(SubjectPrompt, RefusesTypedForbiddenCharactersEmptyAndLongSubjects) {
     Localisation loc;
@@ -22,35 +33,39 @@ TEST(SubjectPrompt, RefusesTypedForbiddenCharactersEmptyAndLongSubjects) {
     MessageState state;
     state.txtsubject = u"old"_s;
     frmMMSPromptSubject prompt(loc, sink, state);
+    QLineEdit* subject = box(prompt, "subject");
+    EXPECT_EQ(box(prompt, "txtRecipients"), nullptr);
     // Typed: "a,b.", the 19 forbidden characters, "c d-_'".
     for (QChar c : u"a,b.~!@#$%^&*()+|\\?><,.c d-_'"_s) {
         QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-        QApplication::sendEvent(prompt.subject, &press);
+        QApplication::sendEvent(subject, &press);
     }
-    EXPECT_EQ(prompt.subject->text(), u"abc d-_'"_s);
+    EXPECT_EQ(subject->text(), u"abc d-_'"_s);
     EXPECT_EQ(sink.texts(), QStringList(21, u"E10"_s));
     sink.shown.clear();
-    // Empty and 26 characters stay in the window; nothing is handed back.
-    for (const QString& text : {QString(), QString(26, u'x')}) {
-        prompt.subject->setText(text);
-        prompt.cmdUpload->click();
+    // Empty, 26 characters and a comma set without an edit stay in the window; nothing is handed back.
+    for (const QString& text : {QString(), QString(26, u'x'), u"a,b"_s}) {
+        subject->setText(text);
+        confirm(prompt);
         EXPECT_FALSE(prompt.validflag || prompt.result() == QDialog::Accepted);
     }
-    EXPECT_EQ(sink.texts(), QStringList({u"E16"_s, u"E17"_s}));
+    EXPECT_EQ(sink.texts(), QStringList({u"E16"_s, u"E17"_s, u"E10"_s}));
     EXPECT_EQ(state.txtsubject, u"old"_s);
-    // Pasted text is not filtered; a pasted line break becomes a space.
-    prompt.subject->clear();
-    QGuiApplication::clipboard()->setText(u"Hi, you.\nBye"_s);
-    prompt.subject->paste();
-    prompt.cmdUpload->click();
+    // Pasted text is not filtered but for commas; a pasted line break becomes a space.
+    subject->clear();
+    QGuiApplication::clipboard()->setText(u"Hi, you.\nBye,"_s);
+    subject->paste();
+    EXPECT_EQ(subject->cursorPosition(), subject->text().size());
+    confirm(prompt);
     EXPECT_TRUE(prompt.validflag && prompt.result() == QDialog::Accepted);
-    EXPECT_EQ(state.txtsubject, u"Hi, you. Bye"_s);
+    EXPECT_EQ(state.txtsubject, u"Hi you. Bye"_s);
+    EXPECT_EQ(sink.texts().last(), u"E10"_s);
     // A new prompt starts empty; 25 characters are accepted.
     frmMMSPromptSubject second(loc, sink, state);
-    EXPECT_TRUE(second.subject->text().isEmpty());
-    second.subject->setText(QString(25, u'y'));
-    second.cmdUpload->click();
-    EXPECT_TRUE(second.validflag && state.txtsubject == QString(25, u'y') && sink.shown.size() == 2u);
+    EXPECT_TRUE(box(second, "subject")->text().isEmpty());
+    box(second, "subject")->setText(QString(25, u'y'));
+    confirm(second);
+    EXPECT_TRUE(second.validflag && state.txtsubject == QString(25, u'y') && sink.shown.size() == 4u);
 }
 
 class ExportTest : public ComposerTest {
@@ -59,16 +74,17 @@ protected:
         LanguageTexts texts = numberedTexts();
         texts.errors[29] = u"E29 %1"_s;
         texts.errors[30] = u"E30 %1"_s;
+        texts.errors[sendtexts::kNotAnAddress] = u"E32 %1"_s;
         loc.setTexts(texts);
         start();
     }
     // The next subject prompt is confirmed with `subject`, the save dialog then with `path` (none: cancel).
     void answer(const QString& subject, const QString& path = {}) {
         if (!path.isEmpty()) fake.dialogs.saveFileAnswers.push_back(path);
-        fake.dialogs.modalHooks.push_back([subject](QDialog& d) {
-            auto& prompt = dynamic_cast<frmMMSPromptSubject&>(d);
-            prompt.subject->setText(subject);
-            prompt.cmdUpload->click();
+        fake.dialogs.modalHooks.push_back([subject, to = recipients](QDialog& d) {
+            box(d, "subject")->setText(subject);
+            if (QLineEdit* field = box(d, "txtRecipients")) field->setText(to);
+            confirm(d);
         });
     }
     // Two slides: a picture, a text and an AMR sound; then a text and a MIDI sound.
@@ -87,6 +103,7 @@ protected:
     }
     QString upload() const { return home.file(u"upload.tpl"_s); }
     QString amr, midi;
+    QString recipients; // typed into the recipients field of Export as MMS
 };
 
 TEST_F(ExportTest, ExportWritesTheArchiveToTheChosenPathReplacingAFileThere) {
@@ -138,6 +155,7 @@ TEST_F(ExportTest, EmptyMessageCancelAndFailure) {
 TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     fillMessage();
     const QString out = home.file(u"hello.mms"_s);
+    recipients = u"+44 1234, a@b.c"_s;
     answer(u"Hi"_s, out);
     ctl<QAction>(w, "mnu_exportMms")->trigger();
     EXPECT_EQ(fake.dialogs.saveFileRequests.last(),
@@ -151,7 +169,10 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     // its name and in slide order; the bytes between are the encoder tests' business.
     const QByteArray mms = TempDir::read(out);
     EXPECT_TRUE(mms.startsWith(QByteArray::fromHex("8c8098") + "B1127540881"));
-    EXPECT_TRUE(mms.contains(QByteArray::fromHex("9605ea7f486900")));
+    // The recipients come between From and the subject.
+    EXPECT_TRUE(mms.contains(QByteArray::fromHex("890181 97") + "+441234/TYPE=PLMN" +
+                             QByteArray::fromHex("00 97") + "a@b.c" +
+                             QByteArray::fromHex("00 9605ea7f486900")));
     EXPECT_TRUE(mms.contains(QByteArray("<AAAA>\0\x06", 8)));
     EXPECT_TRUE(mms.contains("<img src=\"pic1.jpg\""));
     qsizetype at = 0;
@@ -172,6 +193,12 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     EXPECT_TRUE(fake.dialogs.texts().last().startsWith(u"E29 "_s));
     EXPECT_TRUE(fake.dialogs.texts().last().contains(u"t.mid"_s));
     EXPECT_FALSE(QFile::exists(home.file(u"broken.mms"_s)));
+
+    // A recipient that is no address is named, and the prompt stays open.
+    recipients = u"a@b.c; Bob Smith"_s;
+    answer(u"Hi"_s);
+    w->mnu_exportMms_Click();
+    EXPECT_EQ(fake.dialogs.texts().last(), u"E32 Bob Smith"_s);
 }
 
 } // namespace

@@ -1,8 +1,8 @@
+#include "common/workspace.h"
 #include "package/mmscrun.h"
 #include "package/mmsencoder.h"
 #include "sound/midi_testfile.h"
 #include "store/messagestore.h"
-#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -73,9 +73,18 @@ TEST_F(MmscFormatsTest, MmsWritesTheStoredMessageAsOneRequest) {
     EXPECT_EQ(written, expected.data());
     EXPECT_TRUE(written.contains("MThd-tune"));
 
-    // An unknown message, and a target inside the stored message, which must survive.
+    // An unknown message, an address that is none, and a target inside the stored message, which must
+    // survive.
     EXPECT_EQ(mmsc(u"mms nothere %1/demo.mms"_s).exitCode, 2);
+    EXPECT_EQ(mmsc(u"mms demo %1/x.mms --to nobody"_s).exitCode, 2);
     const QString pic = workspace::messageFolder(dir.path(), u"demo"_s) + u"/pic1.gif"_s;
     EXPECT_EQ(mmsc(u"mms demo "_s + pic).exitCode, 2);
     EXPECT_EQ(test::TempDir::read(pic), QByteArray("GIF89a"));
+
+    // A part gone from the stored message fails the request, naming it; nothing is written.
+    QFile::remove(pic);
+    const test::MmscRun lost = mmsc(u"mms demo %1/lost.mms --to 123"_s);
+    EXPECT_EQ(lost.exitCode, 1);
+    EXPECT_TRUE(lost.err.contains(u"pic1.*"_s)) << lost.err.toStdString();
+    EXPECT_FALSE(QFile::exists(dir.file(u"lost.mms"_s)));
 }

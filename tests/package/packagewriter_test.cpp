@@ -9,7 +9,7 @@
 
 using namespace mms;
 using namespace Qt::StringLiterals;
-using test::TarMember;
+using test::ArchivedMember;
 
 namespace {
 
@@ -103,7 +103,7 @@ TEST_F(PackageWriterTest, ExportModeArchivesTheMembersInOrderAndLeavesOnlyTheArc
     ASSERT_TRUE(generateSMIL(slides, home.path(), subject));
     QString format;
     const auto members = test::readTar(home.file(u"upload.tpl"_s), &format);
-    EXPECT_EQ(members, (std::vector<TarMember>{{u"main.smil"_s, smil},
+    EXPECT_EQ(members, (std::vector<ArchivedMember>{{u"main.smil"_s, smil},
                                                {u"texts.xml"_s, texts},
                                                {u"pic1.gif"_s, kGif},
                                                {u"sound2.amr"_s, kAmr}}));
@@ -115,7 +115,7 @@ TEST_F(PackageWriterTest, ExportModeArchivesTheMembersInOrderAndLeavesOnlyTheArc
     exportMode();
     ASSERT_TRUE(generateSMIL(slides, home.path(), QString()));
     EXPECT_EQ(test::readTar(home.file(u"upload.tpl"_s)),
-              (std::vector<TarMember>{{u"main.smil"_s, kSmilHead + kSmilEnd},
+              (std::vector<ArchivedMember>{{u"main.smil"_s, kSmilHead + kSmilEnd},
                                       {u"texts.xml"_s, kTextsHead + "</title></message></mms-text-files>"}}));
 }
 

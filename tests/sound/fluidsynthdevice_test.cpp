@@ -47,15 +47,18 @@ protected:
 
 } // namespace
 
-TEST_F(DeviceTest, AcceptsExactlyTheFourCommands) {
+TEST_F(DeviceTest, AcceptsExactlyItsSixCommands) {
     for (const char* wrong :
          {"", "Open \"x\" Alias music", "open \"\" Alias music", "open x Alias music", "play music",
-          "play music from 0 notify ", "stop", "pause music", "seek music to start"})
+          "play music from 0 notify ", "stop", "pause", "seek music to start"})
         EXPECT_NE(device.sendString(QString::fromUtf8(wrong)), 0) << wrong;
     const QString gone = u"open \"%1\" Alias music"_s.arg(dir.file(u"gone.mid"_s));
-    // Nothing open yet, a missing file, then open, the alias taken, play, stop, close, and nothing left.
-    EXPECT_EQ(outcomes({kPlay, gone, open, open, kPlay, kStop, kClose, kStop, kClose}), "001011100");
-    EXPECT_EQ(engine.plays, std::vector<qint64>{0});
+    // Nothing open yet, a missing file, then open, the alias taken, play; one second in a pause and
+    // a resume, then stop, close, and nothing left.
+    EXPECT_EQ(outcomes({kPlay, gone, open, open, kPlay}), "00101");
+    engine.tick = 192;
+    EXPECT_EQ(outcomes({u"pause music"_s, u"resume music"_s, kStop, kClose, kStop, kClose}), "111100");
+    EXPECT_EQ(engine.plays, (std::vector<qint64>{0, 192})) << "resumed where it was paused";
 }
 
 TEST_F(DeviceTest, EveryPlayEndsWithOneNotification) {

@@ -1,3 +1,4 @@
+#include "common/filesize.h"
 #include "common/workspace.h"
 #include "composer/composerfixture.h"
 #include "sound/midi_testfile.h"
@@ -60,8 +61,9 @@ TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionAndTheType) {
     EXPECT_EQ(listed(), (QStringList{u"big.amr"_s, u"tune.amr"_s, u"TUNE.MID"_s}));
     // Sizes in the tooltips; a file at the limit is marked as too large.
     const auto tip = [this](int row) { return ctl<QListWidget>(p, "fileBoxSound")->item(row)->toolTip(); };
-    EXPECT_EQ(tip(0), u"big.amr\nI71\nI77"_s);
-    EXPECT_EQ(tip(1), u"tune.amr\nI71"_s);
+    const QString size = u"I%1"_s.arg(sizetext::kKilobytes);
+    EXPECT_EQ(tip(0), u"big.amr\n"_s + size + u"\nI%1"_s.arg(sizetext::kTooLargeToUse));
+    EXPECT_EQ(tip(1), u"tune.amr\n"_s + size);
     EXPECT_EQ(choose(u"TUNE.MID"_s), kBoth);
     EXPECT_EQ(choose(u"tune.amr"_s), kAttach);
     ctl<QListWidget>(p, "fileBoxSound")->clearSelection();

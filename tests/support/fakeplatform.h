@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QDialog>
+#include <QHash>
 #include <QStringList>
 #include <deque>
 #include <functional>
@@ -91,17 +92,19 @@ public:
     std::deque<double> draws;
 };
 
-// Records every command string and lets the test report how a playback ended.
+// Records every command string, answers from `resultFor` (by command; `result` for the rest) and
+// lets the test report how a playback ended.
 class RecordingDevice final : public MultimediaDevice {
 public:
     int sendString(const QString& command) override {
         sent << command;
-        return result;
+        return resultFor.value(command, result);
     }
     void emitNotify(Notify how) { notify(how); }
 
     QStringList sent;
     int result = 0;
+    QHash<QString, int> resultFor;
 };
 
 // All seams in one place: `platform` is what the windows get.

@@ -1,7 +1,6 @@
 #include "composer/widgets/frmmmsmain.h"
 
 #include "common/localisation.h"
-#include "common/widgets/sizecombo.h"
 #include "common/workspace.h"
 #include "composer/composertext.h"
 #include "composer/sizelimit.h"
@@ -100,6 +99,7 @@ Status frmMMSMain::applyLanguage(int langIndex) {
         // Beyond the captions of the original window: the second add button, the MMS export.
         addBigCmd->setText(I(10));
         mnu_exportMms->setText(I(64));
+        applyPlayerLanguage();
     } catch (const std::out_of_range& e) {
         return Status::failure(QString::fromUtf8(e.what()));
     }
@@ -213,20 +213,6 @@ void frmMMSMain::closeEvent(QCloseEvent* event) {
 
 void frmMMSMain::mnu_exit_Click() {
     close();
-}
-
-int frmMMSMain::SizeCombo(QComboBox* combo) {
-    return mms::SizeCombo(combo);
-}
-
-QString frmMMSMain::extractFileName(const QString& path) {
-    return CSlide::extractFileName(path);
-}
-QString frmMMSMain::extractFileType(const QString& path) {
-    return CSlide::extractFileType(path);
-}
-QString frmMMSMain::removeTxtOccurrence(const QString& text, const QString& find) {
-    return mms::removeTxtOccurrence(text, find);
 }
 
 bool frmMMSMain::eventFilter(QObject* watched, QEvent* event) {

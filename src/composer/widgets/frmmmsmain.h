@@ -48,6 +48,7 @@ class SoundPanel;
 //   frmmmsmain_strip.cpp    strip commands, selection, move rule
 //   frmmmsmain_panel.cpp    slide panel: commit rule, duration and text boxes, reset and enable
 //   frmmmsmain_preview.cpp  sound preview
+//   frmmmsmain_player.cpp   Play Message
 //   frmmmsmain_store.cpp    New, Open, Save, Save as, Delete
 //   frmmmsmain_export.cpp   Export, Export as MMS
 //   frmmmsmain_size.cpp     the size gauge, media lengths measured again, the over-limit question
@@ -78,13 +79,6 @@ public:
     // Runs when the window really closes: stops a preview and removes the end-of-playback hook.
     void Form_Unload();
 
-    // Widens the drop-down list of `combo` so that its longest entry fits (at least 10 pixels);
-    // returns that width.
-    static int SizeCombo(QComboBox* combo);
-    // The window's path helpers: the part after the last separator, the part after the last dot.
-    static QString extractFileName(const QString& path);
-    static QString extractFileType(const QString& path);
-    static QString removeTxtOccurrence(const QString& text, const QString& find);
 
     // --- File menu ---
     void mnu_new_Click();
@@ -130,6 +124,9 @@ public:
     // --- Sound preview ---
     void soundPlayCmd_Click();
     void switchMCICtrl();
+
+    // --- Player ---
+    void mnu_play_Click();
 
     // --- State shared with the store, the name dialogs and the other windows ---
     MessageState& messageState() { return state_; }
@@ -258,6 +255,12 @@ private:
     // Preview helpers.
     void stopSoundPreview();
     void onPreviewNotify(MultimediaDevice::Notify result);
+
+    // Player helpers and controls (the Slide menu item and the button beside the strip).
+    void installPlayerCommands();
+    void applyPlayerLanguage();
+    QAction* mnu_play = nullptr;
+    QToolButton* playCmd = nullptr;
 
     Platform& platform_;
     Localisation& loc_;

@@ -61,7 +61,7 @@ void frmMMSMain::createCmd_Click() {
 
 void frmMMSMain::mnu_exportMms_Click() {
     if (!goOnDespiteSize()) return;
-    frmMMSPromptSubject prompt(loc_, platform_.dialogs, state_, this);
+    frmMMSPromptSubject prompt(loc_, platform_.dialogs, state_, this, true);
     platform_.dialogs.runModal(prompt);
     if (!prompt.validflag) return;
 
@@ -73,7 +73,9 @@ void frmMMSMain::mnu_exportMms_Click() {
 
     Status result = Status::ok();
     try {
-        result = writeMmsFile(slides_, a, state_.txtsubject, destination);
+        MmsRecipients recipients;
+        recipients.to = prompt.recipients;
+        result = writeMmsFile(slides_, a, state_.txtsubject, destination, recipients);
     } catch (const std::exception& e) {
         result = Status::failure(QString::fromUtf8(e.what()));
     }

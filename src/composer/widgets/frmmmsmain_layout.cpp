@@ -79,6 +79,7 @@ void frmMMSMain::buildUi() {
     splitter->setStretchFactor(2, 1);
     splitter->setSizes({250, 380, 360});
     setCentralWidget(splitter);
+    installPlayerCommands();
     resize(1020, 660);
 }
 

@@ -1,8 +1,11 @@
-// The sound preview: the play/stop toggle, its state switch and the end-of-playback notification.
-// Playing means the device alias "music" is open and playing and the button shows "stop".
+// The sound preview of MIDI and AMR sounds: the play/stop toggle, its state switch and the
+// end-of-playback notification. Playing means the device alias "music" is open and playing and the button
+// shows "stop".
 
 #include "common/localisation.h"
+#include "common/playbacktexts.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "sound/amrdecoder.h"
 
 #include <QLabel>
 #include <QToolButton>
@@ -19,9 +22,15 @@ int frmMMSMain::sendPreviewCommand(const QString& command) {
 }
 
 void frmMMSMain::soundPlayCmd_Click() {
-    if (!lblSoundName->text().toLower().endsWith(QLatin1String(".mid"))) {
-        platform_.dialogs.inform(loc_.getMCrErrStr(7));
-        return;
+    // Besides MIDI tunes, AMR sounds that decode are played; anything else is refused before the
+    // device hears of it.
+    if (!isPlaying_ && !lblSoundName->text().toLower().endsWith(QLatin1String(".mid"))) {
+        const NodePtr shown = slides_.nodeAt(selectedSlide());
+        std::vector<qint16> samples;
+        if (!shown || !decodeAmrFile(shown->DataSoundPath, samples)) {
+            platform_.dialogs.inform(loc_.getMCrErrStr(playbacktext::kSoundNotPlayable));
+            return;
+        }
     }
     if (isPlaying_) {
         switchMCICtrl();

@@ -1,6 +1,8 @@
 #include "package/widgets/frmmmspromptsubject.h"
 
 #include "common/localisation.h"
+#include "common/sendtexts.h"
+#include "package/mmsaddress.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -31,7 +33,7 @@ qsizetype characterCount(const QString& text) {
 } // namespace
 
 frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink& sink, MessageState& state,
-                                         QWidget* parent)
+                                         QWidget* parent, bool askRecipients)
     : QDialog(parent), subject(new QLineEdit(this)), Label1(new QLabel(this)),
       cmdUpload(new QPushButton(this)), texts_(texts), sink_(sink), state_(state) {
     setObjectName(QStringLiteral("frmMMSPromptSubject"));
@@ -48,6 +50,18 @@ frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink&
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(Label1);
     layout->addWidget(subject);
+    if (askRecipients) {
+        lblRecipients = new QLabel(this);
+        txtRecipients = new QLineEdit(this);
+        lblRecipients->setObjectName(QStringLiteral("lblRecipients"));
+        txtRecipients->setObjectName(QStringLiteral("txtRecipients"));
+        lblRecipients->setBuddy(txtRecipients);
+        layout->addSpacing(6);
+        layout->addWidget(lblRecipients);
+        layout->addWidget(txtRecipients);
+        setTabOrder(subject, txtRecipients); // the button was made first
+        setTabOrder(txtRecipients, cmdUpload);
+    }
     layout->addSpacing(6);
     layout->addLayout(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -55,6 +69,7 @@ frmMMSPromptSubject::frmMMSPromptSubject(const Localisation& texts, MessageSink&
     subject->setMinimumWidth(subject->fontMetrics().averageCharWidth() * (kMaxSubjectLength + 20));
 
     connect(cmdUpload, &QPushButton::clicked, this, [this] { cmdUpload_Click(); });
+    connect(subject, &QLineEdit::textEdited, this, [this](const QString& text) { subject_Edited(text); });
     subject->installEventFilter(this);
     Form_Load();
     subject->setFocus();
@@ -69,7 +84,12 @@ void frmMMSPromptSubject::Form_Load() {
     setWindowTitle(texts_.getMCrInterfaceStr(63));
     Label1->setText(texts_.getMCrInterfaceStr(60));
     cmdUpload->setText(texts_.getMCrInterfaceStr(63));
+    if (txtRecipients) {
+        txtRecipients->clear();
+        lblRecipients->setText(texts_.getMCrInterfaceStr(sendtexts::kRecipientsLabel));
+    }
     validflag = false;
+    recipients.clear();
 }
 
 bool frmMMSPromptSubject::subject_KeyPress(QChar typed) {
@@ -78,11 +98,31 @@ bool frmMMSPromptSubject::subject_KeyPress(QChar typed) {
     return false;
 }
 
+void frmMMSPromptSubject::subject_Edited(const QString& text) {
+    if (!text.contains(QLatin1Char(','))) return;
+    const int cursor = subject->cursorPosition();
+    const int before = int(QStringView(text).left(cursor).count(QLatin1Char(',')));
+    subject->setText(QString(text).remove(QLatin1Char(',')));
+    subject->setCursorPosition(cursor - before);
+    showError(10);
+}
+
 void frmMMSPromptSubject::cmdUpload_Click() {
     const QString text = singleLine(subject->text());
     if (text.isEmpty()) return showError(16);
+    // Only text set without an edit of the box can still hold a comma here.
+    if (text.contains(QLatin1Char(','))) return showError(10);
     if (characterCount(text) > kMaxSubjectLength) return showError(17);
+    QStringList addresses;
+    if (txtRecipients) {
+        for (const QString& piece : splitAddressList(txtRecipients->text())) {
+            const std::optional<QString> address = mmsAddress(piece);
+            if (!address) return showError(sendtexts::kNotAnAddress, piece);
+            addresses << *address;
+        }
+    }
     state_.txtsubject = text;
+    recipients = addresses;
     validflag = true;
     accept();
 }
@@ -96,9 +136,10 @@ bool frmMMSPromptSubject::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
-void frmMMSPromptSubject::showError(int number) const {
-    sink_.show(
-        Message{texts_.getMCrErrStr(number), applicationTitle(), Buttons::Ok, Icon::Warning, Answer::Ok});
+void frmMMSPromptSubject::showError(int number, const QString& detail) const {
+    QString text = texts_.getMCrErrStr(number);
+    if (!detail.isEmpty()) text.replace(QStringLiteral("%1"), detail);
+    sink_.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning, Answer::Ok});
 }
 
 } // namespace mms

@@ -70,18 +70,46 @@ QString frmMMSCropMIDI::formatTime(qint64 ms) {
 void frmMMSCropMIDI::buildControls() {
     setObjectName(QStringLiteral("frmMMSCropMIDI"));
     setModal(true);
-    auto named = [](QWidget* w, const char* name) {
-        w->setObjectName(QLatin1String(name));
-        return w;
-    };
-
     Label4 = new QLabel(this);
     txtName = new QLineEdit(this);
     txtName->setReadOnly(true);
-    named(txtName, "txtName");
+    buildPlayerFrame();
+    buildCropFrame();
 
+    auto* nameRow = new QHBoxLayout;
+    nameRow->addWidget(Label4);
+    nameRow->addWidget(txtName, 1);
+    auto* root = new QVBoxLayout(this);
+    root->addLayout(nameRow);
+    root->addWidget(Frame1);
+    root->addWidget(Frame2);
+    setMinimumWidth(460);
+
+    // The open and close commands have no buttons of their own: the composer opens the tune, and
+    // closing the window closes it.
+    MnuOpen = new QAction(this);
+    MnuClose = new QAction(this);
+    MnuClose->setEnabled(false);
+    addAction(MnuOpen);
+    addAction(MnuClose);
+    connectControls();
+
+    const std::pair<QObject*, const char*> names[] = {
+        {txtName, "txtName"},       {MMControl1, "MMControl1"}, {Slider1, "Slider1"},
+        {Label1, "Label1"},         {Label2, "Label2"},         {Label3, "Label3"},
+        {Label4, "Label4"},         {Label5, "Label5"},         {Label6, "Label6"},
+        {Label7, "Label7"},         {Frame1, "Frame1"},         {Frame2, "Frame2"},
+        {Command1, "Command1"},     {Command2, "Command2"},     {Command3, "Command3"},
+        {Command4, "Command4"},     {lblStatus, "lblStatus"},   {txtCropStart, "txtCropStart"},
+        {txtCropEnd, "txtCropEnd"}, {MnuOpen, "MnuOpen"},       {MnuClose, "MnuClose"}};
+    for (const auto& [control, name] : names)
+        control->setObjectName(QLatin1String(name));
+}
+
+// The player: its transport buttons, the position slider, the times and the status line.
+void frmMMSCropMIDI::buildPlayerFrame() {
     Frame1 = new QGroupBox(this);
-    MMControl1 = named(new QWidget(Frame1), "MMControl1");
+    MMControl1 = new QWidget(Frame1);
     auto transportButton = [this](QStyle::StandardPixmap icon, const char* name) {
         auto* b = new QToolButton(MMControl1);
         b->setObjectName(QLatin1String(name));
@@ -100,7 +128,6 @@ void frmMMSCropMIDI::buildControls() {
     transport->addWidget(MMControl1Stop);
 
     Slider1 = new QSlider(Qt::Horizontal, Frame1);
-    named(Slider1, "Slider1");
     Slider1->setRange(0, 0);
     Slider1->setEnabled(false);
     Label1 = new QLabel(QStringLiteral("00:00"), Frame1);
@@ -110,7 +137,6 @@ void frmMMSCropMIDI::buildControls() {
     Label3->setAlignment(Qt::AlignRight);
     Label5 = new QLabel(Frame1);
     lblStatus = new QLabel(Frame1);
-    named(lblStatus, "lblStatus");
 
     auto* player = new QGridLayout(Frame1);
     auto* sliderRow = new QHBoxLayout;
@@ -124,7 +150,10 @@ void frmMMSCropMIDI::buildControls() {
     statusRow->addWidget(Label5);
     statusRow->addWidget(lblStatus, 1);
     player->addLayout(statusRow, 2, 0, 1, 3);
+}
 
+// The marks and the commands that play the marked stretch and crop it.
+void frmMMSCropMIDI::buildCropFrame() {
     Frame2 = new QGroupBox(this);
     Label7 = new QLabel(Frame2);
     Label6 = new QLabel(Frame2);
@@ -134,16 +163,10 @@ void frmMMSCropMIDI::buildControls() {
         box->setReadOnly(true);
         box->setMaximumWidth(90);
     }
-    named(txtCropStart, "txtCropStart");
-    named(txtCropEnd, "txtCropEnd");
     Command1 = new QPushButton(Frame2);
     Command2 = new QPushButton(Frame2);
     Command3 = new QPushButton(Frame2);
     Command4 = new QPushButton(Frame2);
-    named(Command1, "Command1");
-    named(Command2, "Command2");
-    named(Command3, "Command3");
-    named(Command4, "Command4");
     Command1->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
     Command3->setEnabled(false);
     Command1->setEnabled(false);
@@ -163,26 +186,9 @@ void frmMMSCropMIDI::buildControls() {
     actions->addWidget(Command4);
     crop->addLayout(actions, 2, 0, 1, 4);
     crop->setColumnStretch(3, 1);
+}
 
-    auto* nameRow = new QHBoxLayout;
-    nameRow->addWidget(Label4);
-    nameRow->addWidget(txtName, 1);
-    auto* root = new QVBoxLayout(this);
-    root->addLayout(nameRow);
-    root->addWidget(Frame1);
-    root->addWidget(Frame2);
-    setMinimumWidth(460);
-
-    // The open and close commands have no buttons of their own: the composer opens the tune, and
-    // closing the window closes it.
-    MnuOpen = new QAction(this);
-    MnuClose = new QAction(this);
-    MnuOpen->setObjectName(QStringLiteral("MnuOpen"));
-    MnuClose->setObjectName(QStringLiteral("MnuClose"));
-    MnuClose->setEnabled(false);
-    addAction(MnuOpen);
-    addAction(MnuClose);
-
+void frmMMSCropMIDI::connectControls() {
     connect(MnuOpen, &QAction::triggered, this, [this] { MnuOpen_Click(); });
     connect(MnuClose, &QAction::triggered, this, [this] { MnuClose_Click(); });
     connect(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
@@ -203,16 +209,6 @@ void frmMMSCropMIDI::buildControls() {
     });
     connect(Slider1, &QSlider::sliderReleased, this, [this] { Slider1_Released(); });
     connect(&player_, &PlayerControl::statusUpdate, this, [this] { MMControl1_StatusUpdate(); });
-
-    const std::pair<QObject*, const char*> names[] = {
-        {Label1, "Label1"},        {Label2, "Label2"},       {Label3, "Label3"},
-        {Label4, "Label4"},        {Label5, "Label5"},       {Label6, "Label6"},
-        {Label7, "Label7"},        {Frame1, "Frame1"},       {Frame2, "Frame2"},
-        {Command1, "Command1"},    {Command2, "Command2"},   {Command3, "Command3"},
-        {Command4, "Command4"},    {lblStatus, "lblStatus"}, {txtCropStart, "txtCropStart"},
-        {txtCropEnd, "txtCropEnd"}};
-    for (const auto& [control, name] : names)
-        control->setObjectName(QLatin1String(name));
 }
 
 void frmMMSCropMIDI::Form_Load() {

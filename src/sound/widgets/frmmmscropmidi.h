@@ -81,6 +81,9 @@ private:
 
     void Form_Load();
     void buildControls();
+    void buildPlayerFrame();
+    void buildCropFrame();
+    void connectControls();
     void showStatusLine();
     void updatePlayerButtons();
     void Slider1_Released();

@@ -1,0 +1,88 @@
+#include "app/mmsc_attach.h"
+
+#include "common/fileio.h"
+#include "common/workspace.h"
+#include "image/imageprobe.h"
+#include "image/pictureimport.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace mms::cli {
+
+namespace {
+
+QString shown(const QString& path) {
+    return QDir::toNativeSeparators(path);
+}
+
+QString checkSound(const QString& path) {
+    const QString type = CSlide::extractFileType(path).toLower();
+    if (type != QLatin1String("amr") && type != QLatin1String("mid"))
+        return QStringLiteral("'%1' is not an AMR or MIDI sound (.amr or .mid)").arg(shown(path));
+    const qint64 size = QFileInfo(path).size();
+    if (isTooLarge(size))
+        return QStringLiteral("'%1' has %2 bytes: a sound must be smaller than %3 bytes")
+            .arg(shown(path), QString::number(size), QString::number(kAttachmentLimit));
+    return {};
+}
+
+} // namespace
+
+AttachRules::~AttachRules() {
+    scratch_.reset();
+    // A Temp folder made only for the scratch folder goes with it.
+    if (madeTemp_) QDir().rmdir(workspace::temp(home_));
+}
+
+QString AttachRules::apply(CSlideNode& slide) {
+    if (!slide.DataImgPath.isEmpty())
+        if (QString problem = applyPicture(slide.DataImgPath); !problem.isEmpty()) return problem;
+    if (!slide.DataSoundPath.isEmpty()) return checkSound(slide.DataSoundPath);
+    return {};
+}
+
+QString AttachRules::scratchFolder(QString& problem) {
+    if (!scratch_) {
+        const QString temp = workspace::temp(home_);
+        madeTemp_ = !QFileInfo::exists(temp);
+        if (Status s = fileio::createPath(temp); !s) {
+            problem = s.message();
+            return {};
+        }
+        scratch_ = std::make_unique<QTemporaryDir>(temp + QStringLiteral("/.mmsc-build-XXXXXX"));
+    }
+    if (!scratch_->isValid())
+        problem = QStringLiteral("Cannot create a folder in \"%1\": %2")
+                      .arg(shown(workspace::temp(home_)), scratch_->errorString());
+    return scratch_->isValid() ? scratch_->path() : QString();
+}
+
+QString AttachRules::applyPicture(QString& path) {
+    ImageProbe probe;
+    if (Status s = checkValidImg(path, probe); !s) return s.message();
+    if (!probe.answer) return QStringLiteral("'%1' is not a GIF, JPEG, BMP or PNG picture").arg(shown(path));
+    const qint64 size = QFileInfo(path).size();
+    QString scratch = home_;
+    if (isTooLarge(size) && !matchesGifPattern(QFileInfo(path).fileName())) {
+        QString problem;
+        scratch = scratchFolder(problem);
+        if (!problem.isEmpty()) return problem;
+    }
+    const PictureImport import = importPicture(path, true, scratch, clock_, random_);
+    if (import.attach()) {
+        path = import.picturePath;
+        return {};
+    }
+    if (import.errorNumber != kErrPictureTooLarge)
+        return QStringLiteral("'%1' could not be converted to JPEG: %2").arg(shown(path), import.detail);
+    const QString limit = QStringLiteral("a picture must be smaller than %1 bytes").arg(kAttachmentLimit);
+    if (import.convertedPath.isEmpty())
+        return QStringLiteral("'%1' has %2 bytes: %3, and a GIF is not converted")
+            .arg(shown(path), QString::number(size), limit);
+    return QStringLiteral("'%1' has %2 bytes, and still %3 bytes as a JPEG at quality 35: %4")
+        .arg(shown(path), QString::number(size), QString::number(QFileInfo(import.convertedPath).size()),
+             limit);
+}
+
+} // namespace mms::cli

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "model/clockrandom.h"
+#include "model/cslide.h"
+
+#include <QString>
+#include <QTemporaryDir>
+#include <memory>
+
+namespace mms::cli {
+
+// The composer's rules for what a slide may carry, for `mmsc build`: a picture must pass the header
+// probe and stay under the size limit, re-encoded as JPEG when it is larger (GIF excepted); a sound
+// must be an .amr or .mid file under the limit. Converted pictures are written to a scratch folder
+// below the workspace's Temp folder, which is removed with this object.
+class AttachRules {
+public:
+    explicit AttachRules(QString home) : home_(std::move(home)) {}
+    ~AttachRules();
+    AttachRules(const AttachRules&) = delete;
+    AttachRules& operator=(const AttachRules&) = delete;
+
+    // Checks the slide's picture and sound, pointing the picture at its conversion when there was
+    // one. Returns why a file is refused, or an empty string.
+    QString apply(CSlideNode& slide);
+
+private:
+    QString applyPicture(QString& path);
+    QString scratchFolder(QString& problem);
+
+    QString home_;
+    SystemClock clock_;
+    SystemRandom random_;
+    std::unique_ptr<QTemporaryDir> scratch_;
+    bool madeTemp_ = false;
+};
+
+} // namespace mms::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/status.h"
+
+#include <QByteArrayView>
+#include <QFileDevice>
+#include <QIODevice>
+#include <QString>
+
+// File steps that say why they failed in the system's words ("No space left on device",
+// "Permission denied", "No such file or directory") where Qt alone would report "Unknown error" or
+// nothing at all.
+namespace mms::fileio {
+
+// Writes all of `bytes`. A device that takes only part of them (a full disk, a file size limit)
+// is asked again for the rest, and that second attempt is what records the system's reason.
+bool writeWhole(QIODevice& device, QByteArrayView bytes);
+// Empties a file's write buffer, with the same second attempt after a partial flush.
+bool flushWhole(QFileDevice& file);
+
+// Creates the folder `path` (whose parent must exist) / with every missing parent. An existing
+// folder counts as created for createPath only.
+Status createFolder(const QString& path);
+Status createPath(const QString& path);
+
+// Copies the file `from` to the new file `to` (which must not exist), with its permissions; a
+// failure names the file that could not be read or written and why, and leaves no partial copy.
+Status copyFile(const QString& from, const QString& to);
+
+} // namespace mms::fileio

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+namespace mms {
+
+// The name a slide's picture or sound has inside a package. The package writer names the members
+// with these, and the MMS encoder looks the parts up with them, so the two always agree.
+struct PictureMember {
+    QString name;
+    bool video = false;
+};
+
+// gif, jpg and bmp keep their kind, a 3GP clip becomes "vdo" + N + ".3gp". Any other picture (a .png
+// or .jpeg the picture panel would not offer, or a file without extension) is still packaged rather
+// than dropped: it becomes "pic" + N + "." + its lower-cased extension, so that opening the message,
+// which looks for "pic" + N + ".*", finds it again. An extension that is not plain letters and
+// digits (or none at all) is replaced by "bin". A member name maps to itself.
+PictureMember pictureMember(const QString& path, int n);
+
+// "sound" + N + ".mid" for a MIDI file, "sound" + N + ".amr" for every other sound.
+QString soundMember(const QString& path, int n);
+
+} // namespace mms

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "sound/multimediadevice.h"
+#include "sound/pcmoutput.h"
+
+#include <memory>
+
+namespace mms {
+
+// The composer's multimedia device, for MIDI tunes and AMR sounds alike. A file whose name ends in
+// ".mid" (any case) goes to the MIDI device; any other file is decoded as AMR when it is opened and
+// played on the PCM output. Both report through this device's notifications.
+class SoundDevice final : public MultimediaDevice {
+public:
+    // FluidSynth for MIDI and the system audio output for AMR.
+    SoundDevice();
+    SoundDevice(std::unique_ptr<MultimediaDevice> midi, std::unique_ptr<PcmOutput> pcm);
+    ~SoundDevice() override;
+    Q_DISABLE_COPY_MOVE(SoundDevice)
+
+    int sendString(const QString& command) override;
+
+private:
+    int sendAmr(const QString& command);
+    void endPending(Notify how);
+
+    std::unique_ptr<MultimediaDevice> midi_;
+    std::unique_ptr<PcmOutput> pcm_;
+    enum class Open { None, Midi, Amr } open_ = Open::None;
+    std::vector<qint16> samples_; // the open AMR sound, decoded
+    bool notifyPending_ = false;
+};
+
+} // namespace mms

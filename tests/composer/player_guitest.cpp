@@ -1,0 +1,155 @@
+#include "common/playbacktexts.h"
+#include "composer/widgets/frmmmsplayer.h"
+#include "composerfixture.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+
+using namespace mms;
+using namespace mms::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kStop = u"stop music"_s, kClose = u"close music"_s, kPlay = u"play music from 0 notify"_s;
+
+QString openCommand(const QString& sound) {
+    return u"open \"%1\" Alias music"_s.arg(sound);
+}
+QStringList starts(const QString& sound) {
+    return {openCommand(sound), kPlay};
+}
+
+// The player on scripted seams: the test moves the clock and reads what the device was sent.
+class PlayerTest : public ::testing::Test {
+protected:
+    PlayerTest() {
+        LanguageTexts texts = numberedTexts();
+        texts.errors[playbacktext::kSoundsSkipped] = u"skipped:%1"_s;
+        loc.setTexts(texts);
+    }
+    void play(std::vector<std::pair<int, QString>> slides, int start = 0) {
+        std::vector<ShowSlide> show;
+        for (const auto& [seconds, sound] : slides)
+            show.push_back({{}, sound, seconds});
+        player = std::make_unique<frmMMSPlayer>(fake.platform, loc, show, start);
+    }
+    void after(int ms) {
+        fake.clock.time = fake.clock.time.addMSecs(ms);
+        player->tick();
+    }
+    void key(int k) {
+        QKeyEvent press(QEvent::KeyPress, k, Qt::NoModifier);
+        QApplication::sendEvent(player.get(), &press);
+    }
+    QString shown(const char* label) const {
+        return player->findChild<QLabel*>(QLatin1String(label))->text();
+    }
+    // What the device was sent since the last call.
+    QStringList sent() { return std::exchange(fake.device.sent, {}); }
+
+    FakePlatform fake;
+    Localisation loc;
+    std::unique_ptr<frmMMSPlayer> player;
+};
+
+TEST_F(PlayerTest, EachSlideStaysForItsDurationWithItsSoundOnlyWhileItIsShown) {
+    play({{3, u"a.mid"_s}, {0, u"b.amr"_s}, {2, {}}, {4, u"c.amr"_s}});
+    EXPECT_EQ(sent(), starts(u"a.mid"_s));
+    EXPECT_EQ(shown("lblPosition") + u' ' + shown("lblTimeLeft"), u"1 / 4 0:03"_s);
+    auto* screen = player->findChild<QLabel*>(u"picScreen"_s);
+    EXPECT_EQ(screen->size(), QSize(320, 280));
+    player->findChild<QComboBox*>(u"cboZoom"_s)->setCurrentIndex(2);
+    EXPECT_EQ(screen->size(), QSize(480, 420));
+    after(2999);
+    EXPECT_EQ(shown("lblTimeLeft"), u"0:01"_s);
+    EXPECT_TRUE(sent().isEmpty());
+    after(1); // slide 2 lasts no time, and its sound is never started
+    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_EQ(shown("lblPosition") + u' ' + shown("lblTimeLeft"), u"3 / 4 0:02"_s);
+    after(2000);
+    EXPECT_EQ(sent(), starts(u"c.amr"_s));
+    after(4000);
+    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_TRUE(player->slideShow().isFinished());
+    EXPECT_EQ(shown("lblStatus"), u"I73"_s);
+    EXPECT_TRUE(fake.dialogs.shown.empty());
+}
+
+TEST_F(PlayerTest, SpaceHoldsTheSlideAndItsSoundAndTheArrowsAndHomeStep) {
+    play({{3, u"a.mid"_s}, {5, u"b.amr"_s}, {2, {}}});
+    after(1000);
+    sent();
+    key(Qt::Key_Space);
+    after(60000);
+    EXPECT_EQ(shown("lblPosition") + u' ' + shown("lblTimeLeft") + u' ' + shown("lblStatus"),
+              u"1 / 3 0:02 I72"_s);
+    key(Qt::Key_Space);
+    after(2000);
+    EXPECT_EQ(sent(), QStringList({u"pause music"_s, u"resume music"_s, kStop, kClose}) + starts(u"b.amr"_s));
+    const std::pair<int, QStringList> steps[] = {
+        {Qt::Key_Right, {kStop, kClose}},                                 // to slide 3, no sound
+        {Qt::Key_Right, {}},                                              // past the last: the end
+        {Qt::Key_Left, starts(u"b.amr"_s)},                               // slide 2 again
+        {Qt::Key_Home, QStringList{kStop, kClose} + starts(u"a.mid"_s)},  // slide 1
+        {Qt::Key_Left, QStringList{kStop, kClose} + starts(u"a.mid"_s)}}; // slide 1 from its start
+    QStringList positions;
+    for (const auto& [k, commands] : steps) {
+        key(k);
+        EXPECT_EQ(sent(), commands) << k;
+        positions << shown("lblPosition") + (player->slideShow().isFinished() ? u" end"_s : QString());
+    }
+    EXPECT_EQ(positions, (QStringList{u"3 / 3"_s, u"3 / 3 end"_s, u"2 / 3"_s, u"1 / 3"_s, u"1 / 3"_s}));
+}
+
+TEST_F(PlayerTest, SoundsThatCannotBePlayedAreSkippedAndListedInOneMessageAfterThePlayback) {
+    fake.device.resultFor[openCommand(u"a.mid"_s)] = MultimediaDevice::kNoSound;
+    fake.device.resultFor[openCommand(u"b.amr"_s)] = MultimediaDevice::kCannotOpen;
+    fake.device.resultFor[openCommand(u"/x/c.amr"_s)] = MultimediaDevice::kCannotOpen;
+    play({{1, u"a.mid"_s}, {1, u"b.amr"_s}, {1, u"/x/c.amr"_s}, {1, u"b.amr"_s}});
+    EXPECT_EQ(shown("lblStatus"), u"I74"_s) << "said at once when nothing can be heard";
+    for (int slide = 1; slide <= 4; ++slide) {
+        EXPECT_TRUE(fake.dialogs.shown.empty()) << "not during the playback";
+        after(1000);
+    }
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"skipped:b.amr\nc.amr"_s});
+    EXPECT_EQ(shown("lblStatus"), u"I73\nI74"_s);
+    EXPECT_FALSE(fake.device.sent.contains(kPlay)) << "nothing was played";
+}
+
+TEST_F(PlayerTest, ClosingMidSlideStopsTheSoundAtOnceAndReportsWhatWasSkipped) {
+    fake.device.resultFor[openCommand(u"b.amr"_s)] = MultimediaDevice::kCannotOpen;
+    play({{2, u"b.amr"_s}, {5, u"a.mid"_s}});
+    after(3000);
+    sent();
+    key(Qt::Key_Escape);
+    EXPECT_EQ(player->result(), QDialog::Rejected);
+    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"skipped:b.amr"_s});
+    after(10000);
+    EXPECT_TRUE(sent().isEmpty());
+}
+
+class PlayCommandTest : public ComposerTest {};
+
+TEST_F(PlayCommandTest, PlaysTheMessageFromTheSelectedSlideOrSaysThereIsNone) {
+    auto* playMessage = w->findChild<QAction*>(u"mnu_play"_s);
+    ASSERT_TRUE(playMessage && w->findChild<QToolButton*>(u"playCmd"_s));
+    EXPECT_EQ(playMessage->shortcut(), QKeySequence(Qt::Key_F5));
+    playMessage->trigger();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E33"_s});
+    EXPECT_EQ(fake.dialogs.modalRuns, 0);
+
+    addSlides(u"AB"_s);
+    pick(2);
+    QString position;
+    fake.dialogs.modalHooks.push_back([&](QDialog& dialog) {
+        position = dialog.findChild<QLabel*>(u"lblPosition"_s)->text();
+        dialog.reject();
+    });
+    w->findChild<QToolButton*>(u"playCmd"_s)->click();
+    EXPECT_EQ(position, u"2 / 2"_s);
+}
+
+} // namespace
