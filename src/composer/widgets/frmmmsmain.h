@@ -79,7 +79,6 @@ public:
     // Runs when the window really closes: stops a preview and removes the end-of-playback hook.
     void Form_Unload();
 
-
     // --- File menu ---
     void mnu_new_Click();
     void mnu_open_Click();
