@@ -84,12 +84,15 @@ QString setSlideOption(const QString& option, const QString& text, CSlide& slide
             return QStringLiteral("'%1' is not a duration (a whole number from 0 to 32767)").arg(text);
         slide->DataSlideDur = SlideDur::fromNumber(*seconds);
     } else if (is(option, "--text")) {
-        slide->DataText = text;
+        slides.setText(*slide, text);
     } else {
         const QFileInfo file(text);
         if (text.isEmpty() || !file.isFile() || !file.isReadable())
             return QStringLiteral("no readable file '%1'").arg(text);
-        (is(option, "--pic") ? slide->DataImgPath : slide->DataSoundPath) = file.absoluteFilePath();
+        if (is(option, "--pic"))
+            slides.setImgPath(*slide, file.absoluteFilePath());
+        else
+            slides.setSoundPath(*slide, file.absoluteFilePath());
     }
     return {};
 }

@@ -1,6 +1,7 @@
 #include "common/localisation.h"
 
 #include "common/desktoptexts.h"
+#include "common/filesize.h"
 #include "common/playbacktexts.h"
 #include "common/sendtexts.h"
 
@@ -146,7 +147,8 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1, 2, 3, 4, 7, 8, 9, 10, 11, desktoptext::kPromptRestoreDraft};
+    return {1, 2, 3, 4, 7, 8, 9, 10, 11, desktoptext::kPromptRestoreDraft, sizetext::kPromptShrinkToFit,
+            sizetext::kPromptExportOverLimit};
 }
 
 QList<int> usedErrorNumbers() {
@@ -155,6 +157,7 @@ QList<int> usedErrorNumbers() {
     numbers.append(sendtexts::kNotAnAddress);
     numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
     numbers.append(range(desktoptext::kFirstError, desktoptext::kLastError));
+    numbers.append(sizetext::kErrPictureCannotFit);
     return numbers;
 }
 
@@ -167,6 +170,7 @@ QList<int> usedInterfaceNumbers() {
     numbers.append(sendtexts::kRecipientsLabel);
     numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
     numbers.append(range(desktoptext::kFirstInterface, desktoptext::kLastInterface));
+    numbers.append(range(sizetext::kFirstInterface, sizetext::kLastInterface));
     return numbers;
 }
 

@@ -6,11 +6,12 @@ SlideContent contentOf(const CSlideNode& node) {
     return SlideContent{node.DataSlideDur, node.DataImgPath, node.DataText, node.DataSoundPath};
 }
 
-void writeContent(CSlideNode& node, const SlideContent& content) {
+// Through the list's setters, so that its running size total follows.
+void writeContent(CSlide& slides, CSlideNode& node, const SlideContent& content) {
     node.DataSlideDur = content.duration;
-    node.DataImgPath = content.picture;
-    node.DataText = content.text;
-    node.DataSoundPath = content.sound;
+    slides.setImgPath(node, content.picture);
+    slides.setText(node, content.text);
+    slides.setSoundPath(node, content.sound);
 }
 
 std::optional<SlideContent> contentAt(const CSlide& slides, qint16 position) {

@@ -18,7 +18,7 @@ struct SlideContent {
 };
 
 SlideContent contentOf(const CSlideNode& node);
-void writeContent(CSlideNode& node, const SlideContent& content);
+void writeContent(CSlide& slides, CSlideNode& node, const SlideContent& content);
 // The content of slide `position`, nothing when there is no such slide.
 std::optional<SlideContent> contentAt(const CSlide& slides, qint16 position);
 

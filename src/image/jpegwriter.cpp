@@ -54,10 +54,10 @@ Status decodeJpegInto(const QByteArray& bytes, cDIBSection& dib) {
     return Status::ok();
 }
 
-} // namespace
-
-Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg) {
-    if (dib.isNull()) return Status::failure(QStringLiteral("There is no picture to encode."));
+// The one encoder setting of the program: baseline (no progressive flag), three components with
+// chroma halved both ways, the standard tables scaled to the quality.
+Status compress(const uchar* pixels, int width, int pitch, int height, int pixelFormat, int flags,
+                int quality, QByteArray& jpeg) {
     if (quality < 1 || quality > 100)
         return Status::failure(QStringLiteral("JPEG quality %1 is outside 1 to 100.").arg(quality));
 
@@ -68,11 +68,8 @@ Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg) {
 
     unsigned char* out = nullptr;
     unsigned long outSize = 0;
-    // The rows are bottom-up with their padding; the pitch tells the encoder where each row starts.
-    // No progressive flag: the result is baseline.
-    const int result =
-        tjCompress2(handle.get(), dib.DIBSectionBitsPtr(), dib.Width(), dib.BytesPerScanLine(), dib.Height(),
-                    TJPF_BGR, &out, &outSize, TJSAMP_420, quality, TJFLAG_BOTTOMUP);
+    const int result = tjCompress2(handle.get(), pixels, width, pitch, height, pixelFormat, &out, &outSize,
+                                   TJSAMP_420, quality, flags);
     std::unique_ptr<unsigned char, TjBufferFree> owned(out);
     if (result != 0)
         return Status::failure(QStringLiteral("The JPEG encoder failed: %1")
@@ -83,20 +80,41 @@ Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg) {
     return Status::ok();
 }
 
-Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality) {
-    QByteArray jpeg;
-    if (Status encoded = encodeJpeg(dib, quality, jpeg); !encoded) return encoded;
+} // namespace
 
+Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg) {
+    if (dib.isNull()) return Status::failure(QStringLiteral("There is no picture to encode."));
+    // The rows are bottom-up with their padding; the pitch tells the encoder where each row starts.
+    return compress(dib.DIBSectionBitsPtr(), dib.Width(), dib.BytesPerScanLine(), dib.Height(), TJPF_BGR,
+                    TJFLAG_BOTTOMUP, quality, jpeg);
+}
+
+Status encodeJpeg(const QImage& picture, int quality, QByteArray& jpeg) {
+    if (picture.isNull() || picture.format() != QImage::Format_RGB32)
+        return Status::failure(QStringLiteral("There is no picture to encode."));
+    // 0xffRRGGBB words are blue, green, red, unused bytes in memory on a little-endian machine.
+    static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "RGB32 rows are read as BGRX");
+    return compress(picture.constBits(), picture.width(), int(picture.bytesPerLine()), picture.height(),
+                    TJPF_BGRX, 0, quality, jpeg);
+}
+
+Status writeWholeFile(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
-    if (!fileio::writeWhole(file, jpeg) || !fileio::flushWhole(file)) {
+    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file)) {
         const QString why = file.errorString();
         file.cancelWriting();
         return Status::failure(QStringLiteral("%1: %2").arg(shown(path), why));
     }
     if (!file.commit()) return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
     return Status::ok();
+}
+
+Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality) {
+    QByteArray jpeg;
+    if (Status encoded = encodeJpeg(dib, quality, jpeg); !encoded) return encoded;
+    return writeWholeFile(path, jpeg);
 }
 
 Status reencodeAsJpeg(const QString& source, const QString& target, int quality) {

@@ -1,7 +1,7 @@
 #include "image/pictureimport.h"
 
-#include "image/jpegwriter.h"
 #include "common/workspace.h"
+#include "image/jpegwriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -62,6 +62,22 @@ QString PictureImport::errorText(const QString& localisedText) const {
     return localisedText.contains(QLatin1String("%1")) ? localisedText.arg(detail) : localisedText;
 }
 
+Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomSource& random,
+                           QString& path) {
+    const QString scratch = workspace::tmpJpg(appFolder);
+    if (!QDir().mkpath(scratch))
+        return Status::failure(QStringLiteral("%1: the folder cannot be created").arg(shown(scratch)));
+    const QDateTime now = clock.now();
+    for (int draw = 0; draw < kNameDraws; ++draw) {
+        const QString candidate = convertedPicturePath(appFolder, now, conversionNumber(random));
+        if (!QFileInfo::exists(candidate)) {
+            path = candidate;
+            return Status::ok();
+        }
+    }
+    return Status::failure(QStringLiteral("%1: no free name for the converted picture").arg(shown(scratch)));
+}
+
 PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
                             const Clock& clock, RandomSource& random) {
     qint64 length = 0;
@@ -78,23 +94,17 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
     if (!listHasItems || !isTooLarge(length)) return attached(sourcePath);
     if (matchesGifPattern(QFileInfo(sourcePath).fileName())) return refused(kErrPictureTooLarge, QString());
 
-    const QString scratch = workspace::tmpJpg(appFolder);
-    if (!QDir().mkpath(scratch))
-        return refused(kErrPictureNotConverted,
-                       QStringLiteral("%1: the folder cannot be created").arg(shown(scratch)));
-    const QDateTime now = clock.now();
     QString target;
-    for (int draw = 0; draw < kNameDraws && target.isEmpty(); ++draw) {
-        const QString candidate = convertedPicturePath(appFolder, now, conversionNumber(random));
-        if (!QFileInfo::exists(candidate)) target = candidate;
-    }
-    if (target.isEmpty())
-        return refused(kErrPictureNotConverted,
-                       QStringLiteral("%1: no free name for the converted picture").arg(shown(scratch)));
-
+    if (Status named = freshConversionPath(appFolder, clock, random, target); !named)
+        return refused(kErrPictureNotConverted, named.message());
     if (Status converted = reencodeAsJpeg(sourcePath, target, kJpegQuality); !converted)
         return refused(kErrPictureNotConverted, converted.message());
-    if (isTooLarge(QFileInfo(target).size())) return refused(kErrPictureTooLarge, QString(), target);
+    const qint64 convertedBytes = QFileInfo(target).size();
+    if (isTooLarge(convertedBytes)) {
+        PictureImport result = refused(kErrPictureTooLarge, QString(), target);
+        result.convertedBytes = convertedBytes;
+        return result;
+    }
     return attached(target, target);
 }
 

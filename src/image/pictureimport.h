@@ -1,17 +1,13 @@
 #pragma once
 
+#include "common/filesize.h"
 #include "model/clockrandom.h"
+#include "model/status.h"
 
 #include <QDateTime>
 #include <QString>
 
 namespace mms {
-
-// A picture file of this many bytes or more is too large to attach.
-constexpr qint64 kAttachmentLimit = 102400;
-inline bool isTooLarge(qint64 bytes) {
-    return bytes >= kAttachmentLimit;
-}
 
 // Error texts the import shows (numbers of the language file's error list).
 constexpr int kErrPictureTooLarge = 0;
@@ -36,19 +32,27 @@ struct PictureImport {
     // Otherwise the error text to show and what replaces its "%1"; the slide stays as it is.
     int errorNumber = -1;
     QString detail;
-    // The JPEG written to the scratch folder, if one was written (it stays there even when refused).
+    // The JPEG written to the scratch folder, if one was written (it stays there even when refused),
+    // and its length.
     QString convertedPath;
+    qint64 convertedBytes = 0;
 
     bool attach() const { return errorNumber < 0; }
+    // Refused because even its JPEG conversion is too large: shrinking it may help.
+    bool canShrink() const { return errorNumber == kErrPictureTooLarge && !convertedPath.isEmpty(); }
     // The message to show, from the localised error text: "%1" is replaced by the detail.
     QString errorText(const QString& localisedText) const;
 };
 
+// A fresh name for a conversion in the scratch folder (made when missing): drawn again while it names
+// an existing file, so an earlier conversion still on a slide is never overwritten. Fails, saying why,
+// when the folder cannot be made or no free name turns up.
+Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomSource& random, QString& path);
+
 // Decides the picture command for sourcePath (library folder + "/" + selected file name).
 // A file under the limit, or any file while the panel list is empty, is used as it is. A larger GIF
 // is refused; any other larger picture is re-encoded as JPEG at quality 35 into the scratch folder
-// and used when that JPEG is under the limit. The scratch name is drawn again while it names an
-// existing file, so an earlier conversion still on a slide is never overwritten.
+// and used when that JPEG is under the limit.
 PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
                             const Clock& clock, RandomSource& random);
 

@@ -4,6 +4,7 @@
 
 #include <QCollator>
 #include <QDir>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 #include <algorithm>
@@ -67,6 +68,25 @@ QStringList listPictureFiles(const QString& folder, int typeEntry, const Picture
     return listed;
 }
 
+bool declaresImplausibleSize(const QString& path) {
+    constexpr qint64 kPlausiblePixels = 64 * 1024 * 1024;
+    constexpr qint64 kPixelsPerFileByte = 16;
+    const QSize size = QImageReader(path).size();
+    const qint64 pixels = size.isValid() ? qint64(size.width()) * size.height() : 0;
+    return pixels > kPlausiblePixels && pixels > kPixelsPerFileByte * QFileInfo(path).size();
+}
+
+QImage oversizedThumbnail(int side) {
+    QImage image = blankThumbnail(side);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QColor(0x9a, 0xa0, 0xa6), qMax(1.0, side / 20.0)));
+    const QRectF frame(side * 0.2, side * 0.25, side * 0.6, side * 0.5);
+    painter.drawRect(frame);
+    painter.drawLine(frame.topLeft(), frame.bottomRight());
+    return image;
+}
+
 QImage fitPicture(const QImage& picture, const QSize& box, const QColor& background) {
     if (picture.isNull() || box.isEmpty()) return {};
     const QSize size = fittedSize(picture.size(), box);
@@ -78,12 +98,18 @@ QImage fitPicture(const QImage& picture, const QSize& box, const QColor& backgro
 
 QImage loadFittedPicture(const QString& path, const QSize& box, const QColor& background) {
     if (path.isEmpty() || box.isEmpty()) return {};
+    if (declaresImplausibleSize(path)) return {};
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(false);
-    const QSize full = reader.size();
-    // Decoders that can (JPEG above all) scale while decoding, which is most of the saving.
-    if (full.isValid() && !full.isEmpty()) reader.setScaledSize(fittedSize(full, box));
+    reader.setAutoTransform(true);
+    const QSize stored = reader.size();
+    // Decoders that can (JPEG above all) scale while decoding, which is most of the saving. The
+    // scaled size is of the stored pixels, before they are turned upright.
+    if (stored.isValid() && !stored.isEmpty()) {
+        const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+        const QSize upright = fittedSize(turned ? stored.transposed() : stored, box);
+        reader.setScaledSize(turned ? upright.transposed() : upright);
+    }
     const QImage picture = reader.read();
     if (picture.isNull()) return {};
     return fitPicture(picture, box, background);
@@ -147,7 +173,9 @@ void ThumbnailLoader::start(const QString& folder, int typeEntry) {
                 Decoded result{name, {}};
                 if (probe_(path) && !job->cancelled)
                     result.thumbnail =
-                        loadFittedPicture(path, QSize(kPanelThumbnailSide, kPanelThumbnailSide));
+                        declaresImplausibleSize(path)
+                            ? oversizedThumbnail(kPanelThumbnailSide)
+                            : loadFittedPicture(path, QSize(kPanelThumbnailSide, kPanelThumbnailSide));
                 QMetaObject::invokeMethod(
                     this,
                     [this, generation, i, result = std::move(result)]() mutable {

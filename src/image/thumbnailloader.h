@@ -35,10 +35,18 @@ bool probePicture(const QString& path);
 // The candidates the probe accepts, in listing order (file names without folder).
 QStringList listPictureFiles(const QString& folder, int typeEntry, const PictureProbe& probe = probePicture);
 
+// A header that declares far more pixels than its file could hold as a picture (a decompression
+// bomb): beyond 64 megapixels with less than a byte of file for every 16 of them. Reads the header
+// only; false for a file that is no picture.
+bool declaresImplausibleSize(const QString& path);
+// The panel's stand-in for such a picture: a crossed-out frame on the background.
+QImage oversizedThumbnail(int side);
+
 // The picture scaled to fit the box with its aspect ratio kept, centred on the background.
 QImage fitPicture(const QImage& picture, const QSize& box, const QColor& background = thumbnailBackground());
-// Reads the file already scaled down while decoding (the content decides the format) and fits it
-// into the box. Null when the file cannot be read as a picture.
+// Reads the file already scaled down while decoding (the content decides the format), upright (its
+// EXIF orientation applied, as everywhere a picture is shown or converted), and fits it into the
+// box. Null when the file cannot be read as a picture or declares an implausible size.
 QImage loadFittedPicture(const QString& path, const QSize& box,
                          const QColor& background = thumbnailBackground());
 // An empty square of the background colour.
@@ -49,7 +57,9 @@ QImage slideThumbnail(const QString& path);
 // Fills the picture panel without holding up the window: lists, probes and decodes 40 by 40
 // thumbnails on worker threads and hands them over on the owner's thread in listing order. Files
 // the probe rejects or that cannot be decoded are left out; the rows after them close up, so row k
-// is always the k-th delivered file. start() and cancel() drop all work in flight.
+// is always the k-th delivered file. A file declaring an implausible size gets the oversized
+// thumbnail without being decoded, so it holds up none after it. start() and cancel() drop all work
+// in flight.
 class ThumbnailLoader final : public QObject {
     Q_OBJECT
 public:

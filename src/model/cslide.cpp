@@ -1,6 +1,6 @@
 #include "model/cslide.h"
 
-#include "model/filelength.h"
+#include "model/slidesize.h"
 
 #include <algorithm>
 #include <limits>
@@ -41,12 +41,22 @@ void CSlide::refuse(const char* text) const {
     if (sink_) sink_->inform(QString::fromLatin1(text));
 }
 
+// Every node made here is linked into the list by its caller, so its share is counted at once.
 NodePtr CSlide::makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound) {
     auto node = std::make_shared<CSlideNode>();
     node->DataSlideDur = dur;
     node->DataImgPath = img;
     node->DataText = text;
     node->DataSoundPath = sound;
+    node->share = measureShare(*node);
+    count(node->share, +1);
+    return node;
+}
+
+NodePtr CSlide::copyNode(const CSlideNode& of) {
+    auto node = std::make_shared<CSlideNode>(of);
+    node->NextNode.reset();
+    count(node->share, +1);
     return node;
 }
 
@@ -73,12 +83,16 @@ bool CSlide::Destory() {
     releaseChain(std::move(head_));
     head_.reset();
     fileName_.clear();
+    totals_ = Totals{};
     return false;
 }
 
 void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QString& text,
                            const QString& sound) {
-    NodePtr node = makeNode(dur, img, text, sound);
+    linkAtFront(makeNode(dur, img, text, sound));
+}
+
+void CSlide::linkAtFront(NodePtr node) {
     if (IsEmpty()) {
         head_ = tail_ = node;
     } else {
@@ -89,7 +103,10 @@ void CSlide::InsertAtFront(const SlideDur& dur, const QString& img, const QStrin
 
 void CSlide::InsertAtBack(const SlideDur& dur, const QString& img, const QString& text,
                           const QString& sound) {
-    NodePtr node = makeNode(dur, img, text, sound);
+    linkAtBack(makeNode(dur, img, text, sound));
+}
+
+void CSlide::linkAtBack(NodePtr node) {
     if (IsEmpty()) {
         head_ = tail_ = node;
     } else {
@@ -124,6 +141,7 @@ std::optional<SlideDur> CSlide::RemoveFromFront() {
     } else {
         head_ = head_->NextNode;
     }
+    forget(removed);
     return removed->DataSlideDur;
 }
 
@@ -133,6 +151,7 @@ std::optional<SlideDur> CSlide::RemoveFromBack() {
         return std::nullopt;
     }
     NodePtr removed = tail_;
+    forget(removed);
     if (head_ == tail_) {
         head_.reset();
         tail_.reset();
@@ -166,12 +185,14 @@ std::optional<SlideDur> CSlide::RemoveFromList(const qint16& index) {
         NodePtr removed = head_;
         head_ = head_->NextNode;
         if (!head_->NextNode) tail_ = head_;
+        forget(removed);
         return removed->DataSlideDur;
     }
     if (index == 2) {
         NodePtr removed = head_->NextNode;
         head_->NextNode = removed->NextNode;
         if (!head_->NextNode) tail_ = head_;
+        forget(removed);
         return removed->DataSlideDur;
     }
     NodePtr before = head_;
@@ -186,6 +207,7 @@ std::optional<SlideDur> CSlide::RemoveFromList(const qint16& index) {
     NodePtr removed = before->NextNode;
     before->NextNode = removed->NextNode;
     if (removed == tail_) tail_ = before;
+    forget(removed);
     return removed->DataSlideDur;
 }
 
@@ -233,9 +255,10 @@ void CSlide::SwapAtFront(qint16 index, qint16 last) {
             refuse(kOutOfBoundAfter);
             return;
         }
-        InsertAtFront(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+        linkAtFront(copyNode(*moved));
         before->NextNode = moved->NextNode;
         if (moved == tail_) tail_ = before;
+        forget(moved);
         return;
     }
     NodePtr before = walkTo(static_cast<qint16>(last - 1), kOutOfBoundBefore);
@@ -247,7 +270,9 @@ void CSlide::SwapAtFront(qint16 index, qint16 last) {
         return;
     }
     NodePtr moved = tail_;
-    InsertAtFront(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+    linkAtFront(copyNode(*moved));
+    // On a one-slide list the walked-to node is the moved one: it stays, behind its copy.
+    if (before != moved) forget(moved);
     before->NextNode.reset();
     tail_ = before;
 }
@@ -259,8 +284,9 @@ void CSlide::SwapAtBack(qint16 index) {
             return;
         }
         NodePtr moved = head_;
-        InsertAtBack(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+        linkAtBack(copyNode(*moved));
         head_ = head_->NextNode;
+        forget(moved);
         return;
     }
     NodePtr before = walkTo(static_cast<qint16>(index - 1), kOutOfBoundBefore);
@@ -270,8 +296,9 @@ void CSlide::SwapAtBack(qint16 index) {
         refuse(kOutOfBoundBefore);
         return;
     }
-    InsertAtBack(moved->DataSlideDur, moved->DataImgPath, moved->DataText, moved->DataSoundPath);
+    linkAtBack(copyNode(*moved));
     before->NextNode = moved->NextNode;
+    forget(moved);
 }
 
 CSlideIterator CSlide::Iterator() const {
@@ -308,37 +335,6 @@ qint16 CSlide::getTotalSlide() const {
         if (++count > kMaxSlides) throw std::overflow_error("slide count overflow");
     }
     return static_cast<qint16>(count);
-}
-
-qint32 CSlide::getTotalSize(const QString& sender, const QString& recipient, const QString& subject) const {
-    if (IsEmpty()) return 0;
-    qint64 base = sender.size() + recipient.size() + subject.size() + 59;
-    qint64 pictures = 0, texts = 0, sounds = 0, overhead = 0;
-    bool anyPicture = false, anyText = false, anySound = false;
-    for (const CSlideNode* node = head_.get(); node; node = node->NextNode.get()) {
-        if (!node->DataImgPath.isEmpty()) {
-            pictures += fileLength(node->DataImgPath);
-            anyPicture = true;
-            overhead += 41;
-        }
-        if (!node->DataText.isEmpty()) {
-            texts += node->DataText.size() + 2;
-            anyText = true;
-            overhead += 42;
-        }
-        if (!node->DataSoundPath.isEmpty()) {
-            sounds += fileLength(node->DataSoundPath);
-            anySound = true;
-            overhead += 30;
-        }
-        overhead += 36;
-    }
-    if (anyPicture) overhead += pictures + 27;
-    if (anyText) overhead += texts + 28;
-    if (anySound) overhead += sounds + 37;
-    const qint64 total = base + overhead + 440;
-    if (total > std::numeric_limits<qint32>::max()) throw std::overflow_error("message size overflow");
-    return static_cast<qint32>(total);
 }
 
 } // namespace mms

@@ -9,6 +9,13 @@
 
 namespace mms {
 
+// What one slide adds to the size estimate, as last measured: whether it has a picture, a text and
+// a sound, and their lengths (file bytes, text characters).
+struct SizeShare {
+    bool picture = false, text = false, sound = false;
+    qint64 pictureBytes = 0, textChars = 0, soundBytes = 0;
+};
+
 // One slide. Plain data: the node has no behaviour of its own.
 class CSlideNode {
 public:
@@ -17,6 +24,8 @@ public:
     QString DataImgPath;
     QString DataText;
     QString DataSoundPath;
+    // What the list's running size total holds for this slide; kept by CSlide.
+    SizeShare share;
 };
 
 using NodePtr = std::shared_ptr<CSlideNode>;
@@ -77,9 +86,26 @@ public:
 
     // Number of slides; throws std::overflow_error past 32767.
     qint16 getTotalSlide() const;
-    // Estimated size in bytes of the message as an MMS; a media file that cannot be read counts 0 bytes.
-    // Throws std::overflow_error when the sum leaves the 32-bit range.
+    // Estimated size in bytes of the message as an MMS, counted from scratch: every media file is
+    // measured again. A media file that cannot be read counts 0 bytes. Throws std::overflow_error when
+    // the sum leaves the 32-bit range.
     qint32 getTotalSize(const QString& sender, const QString& recipient, const QString& subject) const;
+
+    // The same estimate from a running total, without touching the disk: each slide's share is
+    // measured when its path or text is set through the list (inserts and the setters below), so
+    // the figure equals getTotalSize as long as no media file changed length since and no node
+    // field was written directly. Same overflow rule.
+    qint32 runningTotalSize(const QString& sender, const QString& recipient, const QString& subject) const;
+    // The number of slides, kept with the running total (getTotalSlide counts them by walking).
+    qint64 runningSlideCount() const { return totals_.slides; }
+    // Edits of a slide in the list that keep the running total.
+    void setImgPath(CSlideNode& node, const QString& path);
+    void setText(CSlideNode& node, const QString& text);
+    void setSoundPath(CSlideNode& node, const QString& path);
+    // Measures one slide again from its fields (its files may have changed outside the program).
+    void remeasure(CSlideNode& node);
+    // Measures every slide again; a file shared by several slides is measured once.
+    void remeasureAll();
 
     void setfolderpath(const QString& infolder) { folderPath_ = infolder; }
     void setfilename(const QString& inFile) { fileName_ = inFile; }
@@ -93,13 +119,28 @@ private:
     void refuse(const char* text) const;
     // Walks position-1 steps from the head, testing each node before stepping.
     NodePtr walkTo(qint16 position, const char* boundMessage) const;
-    static NodePtr makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
+    NodePtr makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
+    void linkAtFront(NodePtr node);
+    void linkAtBack(NodePtr node);
+    // A new node with the values and the measured share of `of` (the moves to either end).
+    NodePtr copyNode(const CSlideNode& of);
+    // The running total gains or loses a slide's share.
+    void count(const SizeShare& share, int sign);
+    void forget(const NodePtr& removed) { count(removed->share, -1); }
+    struct Totals;
+    static qint32 sizeOf(const Totals& totals, const QString& sender, const QString& recipient,
+                         const QString& subject);
 
     NodePtr head_;
     NodePtr tail_;
     QString fileName_;
     QString folderPath_;
     MessageSink* sink_ = nullptr;
+
+    struct Totals {
+        qint64 slides = 0, pictures = 0, texts = 0, sounds = 0;
+        qint64 pictureBytes = 0, textChars = 0, soundBytes = 0;
+    } totals_;
 };
 
 } // namespace mms

@@ -45,6 +45,17 @@ inline bool near(QColor a, QColor b) {
     return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
 }
 
+// The JPEG with an EXIF block giving its orientation (6: the stored pixels are to be turned a
+// quarter clockwise), right after the start-of-image marker.
+inline QByteArray withOrientation(const QByteArray& jpeg, int orientation) {
+    QByteArray exif = QByteArray::fromHex("ffe10022457869660000"
+                                          "49492a0008000000"
+                                          "0100120103000100000000000000"
+                                          "00000000");
+    exif[10 + 8 + 2 + 8] = char(orientation);
+    return jpeg.left(2) + exif + jpeg.mid(2);
+}
+
 // A 1 by 1 red GIF.
 inline QByteArray tinyGif() {
     return QByteArray::fromHex("474946383961010001008000 00ff0000000000 2c00000000010001000002024401003b");

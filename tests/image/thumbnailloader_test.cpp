@@ -105,3 +105,36 @@ TEST_F(ThumbnailTest, ARestartOrCancelDropsTheWorkInFlight) {
     EXPECT_TRUE(cancelled.ready.isEmpty());
     EXPECT_FALSE(loader.isRunning());
 }
+
+// A header claiming a huge picture is answered with a stand-in at once, without decoding; a turned
+// photograph is shown upright.
+TEST(ThumbnailLoader, BombsGetAStandInAndTurnedPicturesStandUpright) {
+    test::TempDir dir;
+    const QByteArray small = test::encoded(test::filled(16, 16, Qt::green), "JPG", 90);
+    const auto claiming = [&small](int width, int height) {
+        QByteArray bomb = small;
+        const qsizetype frame = bomb.indexOf("\xFF\xC0");
+        bomb[frame + 5] = char(height >> 8), bomb[frame + 6] = char(height);
+        bomb[frame + 7] = char(width >> 8), bomb[frame + 8] = char(width);
+        return bomb;
+    };
+    QImage wide = test::filled(80, 20, Qt::red);
+    for (int x = 40; x < 80; ++x)
+        for (int y = 0; y < 20; ++y)
+            wide.setPixelColor(x, y, Qt::blue);
+    dir.write(QStringLiteral("a.jpg"), claiming(25200, 33300));
+    dir.write(QStringLiteral("b.jpg"), claiming(64250, 64250));
+    dir.write(QStringLiteral("c.jpg"), test::withOrientation(test::encoded(wide, "JPG", 95), 6));
+    EXPECT_TRUE(declaresImplausibleSize(dir.file(QStringLiteral("a.jpg"))));
+    EXPECT_FALSE(declaresImplausibleSize(dir.file(QStringLiteral("c.jpg"))));
+
+    ThumbnailLoader loader;
+    Listing listing(loader);
+    loader.start(dir.path(), 0);
+    ASSERT_TRUE(listing.done.wait(10000));
+    ASSERT_EQ(listing.names().join(u' '), QStringLiteral("a.jpg b.jpg c.jpg"));
+    EXPECT_EQ(listing.colour(0), oversizedThumbnail(40).pixelColor(20, 20));
+    const QImage upright = loadFittedPicture(dir.file(QStringLiteral("c.jpg")), {40, 40});
+    EXPECT_TRUE(near(upright.pixelColor(20, 2), Qt::red) && near(upright.pixelColor(20, 37), Qt::blue));
+    EXPECT_EQ(upright.pixelColor(2, 20), thumbnailBackground());
+}

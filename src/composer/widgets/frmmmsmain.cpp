@@ -5,8 +5,10 @@
 #include "composer/composertext.h"
 #include "composer/draftstore.h"
 #include "composer/qttranslations.h"
+#include "composer/sizelimit.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
+#include "composer/widgets/sizegauge.h"
 #include "composer/workspacefolders.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
@@ -97,6 +99,7 @@ Status frmMMSMain::applyLanguage(int langIndex) {
         MenuTab->setTabText(1, I(18));
         picturePanel->applyLanguage();
         soundPanel->applyLanguage();
+        sizeGauge->applyLanguage();
         createCmd->setText(I(63));
         Frame1->setTitle(I(24));
         Frame2->setTitle(I(25));
@@ -142,6 +145,7 @@ Status frmMMSMain::Form_Load() {
     if (Status s = applySessionCaptions(langIndex); !s) return s;
 
     if (Status s = createWorkspaceFolders(options_.appFolder); !s) return s;
+    sizeGauge->setLimit(readSizeLimitSetting());
 
     // The random source is seeded from the clock where it is made (SystemRandom).
     slides_.Destory();

@@ -36,6 +36,7 @@ namespace mms {
 class Localisation;
 class PicturePanel;
 class QtTranslations;
+class SizeGauge;
 class SlideStripModel;
 class SoundPanel;
 struct Draft;
@@ -64,6 +65,7 @@ struct Draft;
 //   frmmmsmain_dragdrop.cpp slides dragged in the strip, files dropped on the window, media removed
 //   frmmmsmain_draft.cpp    the draft kept while the message has unsaved changes
 //   frmmmsmain_session.cpp  remembered state, Open Recent, About, Qt's texts, mnemonics
+//   frmmmsmain_size.cpp     the size gauge, media lengths measured again, the over-limit question
 class frmMMSMain final : public QMainWindow, private SlideEditTarget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmMMSMain)
@@ -191,6 +193,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -223,6 +226,7 @@ private:
     QGroupBox* Frame2 = nullptr; // around lblSize
     QLabel* lblSlide = nullptr;
     QLabel* lblSize = nullptr;
+    SizeGauge* sizeGauge = nullptr; // the estimate against the message size limit
 
     QGroupBox* frameSlide = nullptr;
     QLineEdit* txtSlideDur = nullptr;
@@ -283,6 +287,10 @@ private:
     // Panel helpers.
     void refreshCounters();
     void recountNow();
+    // Size helpers: the media files' lengths measured again (they may have changed outside the
+    // program), and the question before exporting a message over the size limit.
+    void remeasureMessage();
+    bool goOnDespiteSize();
     void showPicture(const QString& path, bool* failed);
     void setDurationText(const QString& text);
     void setTextBox(const QString& text);

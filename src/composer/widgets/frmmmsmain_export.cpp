@@ -33,6 +33,7 @@ void showFailure(Dialogs& dialogs, const QString& text, const QString& detail) {
 // The subject prompt is shown for each export; a valid subject lands in txtsubject and stays there,
 // so a later save stores it. Exporting does not change whether the message counts as modified.
 void frmMMSMain::createCmd_Click() {
+    if (!goOnDespiteSize()) return;
     frmMMSPromptSubject prompt(loc_, platform_.dialogs, state_, this);
     platform_.dialogs.runModal(prompt);
     if (!prompt.validflag) return;
@@ -59,6 +60,7 @@ void frmMMSMain::createCmd_Click() {
 }
 
 void frmMMSMain::mnu_exportMms_Click() {
+    if (!goOnDespiteSize()) return;
     frmMMSPromptSubject prompt(loc_, platform_.dialogs, state_, this, true);
     platform_.dialogs.runModal(prompt);
     if (!prompt.validflag) return;

@@ -2,9 +2,11 @@
 // the library tabs.
 #include "composer/widgets/frmmmsmain.h"
 
+#include "composer/sizelimit.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/slidestripview.h"
+#include "composer/widgets/sizegauge.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
 
@@ -208,7 +210,11 @@ QLayout* frmMMSMain::buildCounters(QWidget* column) {
     Frame2->setObjectName(QStringLiteral("Frame2"));
     lblSize = new QLabel(Frame2);
     lblSize->setObjectName(QStringLiteral("lblSize"));
-    (new QVBoxLayout(Frame2))->addWidget(lblSize);
+    sizeGauge = new SizeGauge(loc_, platform_.dialogs, Frame2);
+    connect(sizeGauge, &SizeGauge::limitChosen, this, [](qint64 bytes) { writeSizeLimitSetting(bytes); });
+    auto* sizeLayout = new QVBoxLayout(Frame2);
+    sizeLayout->addWidget(lblSize);
+    sizeLayout->addWidget(sizeGauge);
     auto* counters = new QHBoxLayout;
     counters->addWidget(Frame1, 2);
     counters->addWidget(Frame2, 3);

@@ -7,6 +7,7 @@
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "composer/widgets/sizegauge.h"
 #include "sound/widgets/soundpanel.h"
 
 #include <QAction>
@@ -49,13 +50,17 @@ void frmMMSMain::recountNow() {
     if (slides_.IsEmpty()) {
         lblSlide->setText(total + QLatin1Char('0'));
         lblSize->setText(total + QStringLiteral("0 byte"));
+        sizeGauge->setSize(0);
         return;
     }
     try {
-        const qint16 count = slides_.getTotalSlide();
-        const qint32 size = slides_.getTotalSize(QString(), QString(), state_.txtsubject);
+        // Running figures: a keystroke neither walks the list nor measures a file (see
+        // frmmmsmain_size.cpp for when files are measured).
+        const qint64 count = slides_.runningSlideCount();
+        const qint32 size = slides_.runningTotalSize(QString(), QString(), state_.txtsubject);
         lblSlide->setText(total + QString::number(count));
         lblSize->setText(total + QString::number(size) + QStringLiteral("bytes"));
+        sizeGauge->setSize(size);
     } catch (const std::exception&) {
         // Beyond the counters' range: they keep their last values.
     }
@@ -84,7 +89,7 @@ void frmMMSMain::commitField(const QString& field, const QString& value) {
             stripModel_->setDuration(cur, node->DataSlideDur);
         } else if (field == kImgPath) {
             if (value != node->DataImgPath) {
-                node->DataImgPath = value;
+                slides_.setImgPath(*node, value);
                 if (value.isEmpty()) {
                     stripModel_->setThumbnail(cur, blankThumbnail());
                 } else if (!isVideoClipPath(value)) {
@@ -94,9 +99,9 @@ void frmMMSMain::commitField(const QString& field, const QString& value) {
                 }
             }
         } else if (field == kText) {
-            node->DataText = txtText->toPlainText();
+            slides_.setText(*node, txtText->toPlainText());
         } else if (field == kSoundPath) {
-            node->DataSoundPath = value;
+            slides_.setSoundPath(*node, value);
         }
         refreshCounters();
         setModified(true);
@@ -235,6 +240,7 @@ void frmMMSMain::refreshSlidePanel() {
     const QString total = loc_.getMCrInterfaceStr(26) + QStringLiteral(" : ");
     lblSlide->setText(total + QLatin1Char('0'));
     lblSize->setText(total + QStringLiteral("0 byte"));
+    sizeGauge->setSize(0);
     if (auto* stack = qobject_cast<QStackedWidget*>(frameSlide->parentWidget())) stack->setCurrentIndex(0);
 }
 

@@ -86,6 +86,7 @@ void frmMMSMain::mnu_save_Click() {
         mnu_saveAs_Click();
         return;
     }
+    remeasureMessage();
     if (Status s = store().save(slides_, state_.currentFile, state_.txtsubject); !s) {
         saveFailed_ = true;
         showStoreError(23, s.message());
@@ -97,6 +98,7 @@ void frmMMSMain::mnu_save_Click() {
 
 void frmMMSMain::mnu_saveAs_Click() {
     saveFailed_ = false;
+    remeasureMessage();
     const QString previousName = state_.currentFile;
     const MessageStore messages = store();
     {

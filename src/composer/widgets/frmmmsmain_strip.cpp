@@ -194,6 +194,8 @@ void frmMMSMain::lstSlide_ItemClick() {
     try {
         const NodePtr node = slides_.nodeAt(cur);
         if (!node) throw std::runtime_error("no node for the selected item");
+        // Its files may have changed since they were measured; the counters below show them anew.
+        slides_.remeasure(*node);
         setDurationText(node->DataSlideDur.toString());
         showPicture(node->DataImgPath, &pictureFailed);
         setTextBox(node->DataText);

@@ -189,7 +189,7 @@ void frmMMSMain::setSlideContent(qint16 position, const SlideState& state) {
     const NodePtr node = slides_.nodeAt(position);
     if (!node) return;
     CounterBatch batch(*this);
-    writeContent(*node, state.content);
+    writeContent(slides_, *node, state.content);
     stripModel_->setThumbnail(position, state.thumbnail);
     stripModel_->setDuration(position, state.content.duration);
     refreshCounters();

@@ -1,22 +1,28 @@
 #include "image/widgets/picturepanel.h"
 
+#include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
 #include "common/widgets/browsefolder.h"
+#include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"
 #include "common/widgets/sizecombo.h"
+#include "image/fittask.h"
 #include "image/pictureimport.h"
 #include "image/thumbnailloader.h"
 
 #include <QComboBox>
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPixmap>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -25,8 +31,8 @@ namespace mms {
 
 namespace {
 
-// One cell of the thumbnail grid: the icon with a line of its name below.
-constexpr QSize kGridSize{96, 72};
+// One cell of the thumbnail grid: the icon with its name and its size below.
+constexpr QSize kGridSize{96, 88};
 
 // The wait cursor for as long as a conversion runs.
 class BusyCursor {
@@ -41,7 +47,7 @@ public:
 
 PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
     : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
-      loader_(new ThumbnailLoader(this)) {
+      loader_(new ThumbnailLoader(this)), fit_(new FitTask(this)) {
     setObjectName(QStringLiteral("picturePanel"));
 
     imgDirPath = new QLineEdit(this);
@@ -69,6 +75,7 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     lstPicView->setMovement(QListView::Static);
     lstPicView->setWordWrap(true);
     lstPicView->setSelectionMode(QAbstractItemView::SingleSelection);
+    lstPicView->setItemDelegate(new FileSizeDelegate(lstPicView));
 
     chgImgCmd = new QPushButton(this);
     chgImgCmd->setObjectName(QStringLiteral("chgImgCmd"));
@@ -91,6 +98,7 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     layout->addLayout(folderRow);
     layout->addLayout(typeRow);
     layout->addWidget(lstPicView, 1);
+    layout->addLayout(buildFitRow());
     layout->addLayout(actionRow);
 
     connect(imgTypeCombo, &QComboBox::currentIndexChanged, this, [this] { imgTypeCombo_Click(); });
@@ -110,6 +118,9 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
         if (chgImgCmd->isEnabled()) chgImgCmd_Click();
     });
     connect(chgImgCmd, &QPushButton::clicked, this, [this] { chgImgCmd_Click(); });
+    connect(fitCancelCmd, &QPushButton::clicked, this, [this] { fitCancelCmd_Click(); });
+    connect(fit_, &FitTask::finished, this,
+            [this](const FitResult& result, const QString& target) { fitFinished(result, target); });
     // Typing a folder changes nothing by itself; Enter in the box is the refresh command.
     connect(imgDirPath, &QLineEdit::returnPressed, this, [this] { refreshcmd_Click(); });
     connect(loader_, &ThumbnailLoader::thumbnailReady, this,
@@ -118,11 +129,32 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
             });
 }
 
+// The busy indicator of a shrink and its cancel button, shown only while one runs.
+QLayout* PicturePanel::buildFitRow() {
+    fitProgress = new QProgressBar(this);
+    fitProgress->setObjectName(QStringLiteral("fitProgress"));
+    fitProgress->setRange(0, 0); // busy: the search has no known length
+    fitProgress->setTextVisible(false);
+    fitProgress->setMaximumHeight(10);
+    lblShrinking = new QLabel(this);
+    lblShrinking->setObjectName(QStringLiteral("lblShrinking"));
+    fitCancelCmd = new QPushButton(this);
+    fitCancelCmd->setObjectName(QStringLiteral("fitCancelCmd"));
+    auto* row = new QHBoxLayout;
+    row->addWidget(lblShrinking);
+    row->addWidget(fitProgress, 1);
+    row->addWidget(fitCancelCmd);
+    showFitting(false);
+    return row;
+}
+
 void PicturePanel::applyLanguage() {
     const Localisation& loc = loc_;
     imgChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
     refreshcmd->setText(loc.getMCrInterfaceStr(20));
     chgImgCmd->setText(loc.getMCrInterfaceStr(21));
+    lblShrinking->setText(loc.getMCrInterfaceStr(sizetext::kShrinking));
+    fitCancelCmd->setText(loc.getMCrInterfaceStr(69));
 }
 
 void PicturePanel::clearThumbnails() {
@@ -175,7 +207,10 @@ void PicturePanel::addThumbnail(int row, const QString& fileName, const QImage& 
     // Rows come in order, each once; anything else would pair a name with another file's picture.
     if (row != lstPicView->count()) return;
     auto* item = new QListWidgetItem(QIcon(QPixmap::fromImage(thumbnail)), fileName);
-    item->setToolTip(fileName); // the whole name, where the grid elides it
+    // The tooltip shows the whole name, where the grid elides it, and says what a large file meets.
+    const int tip =
+        matchesGifPattern(fileName) ? sizetext::kTooLargeToUse : sizetext::kPictureWillBeConverted;
+    showFileSize(*item, loc_, QFileInfo(QDir(listedFolder_), fileName).size(), loc_.getMCrInterfaceStr(tip));
     lstPicView->addItem(item);
 }
 
@@ -200,7 +235,7 @@ void PicturePanel::lstPicView_ItemClick() {
     QListWidgetItem* item = lstPicView->currentItem() ? lstPicView->currentItem() : selectedPicture();
     if (!item) return;
     if (!item->isSelected()) item->setSelected(true);
-    chgImgCmd->setEnabled(true);
+    chgImgCmd->setEnabled(!isFitting());
 }
 
 QListWidgetItem* PicturePanel::selectedPicture() const {
@@ -210,7 +245,7 @@ QListWidgetItem* PicturePanel::selectedPicture() const {
 
 void PicturePanel::chgImgCmd_Click() {
     const QListWidgetItem* item = selectedPicture();
-    if (!item) return;
+    if (!item || isFitting()) return;
     // The file is taken from the folder the list shows, not from a folder typed since.
     attachPictureFile(QDir(listedFolder_).filePath(item->text()), lstPicView->count() > 0);
 }
@@ -223,11 +258,65 @@ void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
         import = importPicture(source, checkSize, appFolder_, platform.clock, platform.random);
     }
     if (!import.attach()) {
-        const QString text = import.errorText(loc_.getMCrErrStr(import.errorNumber));
-        platform.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
+        if (import.canShrink() && askToShrink(import.convertedBytes)) {
+            startFit(source);
+            return;
+        }
+        warn(import.errorNumber, import.detail);
         return;
     }
     emit pictureChosen(import.picturePath);
+}
+
+bool PicturePanel::askToShrink(qint64 convertedBytes) {
+    const QString text = loc_.getMCrPromptStr(sizetext::kPromptShrinkToFit)
+                             .replace(QStringLiteral("%1"), sizeText(loc_, convertedBytes))
+                             .replace(QStringLiteral("%2"), sizeText(loc_, kAttachmentLimit));
+    return platform_.dialogs.show(
+               Message{text, applicationTitle(), Buttons::YesNo, Icon::Question, Answer::Yes}) == Answer::Yes;
+}
+
+// The shrunk picture gets a scratch name of its own; the same-size conversion stays where it is.
+void PicturePanel::startFit(const QString& source) {
+    QString target;
+    if (Status named = freshConversionPath(appFolder_, platform_.clock, platform_.random, target); !named) {
+        warn(kErrPictureNotConverted, named.message());
+        return;
+    }
+    showFitting(true);
+    fit_->start(source, target);
+}
+
+void PicturePanel::fitCancelCmd_Click() {
+    fit_->cancel();
+    showFitting(false);
+}
+
+bool PicturePanel::isFitting() const {
+    return fit_->isRunning();
+}
+
+void PicturePanel::showFitting(bool fitting) {
+    for (QWidget* w : std::initializer_list<QWidget*>{fitProgress, lblShrinking, fitCancelCmd})
+        w->setVisible(fitting);
+    chgImgCmd->setEnabled(!fitting && selectedPicture());
+}
+
+void PicturePanel::fitFinished(const FitResult& result, const QString& target) {
+    showFitting(false);
+    if (result.fitted()) {
+        emit pictureChosen(target);
+        return;
+    }
+    warn(result.outcome == FitResult::Outcome::NoFit ? sizetext::kErrPictureCannotFit
+                                                     : kErrPictureNotConverted,
+         result.message);
+}
+
+void PicturePanel::warn(int error, const QString& detail) {
+    QString text = loc_.getMCrErrStr(error);
+    if (text.contains(QLatin1String("%1"))) text = text.arg(detail);
+    platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
 }
 
 } // namespace mms

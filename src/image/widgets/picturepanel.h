@@ -5,21 +5,28 @@
 
 class QComboBox;
 class QImage;
+class QLabel;
+class QLayout;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
+class QProgressBar;
 class QPushButton;
 class QToolButton;
 
 namespace mms {
 
+class FitTask;
+struct FitResult;
 class Localisation;
 struct Platform;
 class ThumbnailLoader;
 
-// The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails,
-// filtered by type, and the command that prepares the chosen picture for a slide (converted when too
-// large) and hands it to the composer through pictureChosen.
+// The picture tab of the composer: the pictures of one library folder as 40 by 40 thumbnails with
+// their file sizes, filtered by type, and the command that prepares the chosen picture for a slide
+// (converted when too large) and hands it to the composer through pictureChosen. A picture whose
+// conversion is still too large is, if the user agrees, shrunk until it fits: off the window's
+// thread, with a busy indicator and a cancel button, the rest of the window usable meanwhile.
 class PicturePanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PicturePanel)
@@ -58,6 +65,9 @@ public:
     // as it is when small enough, converted or refused when not, the refusal shown. The size is
     // only checked when `checkSize` is set, as the command checks it only while its list has items.
     void attachPictureFile(const QString& source, bool checkSize = true);
+    // Stops the shrinking under way; nothing is attached.
+    void fitCancelCmd_Click();
+    bool isFitting() const;
 
 signals:
     // A picture ready to go on the current slide (the file itself, or its conversion below Temp).
@@ -70,14 +80,25 @@ private:
     QComboBox* imgTypeCombo = nullptr;
     QListWidget* lstPicView = nullptr;
     QPushButton* chgImgCmd = nullptr;
+    QProgressBar* fitProgress = nullptr;
+    QLabel* lblShrinking = nullptr;
+    QPushButton* fitCancelCmd = nullptr;
 
+    QLayout* buildFitRow();
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
+    bool askToShrink(qint64 convertedBytes);
+    void startFit(const QString& source);
+    void fitFinished(const FitResult& result, const QString& target);
+    void showFitting(bool fitting);
+    // Error text `error` with its "%1" replaced by detail, in a message box.
+    void warn(int error, const QString& detail);
 
     const Localisation& loc_;
     Platform& platform_;
     QString appFolder_;
     ThumbnailLoader* loader_ = nullptr;
+    FitTask* fit_ = nullptr;
     QString listedFolder_;
 };
 

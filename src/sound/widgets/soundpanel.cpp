@@ -1,8 +1,10 @@
 #include "sound/widgets/soundpanel.h"
 
+#include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
 #include "common/widgets/browsefolder.h"
+#include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"
 #include "common/workspace.h"
 #include "sound/mididecoder.h"
@@ -21,13 +23,6 @@
 #include <QVBoxLayout>
 
 namespace mms {
-
-namespace {
-
-// A sound on a slide must stay below this many bytes.
-constexpr qint64 kSizeLimit = 102400;
-
-} // namespace
 
 SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
     : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
@@ -53,6 +48,7 @@ SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString ap
     fileBoxSound->setUniformItemSizes(true);
     fileBoxSound->setSpacing(1);
     fileBoxSound->setIconSize(QSize(16, 16));
+    fileBoxSound->setItemDelegate(new FileSizeDelegate(fileBoxSound));
 
     cropCmd = new QPushButton(this);
     cropCmd->setObjectName(QStringLiteral("cropCmd"));
@@ -156,8 +152,11 @@ bool SoundPanel::refreshFileList(bool keepSelection) {
     const QStringList names =
         QDir(fileFolder_).entryList(patterns, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
     const QIcon icon(QStringLiteral(":/icons/sound.svg"));
+    const QDir dir(fileFolder_);
+    const QString tooLarge = loc_.getMCrInterfaceStr(sizetext::kTooLargeToUse);
     for (const QString& name : names)
-        new QListWidgetItem(icon, name, fileBoxSound);
+        showFileSize(*new QListWidgetItem(icon, name, fileBoxSound), loc_, QFileInfo(dir, name).size(),
+                     tooLarge);
     if (!kept.isEmpty()) {
         const QList<QListWidgetItem*> same = fileBoxSound->findItems(kept, Qt::MatchExactly);
         if (!same.isEmpty()) fileBoxSound->setCurrentItem(same.front());
@@ -250,7 +249,7 @@ void SoundPanel::attachSoundFile(const QString& path) {
     }
     const qint64 length = file.size();
     file.close();
-    if (length >= kSizeLimit) {
+    if (isTooLarge(length)) {
         dialogs.inform(loc.getMCrErrStr(1));
         return;
     }

@@ -1,0 +1,50 @@
+#include "app/mmsc.h"
+
+#include "image/picturefit.h"
+
+#include <QDir>
+
+namespace mms::cli {
+
+namespace {
+
+const char kUsage[] =
+    "  fit IN OUT [--max-bytes N]\n"
+    "               converts the picture IN (GIF, JPEG, BMP or PNG) to the largest upright JPEG of\n"
+    "               at most N bytes (default 102399, the attachment limit), as the composer shrinks\n"
+    "               a picture to fit, and writes it to OUT, replacing it; prints OUT, WIDTHxHEIGHT\n"
+    "               and the size in bytes, tab-separated; exit status 1 when no size fits";
+
+int runFit(Context& context, const QStringList& args) {
+    QStringList files;
+    qint64 maxBytes = kFitMaxBytes;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        if (args[i] != QLatin1String("--max-bytes")) {
+            files << args[i];
+            continue;
+        }
+        bool ok = false;
+        maxBytes = i + 1 < args.size() ? args[++i].toLongLong(&ok) : 0;
+        if (!ok || maxBytes < 1)
+            return fail(context, QStringLiteral("--max-bytes takes a whole number of bytes above 0"));
+    }
+    if (files.size() != 2) return fail(context, QStringLiteral("fit takes IN OUT [--max-bytes N]"));
+    const FitResult fit = fitPictureToFile(files[0], files[1], maxBytes);
+    switch (fit.outcome) {
+    case FitResult::Outcome::Fitted:
+        context.out << QDir::toNativeSeparators(files[1]) << '\t' << fit.size.width() << 'x'
+                    << fit.size.height() << '\t' << fit.jpeg.size() << '\n';
+        return 0;
+    case FitResult::Outcome::NoFit:
+        context.err << "mmsc: fit: " << fit.message << Qt::endl;
+        return 1;
+    default:
+        return fail(context, QStringLiteral("fit: %1").arg(fit.message));
+    }
+}
+
+const Registrar registrar("fit", kUsage, runFit);
+
+} // namespace
+
+} // namespace mms::cli

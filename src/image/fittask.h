@@ -1,0 +1,36 @@
+#pragma once
+
+#include "image/picturefit.h"
+
+#include <QObject>
+#include <QThreadPool>
+#include <memory>
+
+namespace mms {
+
+// Runs one fit conversion at a time off the owner's thread (fitPictureToFile) and reports its result
+// on the owner's thread. cancel() drops the one under way: it stops at its next trial and reports
+// nothing more.
+class FitTask final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(FitTask)
+
+public:
+    explicit FitTask(QObject* parent = nullptr);
+    ~FitTask() override;
+
+    void start(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
+    void cancel();
+    bool isRunning() const { return running_; }
+
+signals:
+    void finished(const mms::FitResult& result, const QString& target);
+
+private:
+    QThreadPool pool_;
+    std::shared_ptr<std::atomic<bool>> cancelled_;
+    quint64 generation_ = 0;
+    bool running_ = false;
+};
+
+} // namespace mms
