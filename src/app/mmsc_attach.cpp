@@ -1,5 +1,7 @@
 #include "app/mmsc_attach.h"
 
+#include "image/picturefit.h"
+
 #include "common/fileio.h"
 #include "common/workspace.h"
 #include "image/imageprobe.h"
@@ -80,6 +82,13 @@ QString AttachRules::applyPicture(QString& path) {
     if (import.convertedPath.isEmpty())
         return QStringLiteral("'%1' has %2 bytes: %3, and a GIF is not converted")
             .arg(shown(path), QString::number(size), limit);
+    if (fit_) {
+        const QString fitted = import.convertedPath + QStringLiteral(".fit.jpg");
+        const FitResult result = fitPictureToFile(path, fitted);
+        if (!result.fitted()) return QStringLiteral("'%1' cannot be shrunk to fit: %2").arg(shown(path), result.message);
+        path = fitted;
+        return {};
+    }
     return QStringLiteral("'%1' has %2 bytes, and still %3 bytes as a JPEG at quality 35: %4")
         .arg(shown(path), QString::number(size), QString::number(QFileInfo(import.convertedPath).size()),
              limit);

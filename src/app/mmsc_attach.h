@@ -15,7 +15,8 @@ namespace mms::cli {
 // below the workspace's Temp folder, which is removed with this object.
 class AttachRules {
 public:
-    explicit AttachRules(QString home) : home_(std::move(home)) {}
+    // fit: a picture still too large as a same-size JPEG is shrunk until it fits instead of refused.
+    explicit AttachRules(QString home, bool fit = false) : home_(std::move(home)), fit_(fit) {}
     ~AttachRules();
     AttachRules(const AttachRules&) = delete;
     AttachRules& operator=(const AttachRules&) = delete;
@@ -29,6 +30,7 @@ private:
     QString scratchFolder(QString& problem);
 
     QString home_;
+    bool fit_ = false;
     SystemClock clock_;
     SystemRandom random_;
     std::unique_ptr<QTemporaryDir> scratch_;

@@ -15,7 +15,7 @@ namespace mms::cli {
 namespace {
 
 const char kUsage[] =
-    "  build [--subject TEXT] [--raw] [--slide [--dur N] [--pic FILE] [--text TEXT] [--sound FILE]]...\n"
+    "  build [--subject TEXT] [--raw | --fit] [--slide [--dur N] [--pic FILE] [--text TEXT] [--sound FILE]]...\n"
     "        [--info] [--save NAME | --export FILE]\n"
     "               builds a message slide by slide: --slide adds a slide of 3 seconds, the options\n"
     "               after it set that slide's duration (0 to 32767 seconds), picture, text and sound.\n"
@@ -23,7 +23,9 @@ const char kUsage[] =
     "               PNG picture and a sound an .amr or .mid file, each under 102400 bytes; a larger\n"
     "               picture other than a GIF is re-encoded as a JPEG of the same size at quality 35\n"
     "               and taken when that is small enough. Nothing is stored when a file is refused.\n"
-    "               --raw takes any readable file as it is. The subject cannot hold a comma.\n"
+    "               --fit shrinks a picture whose JPEG is still too large until it fits, as the\n"
+    "               composer does when asked; --raw takes any readable file as it is. The subject\n"
+    "               cannot hold a comma.\n"
     "               --info prints the number of slides and the estimated MMS size in bytes;\n"
     "               --save stores the message under NAME in UserData/MMS, replacing a stored message\n"
     "               of that name; --export writes the .tpl package archive to FILE, replacing it.";
@@ -32,6 +34,7 @@ struct BuildRequest {
     QString subject;
     bool info = false;
     bool raw = false;
+    bool fit = false;
     std::optional<QString> saveName;
     std::optional<QString> exportFile;
 };
@@ -106,8 +109,8 @@ QString parseBuild(const QStringList& args, CSlide& slides, BuildRequest& reques
             if (++slideCount > CSlide::kMaxSlides)
                 return QStringLiteral("a message holds at most %1 slides").arg(CSlide::kMaxSlides);
             slides.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
-        } else if (is(option, "--info") || is(option, "--raw")) {
-            (is(option, "--info") ? request.info : request.raw) = true;
+        } else if (is(option, "--info") || is(option, "--raw") || is(option, "--fit")) {
+            (is(option, "--info") ? request.info : is(option, "--raw") ? request.raw : request.fit) = true;
         } else if (!is(option, "--subject") && !is(option, "--save") && !is(option, "--export") &&
                    !is(option, "--dur") && !is(option, "--pic") && !is(option, "--text") &&
                    !is(option, "--sound")) {
@@ -132,7 +135,7 @@ int build(Context& context, const QStringList& args) {
     if (const QString problem = parseBuild(args, slides, request); !problem.isEmpty())
         return fail(context, problem);
     // Converted pictures live in a scratch folder until the message is stored or exported.
-    AttachRules rules(context.home);
+    AttachRules rules(context.home, request.fit);
     if (!request.raw) {
         for (NodePtr slide = slides.firstItem(); slide; slide = slide->NextNode)
             if (const QString problem = rules.apply(*slide); !problem.isEmpty())

@@ -123,6 +123,11 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoWritingNothing) {
     }
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));
+    // --fit shrinks the picture its JPEG could not fit, keeping its shape.
+    ASSERT_EQ(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s).exitCode, 0);
+    const QImage fitted = QImage::fromData(stored(u"f/pic1.jpg"_s), "JPEG");
+    EXPECT_TRUE(stored(u"f/pic1.jpg"_s).size() < 102400 && fitted.width() == fitted.height());
+    EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
 }
 
 // Writes stop at 20000 bytes, as on a full disk, and mmsc says so in the system's words.
