@@ -85,7 +85,8 @@ QString AttachRules::applyPicture(QString& path) {
     if (fit_) {
         const QString fitted = import.convertedPath + QStringLiteral(".fit.jpg");
         const FitResult result = fitPictureToFile(path, fitted);
-        if (!result.fitted()) return QStringLiteral("'%1' cannot be shrunk to fit: %2").arg(shown(path), result.message);
+        if (!result.fitted())
+            return QStringLiteral("'%1' cannot be shrunk to fit: %2").arg(shown(path), result.message);
         path = fitted;
         return {};
     }

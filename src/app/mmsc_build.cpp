@@ -15,7 +15,8 @@ namespace mms::cli {
 namespace {
 
 const char kUsage[] =
-    "  build [--subject TEXT] [--raw | --fit] [--slide [--dur N] [--pic FILE] [--text TEXT] [--sound FILE]]...\n"
+    "  build [--subject TEXT] [--raw | --fit] [--slide [--dur N] [--pic FILE] [--text TEXT] [--sound "
+    "FILE]]...\n"
     "        [--info] [--save NAME | --export FILE]\n"
     "               builds a message slide by slide: --slide adds a slide of 3 seconds, the options\n"
     "               after it set that slide's duration (0 to 32767 seconds), picture, text and sound.\n"

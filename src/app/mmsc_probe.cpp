@@ -20,13 +20,13 @@ int probe(Context& context, const QStringList& args) {
     return status;
 }
 
-const Registrar
-    registrar("probe",
-              "  probe FILE...\n"
-              "               one line per file: answer (1/0), type (0 unknown, 1 GIF, 2 JPEG, 3 PNG, 4 BMP),\n"
-              "               width, height, depth and file, tab-separated; exit status 1 when a file\n"
-              "               could not be read",
-              probe);
+const Registrar registrar(
+    "probe",
+    "  probe FILE...\n"
+    "               one line per file: answer (1/0), type (0 unknown, 1 GIF, 2 JPEG, 3 PNG, 4 BMP),\n"
+    "               width, height, depth and file, tab-separated; exit status 1 when a file\n"
+    "               could not be read",
+    probe);
 
 } // namespace
 } // namespace mms::cli

@@ -16,10 +16,10 @@ inline bool isTooLarge(qint64 bytes) {
 // Language entries of the size limit features: the fit question and its refusal, the export
 // question, the busy indicator, the gauge and its limit setting, and the file sizes in the lists.
 namespace sizetext {
-constexpr int kPromptShrinkToFit = 13;      // %1 converted size, %2 limit (Yes/No)
-constexpr int kPromptExportOverLimit = 14;  // %1 message size, %2 limit (Yes/No)
-constexpr int kErrPictureCannotFit = 40;    // %1 why
-constexpr int kShrinking = 99;              // busy indicator of the fit
+constexpr int kPromptShrinkToFit = 13;       // %1 converted size, %2 limit (Yes/No)
+constexpr int kPromptExportOverLimit = 14;   // %1 message size, %2 limit (Yes/No)
+constexpr int kErrPictureCannotFit = 40;     // %1 why
+constexpr int kShrinking = 99;               // busy indicator of the fit
 constexpr int kKilobytes = 100;              // "%1 KB"
 constexpr int kGaugeTip = 101;               // %1 size, %2 limit
 constexpr int kSizeLimit = 102;              // limit button tooltip, custom limit window title

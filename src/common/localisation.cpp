@@ -147,7 +147,17 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1, 2, 3, 4, 7, 8, 9, 10, 11, desktoptext::kPromptRestoreDraft, sizetext::kPromptShrinkToFit,
+    return {1,
+            2,
+            3,
+            4,
+            7,
+            8,
+            9,
+            10,
+            11,
+            desktoptext::kPromptRestoreDraft,
+            sizetext::kPromptShrinkToFit,
             sizetext::kPromptExportOverLimit};
 }
 

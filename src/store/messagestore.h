@@ -12,7 +12,6 @@
 
 namespace mms {
 
-
 // One row of a name dialog's list, and one line of `mmsc list`.
 struct StoredMessageInfo {
     QString name;

@@ -1,6 +1,6 @@
 #include "composerfixture.h"
-#include "support/controls.h"
 #include "sound/amr_testfile.h"
+#include "support/controls.h"
 
 #include <QThread>
 

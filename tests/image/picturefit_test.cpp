@@ -1,6 +1,6 @@
+#include "app/mmscrun.h"
 #include "image/jpegwriter.h"
 #include "image/picturefit.h"
-#include "app/mmscrun.h"
 #include "picturefiles.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"

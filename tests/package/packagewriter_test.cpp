@@ -104,9 +104,9 @@ TEST_F(PackageWriterTest, ExportModeArchivesTheMembersInOrderAndLeavesOnlyTheArc
     QString format;
     const auto members = test::readTar(home.file(u"upload.tpl"_s), &format);
     EXPECT_EQ(members, (std::vector<ArchivedMember>{{u"main.smil"_s, smil},
-                                               {u"texts.xml"_s, texts},
-                                               {u"pic1.gif"_s, kGif},
-                                               {u"sound2.amr"_s, kAmr}}));
+                                                    {u"texts.xml"_s, texts},
+                                                    {u"pic1.gif"_s, kGif},
+                                                    {u"sound2.amr"_s, kAmr}}));
     EXPECT_TRUE(format.contains(u"ustar"_s)) << format.toStdString();
     EXPECT_EQ(entries(home.path()), QStringList{u"upload.tpl"_s});
 
@@ -114,9 +114,10 @@ TEST_F(PackageWriterTest, ExportModeArchivesTheMembersInOrderAndLeavesOnlyTheArc
     slides.Destory();
     exportMode();
     ASSERT_TRUE(generateSMIL(slides, home.path(), QString()));
-    EXPECT_EQ(test::readTar(home.file(u"upload.tpl"_s)),
-              (std::vector<ArchivedMember>{{u"main.smil"_s, kSmilHead + kSmilEnd},
-                                      {u"texts.xml"_s, kTextsHead + "</title></message></mms-text-files>"}}));
+    EXPECT_EQ(
+        test::readTar(home.file(u"upload.tpl"_s)),
+        (std::vector<ArchivedMember>{{u"main.smil"_s, kSmilHead + kSmilEnd},
+                                     {u"texts.xml"_s, kTextsHead + "</title></message></mms-text-files>"}}));
 }
 
 TEST_F(PackageWriterTest, NamesEveryKindOfMediaAndCopiesEmptyFiles) {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/workspace.h"
 #include "model/cslide.h"
 #include "store/messagestore.h"
-#include "common/workspace.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 

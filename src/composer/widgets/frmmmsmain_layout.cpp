@@ -5,8 +5,8 @@
 #include "composer/sizelimit.h"
 #include "composer/slidepicture.h"
 #include "composer/slidestripmodel.h"
-#include "composer/widgets/slidestripview.h"
 #include "composer/widgets/sizegauge.h"
+#include "composer/widgets/slidestripview.h"
 #include "image/widgets/picturepanel.h"
 #include "sound/widgets/soundpanel.h"
 
