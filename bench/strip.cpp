@@ -18,6 +18,7 @@
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <ctime>
@@ -49,13 +50,16 @@ struct Composer {
     std::unique_ptr<mms::frmMMSMain> window;
 
     Composer(int slides, bool media) {
+        // A text for every entry the program uses.
         mms::LanguageTexts texts;
-        for (int i = 0; i < 14; ++i)
-            texts.prompts << QStringLiteral("prompt");
-        for (int i = 0; i < 33; ++i)
-            texts.errors << QStringLiteral("error");
-        for (int i = 0; i < 79; ++i)
-            texts.interface << QStringLiteral("text %1").arg(i);
+        const auto fill = [](QStringList& list, const QList<int>& used, const char* text) {
+            const int count = *std::max_element(used.begin(), used.end()) + 1;
+            for (int i = 0; i < count; ++i)
+                list << QStringLiteral("%1 %2").arg(QLatin1String(text)).arg(i);
+        };
+        fill(texts.prompts, mms::usedPromptNumbers(), "prompt");
+        fill(texts.errors, mms::usedErrorNumbers(), "error");
+        fill(texts.interface, mms::usedInterfaceNumbers(), "text");
         loc.setTexts(texts);
         mms::frmMMSMain::Options options;
         options.appFolder = home.path();
