@@ -66,6 +66,8 @@ TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionTheTypeAndTheFolder) {
     EXPECT_EQ(files->item(1)->toolTip(), u"tune.amr\n"_s + size);
     EXPECT_EQ(choose(u"TUNE.MID"_s), u"11"_s);
     EXPECT_EQ(choose(u"tune.amr"_s), u"10"_s);
+    files->clearSelection();
+    EXPECT_EQ(commands(), u"00"_s);
     choose(u"TUNE.MID"_s); // a refresh keeps a file that is still there, and the commands
     ctl<QPushButton>(p, "refresh2Cmd")->click();
     EXPECT_EQ(p->selectedFileName() + commands(), u"TUNE.MID11"_s);
@@ -76,21 +78,23 @@ TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionTheTypeAndTheFolder) {
     EXPECT_EQ(commands(), u"11"_s);
     ctl<QComboBox>(p, "soundTypeCombo")->setCurrentIndex(1);
     EXPECT_EQ(listed() + commands(), u"big.amr tune.amr00"_s);
+    ctl<QComboBox>(p, "soundTypeCombo")->setCurrentIndex(2);
+    EXPECT_EQ(listed() + commands(), u"TUNE.MID00"_s);
 
     // Every folder choice reads the folder again, even the same one, and disables the commands.
     ctl<QToolButton>(p, "SoundChgDirBrowse")->click(); // cancelled
     EXPECT_EQ(fake.dialogs.folderRequests, QStringList{u"I62|"_s + library()});
     const QString other = home.file(u"other"_s);
-    home.write(u"other/a.amr"_s, "#!AMR");
+    home.write(u"other/a.mid"_s, "MThd");
     fake.dialogs.folderAnswers = {other, other};
     ctl<QToolButton>(p, "SoundChgDirBrowse")->click();
     EXPECT_EQ(ctl<QLineEdit>(p, "soundDirPath")->text(), QDir::toNativeSeparators(other));
-    choose(u"a.amr"_s);
-    home.write(u"other/b.amr"_s, "#!AMR");
+    choose(u"a.mid"_s);
+    home.write(u"other/b.mid"_s, "MThd");
     ctl<QToolButton>(p, "SoundChgDirBrowse")->click();
-    EXPECT_EQ(listed() + commands(), u"a.amr b.amr00"_s);
+    EXPECT_EQ(listed() + commands(), u"a.mid b.mid00"_s);
     // A typed text that names no folder empties the list without a word, as do refresh and type.
-    choose(u"a.amr"_s);
+    choose(u"a.mid"_s);
     ctl<QLineEdit>(p, "soundDirPath")->setText(home.file(u"missing"_s));
     EXPECT_EQ(listed() + commands() + p->fileListFolder(), u"00"_s);
     ctl<QPushButton>(p, "refresh2Cmd")->click();
