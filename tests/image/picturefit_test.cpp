@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -79,20 +80,20 @@ TEST(PictureFit, FindsTheLargestUprightSizeUnderTheLimit) {
 
 TEST(PictureFit, SaysWhyWhenNoSizeFitsAndWritesNothing) {
     test::TempDir dir;
-    const QString picture = dir.write(QStringLiteral("p.png"), test::encoded(marked(80, 60), "PNG"));
-    const QString out = dir.file(QStringLiteral("out.jpg"));
+    const QString picture = dir.write(u"p.png"_s, test::encoded(marked(80, 60), "PNG"));
+    const QString out = dir.file(u"out.jpg"_s);
     // Even 1 by 1 pixel takes the JPEG's headers and tables: several hundred bytes.
     FitResult fit = fitPictureToFile(picture, out, 300);
     EXPECT_EQ(fit.outcome, FitResult::Outcome::NoFit);
-    EXPECT_TRUE(fit.message.contains(QStringLiteral("p.png")) && fit.message.contains(QStringLiteral("300")));
+    EXPECT_TRUE(fit.message.contains(u"p.png"_s) && fit.message.contains(u"300"_s));
     // A strip 1 pixel high keeps its shape down to a long side of 32768 at the smallest.
-    fit = fitPicture(test::encoded(test::noise(65535, 1), "PNG"), QStringLiteral("strip"), 2000);
+    fit = fitPicture(test::encoded(test::noise(65535, 1), "PNG"), u"strip"_s, 2000);
     EXPECT_EQ(fit.outcome, FitResult::Outcome::NoFit);
-    EXPECT_TRUE(fit.message.contains(QStringLiteral("32768 by 1"))) << fit.message.toStdString();
+    EXPECT_TRUE(fit.message.contains(u"32768 by 1"_s)) << fit.message.toStdString();
 
-    fit = fitPictureToFile(dir.write(QStringLiteral("t.jpg"), "not a picture"), out);
+    fit = fitPictureToFile(dir.write(u"t.jpg"_s, "not a picture"), out);
     EXPECT_EQ(fit.outcome, FitResult::Outcome::Failed);
-    EXPECT_TRUE(fit.message.contains(QStringLiteral("t.jpg")));
+    EXPECT_TRUE(fit.message.contains(u"t.jpg"_s));
     const std::atomic<bool> cancelled{true};
     EXPECT_EQ(fitPictureToFile(picture, out, 2000, &cancelled).outcome, FitResult::Outcome::Cancelled);
     EXPECT_FALSE(QFile::exists(out));
@@ -100,26 +101,22 @@ TEST(PictureFit, SaysWhyWhenNoSizeFitsAndWritesNothing) {
 
 TEST(PictureFit, MmscFitPrintsTheResultOrSaysWhyInOneLine) {
     test::TempDir dir;
-    const QString in = dir.write(QStringLiteral("in.bmp"), test::encoded(marked(700, 300), "BMP"));
-    const QString out = dir.file(QStringLiteral("out.jpg"));
-    test::MmscRun run = test::runMmsc({}, QStringLiteral("fit %1 %2").arg(in, out));
+    const QString in = dir.write(u"in.bmp"_s, test::encoded(marked(700, 300), "BMP"));
+    const QString out = dir.file(u"out.jpg"_s);
+    test::MmscRun run = test::runMmsc({}, u"fit %1 %2"_s.arg(in, out));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QSize size = QImage::fromData(test::TempDir::read(out), "JPEG").size();
-    EXPECT_EQ(run.out, QStringLiteral("%1\t%2x%3\t%4\n")
-                           .arg(out)
-                           .arg(size.width())
-                           .arg(size.height())
-                           .arg(QFileInfo(out).size()));
+    EXPECT_EQ(run.out,
+              u"%1\t%2x%3\t%4\n"_s.arg(out).arg(size.width()).arg(size.height()).arg(QFileInfo(out).size()));
     EXPECT_LT(QFileInfo(out).size(), kAttachmentLimit);
 
-    const QString none = dir.file(QStringLiteral("none.jpg"));
-    run = test::runMmsc({}, QStringLiteral("fit %1 %2 --max-bytes 200").arg(in, none));
+    const QString none = dir.file(u"none.jpg"_s);
+    run = test::runMmsc({}, u"fit %1 %2 --max-bytes 200"_s.arg(in, none));
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err.count(u'\n'), 1);
     EXPECT_FALSE(QFile::exists(none));
-    for (const QString& bad :
-         {QStringLiteral("fit %1").arg(in), QStringLiteral("fit %1 %2 --max-bytes x").arg(in, none),
-          QStringLiteral("fit %1/missing.png %2").arg(dir.path(), none)})
+    for (const QString& bad : {u"fit %1"_s.arg(in), u"fit %1 %2 --max-bytes x"_s.arg(in, none),
+                               u"fit %1/missing.png %2"_s.arg(dir.path(), none)})
         EXPECT_EQ(test::runMmsc({}, bad).exitCode, 2) << bad.toStdString();
     EXPECT_FALSE(QFile::exists(none));
 }

@@ -1,31 +1,27 @@
 #include "common/filesize.h"
 #include "composer/composerfixture.h"
-#include "image/thumbnailloader.h"
 #include "image/widgets/picturepanel.h"
 #include "picturefiles.h"
 #include "support/controls.h"
 
 #include <QComboBox>
-#include <QDeadlineTimer>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
-#include <QThread>
+#include <QTest>
 
 using namespace mms;
 using mms::test::ctl;
+using mms::test::near;
+using namespace Qt::StringLiterals;
 
 namespace {
-
-bool near(QColor a, QColor b) {
-    return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
-}
 
 QColor centre(const QImage& image) {
     return image.pixelColor(image.width() / 2, image.height() / 2);
 }
 
-const QString shrinkQuestion = QStringLiteral("P%1").arg(sizetext::kPromptShrinkToFit);
+const QString shrinkQuestion = u"P%1"_s.arg(sizetext::kPromptShrinkToFit);
 
 QByteArray bmp(QColor colour, int width = 10, int height = 10) {
     return test::encoded(test::filled(width, height, colour), "BMP");
@@ -33,116 +29,86 @@ QByteArray bmp(QColor colour, int width = 10, int height = 10) {
 
 class PicturePanelTest : public test::ComposerTest {
 protected:
-    PicturePanel& panel() { return *ctl<PicturePanel>(w, "picturePanel"); }
-    QString library() const { return home.file(QStringLiteral("UserData/Picture")); }
+    QListWidget* list() const { return ctl<QListWidget>(w, "lstPicView"); }
+    PicturePanel* panel() const { return ctl<PicturePanel>(w, "picturePanel"); }
+    QString library() const { return home.file(u"UserData/Picture"_s); }
     QString put(const QString& name, const QByteArray& bytes) {
-        return home.write(QStringLiteral("UserData/Picture/") + name, bytes);
+        return home.write(u"UserData/Picture/"_s + name, bytes);
     }
-    void waitForListing() {
-        const QDeadlineTimer deadline(20000);
-        while (panel().isListing() && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-            QThread::msleep(1);
-        }
-        EXPECT_FALSE(panel().isListing());
-    }
-    void refresh() {
-        ctl<QPushButton>(panel(), "refreshcmd")->click();
-        waitForListing();
-    }
-    QString names() {
+    // The names listed once the listing that `command` starts has finished.
+    QString listed(const char* command = "refreshcmd") {
+        if (command) ctl<QAbstractButton>(w, command)->click();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !panel()->isListing(); }, 20000));
         QStringList out;
-        for (int i = 0; i < ctl<QListWidget>(panel(), "lstPicView")->count(); ++i)
-            out << ctl<QListWidget>(panel(), "lstPicView")->item(i)->text();
+        for (int i = 0; i < list()->count(); ++i)
+            out << list()->item(i)->text();
         return out.join(u' ');
     }
     QColor iconColour(int row) {
-        return centre(ctl<QListWidget>(panel(), "lstPicView")
-                          ->item(row)
-                          ->icon()
-                          .pixmap(PicturePanel::kThumbnailSize)
-                          .toImage());
+        return centre(list()->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
     }
     void attach(const QString& name) {
-        const QList<QListWidgetItem*> found =
-            ctl<QListWidget>(panel(), "lstPicView")->findItems(name, Qt::MatchExactly);
+        const QList<QListWidgetItem*> found = list()->findItems(name, Qt::MatchExactly);
         ASSERT_EQ(found.size(), 1) << name.toStdString();
-        ctl<QListWidget>(panel(), "lstPicView")->setCurrentItem(found.first());
-        ASSERT_TRUE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
-        ctl<QPushButton>(panel(), "chgImgCmd")->click();
+        list()->setCurrentItem(found.first());
+        ASSERT_TRUE(ctl<QPushButton>(w, "chgImgCmd")->isEnabled());
+        ctl<QPushButton>(w, "chgImgCmd")->click();
     }
-    QStringList converted() const {
-        return QDir(home.file(QStringLiteral("Temp/tmpJPG"))).entryList(QDir::Files);
-    }
+    QStringList converted() const { return QDir(home.file(u"Temp/tmpJPG"_s)).entryList(QDir::Files); }
     QString slidePicture(int position) const {
         const NodePtr node = w->message().nodeAt(qint16(position));
-        return node ? node->DataImgPath : QStringLiteral("(no slide)");
+        return node ? node->DataImgPath : u"(no slide)"_s;
     }
 };
 
 TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
-    put(QStringLiteral("A.GIF"), test::tinyGif()); // red
+    put(u"A.GIF"_s, test::tinyGif()); // red
     // A header the probe accepts with nothing behind it: listed, then dropped without a gap.
-    put(QStringLiteral("d.jpg"), QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
-    put(QStringLiteral("e.jpg"), test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
-    put(QStringLiteral("f.bmp"), bmp(Qt::yellow, 80, 20));
-    refresh();
-    EXPECT_EQ(names(), QStringLiteral("A.GIF e.jpg f.bmp"));
+    put(u"d.jpg"_s, QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
+    put(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
+    put(u"f.bmp"_s, bmp(Qt::yellow, 80, 20));
+    EXPECT_EQ(listed(), u"A.GIF e.jpg f.bmp"_s);
     const QColor colours[] = {Qt::red, Qt::blue, Qt::yellow};
     const char* byType[] = {"A.GIF", "e.jpg", "f.bmp"};
-    for (int row = 0; row < 3; ++row) {
+    for (int row = 0; row < 3; ++row)
         EXPECT_TRUE(near(iconColour(row), colours[row])) << row;
-        ctl<QListWidget>(panel(), "lstPicView")->setCurrentRow(0);
-        ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(row + 1);
-        EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled())
-            << "nothing is selected after a refill";
-        waitForListing();
-        EXPECT_EQ(names(), QLatin1String(byType[row])) << row;
-        ctl<QComboBox>(panel(), "imgTypeCombo")->setCurrentIndex(0);
-        waitForListing();
+    for (int type = 1; type <= 3; ++type) {
+        list()->setCurrentRow(0);
+        ctl<QComboBox>(w, "imgTypeCombo")->setCurrentIndex(type);
+        EXPECT_FALSE(ctl<QPushButton>(w, "chgImgCmd")->isEnabled()) << "nothing is selected after a refill";
+        EXPECT_EQ(listed(nullptr), QLatin1String(byType[type - 1]));
     }
 }
 
 TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     test::TempDir other;
-    other.write(QStringLiteral("sea.bmp"), bmp(Qt::blue));
-    put(QStringLiteral("own.bmp"), bmp(Qt::red));
-    refresh();
-
-    // Cancelled: nothing changes. The start folder loses its trailing separator.
-    ctl<QLineEdit>(panel(), "imgDirPath")->setText(library() + QLatin1Char('/'));
-    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
-    EXPECT_EQ(fake.dialogs.folderRequests, QStringList{QStringLiteral("I62|") + library()});
-    EXPECT_EQ(ctl<QLineEdit>(panel(), "imgDirPath")->text(), library() + QLatin1Char('/'));
-    EXPECT_EQ(names(), QStringLiteral("own.bmp"));
-
-    // Chosen: shown and listed at once; a root keeps its separator as the start folder.
-    ctl<QLineEdit>(panel(), "imgDirPath")->setText(QStringLiteral("/"));
-    fake.dialogs.folderAnswers.push_back(other.path());
-    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
-    EXPECT_EQ(fake.dialogs.folderRequests.last(), QStringLiteral("I62|/"));
-    EXPECT_EQ(ctl<QLineEdit>(panel(), "imgDirPath")->text(), QDir::toNativeSeparators(other.path()));
-    waitForListing();
-    EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
-
+    other.write(u"sea.bmp"_s, bmp(Qt::blue));
+    put(u"own.bmp"_s, bmp(Qt::red));
+    EXPECT_EQ(listed(), u"own.bmp"_s);
+    // Cancelled: nothing changes. The start folder loses a trailing separator; a root keeps it.
+    ctl<QLineEdit>(w, "imgDirPath")->setText(library() + u'/');
+    EXPECT_EQ(listed("imgChgDirBrowse"), u"own.bmp"_s);
+    EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(), library() + u'/');
+    ctl<QLineEdit>(w, "imgDirPath")->setText(u"/"_s);
+    fake.dialogs.folderAnswers.push_back(other.path()); // chosen: shown and listed at once
+    EXPECT_EQ(listed("imgChgDirBrowse"), u"sea.bmp"_s);
+    EXPECT_EQ(fake.dialogs.folderRequests, (QStringList{u"I62|"_s + library(), u"I62|/"_s}));
+    EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(), QDir::toNativeSeparators(other.path()));
     // A typed folder is listed only on refresh; until then pictures come from the listed one.
-    ctl<QLineEdit>(panel(), "imgDirPath")->setText(library());
-    EXPECT_EQ(names(), QStringLiteral("sea.bmp"));
-    attach(QStringLiteral("sea.bmp"));
-    EXPECT_EQ(slidePicture(1), other.file(QStringLiteral("sea.bmp")));
-    refresh();
-    EXPECT_EQ(names(), QStringLiteral("own.bmp"));
+    ctl<QLineEdit>(w, "imgDirPath")->setText(library());
+    attach(u"sea.bmp"_s);
+    EXPECT_EQ(slidePicture(1), other.file(u"sea.bmp"_s));
+    EXPECT_EQ(listed(), u"own.bmp"_s);
 }
 
 TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOne) {
-    const QString small = put(QStringLiteral("small.bmp"), bmp(Qt::blue, 240, 60));
-    refresh();
-    ASSERT_TRUE(w->IsEmpty());
-    attach(QStringLiteral("small.bmp"));
+    const QString small = put(u"small.bmp"_s, bmp(Qt::blue, 240, 60));
+    listed();
+    attach(u"small.bmp"_s);
     ASSERT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), small);
     EXPECT_TRUE(converted().isEmpty());
-    EXPECT_EQ(strip(), QStringLiteral("_3s"));
+    EXPECT_EQ(strip(), u"_3s"_s);
     EXPECT_TRUE(w->isModified());
     // The strip thumbnail and the phone screen keep the picture's 4:1 shape.
     const QImage thumbnail = w->stripModel().thumbnail(1);
@@ -152,34 +118,31 @@ TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOne) {
 }
 
 TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
-    const QString first = put(QStringLiteral("first.bmp"), bmp(Qt::red));
-    put(QStringLiteral("a.gif"), test::padded(test::tinyGif(), 150 * 1024));
-    put(QStringLiteral("noise.bmp"), test::encoded(test::noise(800, 600), "BMP"));
-    put(QStringLiteral("gone.bmp"), bmp(Qt::blue));
-    refresh();
-    attach(QStringLiteral("first.bmp"));
+    const QString first = put(u"first.bmp"_s, bmp(Qt::red));
+    put(u"a.gif"_s, test::padded(test::tinyGif(), 150 * 1024));
+    put(u"noise.bmp"_s, test::encoded(test::noise(800, 600), "BMP"));
+    put(u"gone.bmp"_s, bmp(Qt::blue));
+    listed();
+    attach(u"first.bmp"_s);
     w->setModified(false);
-
     // A large GIF is refused unconverted; a JPEG still too large, when the user declines to shrink
     // it, stays in the scratch folder.
-    attach(QStringLiteral("a.gif"));
+    attach(u"a.gif"_s);
     EXPECT_TRUE(converted().isEmpty());
     fake.dialogs.answers.push_back(Answer::No);
-    attach(QStringLiteral("noise.bmp"));
-    EXPECT_EQ(fake.dialogs.texts(),
-              (QStringList{QStringLiteral("E0"), shrinkQuestion, QStringLiteral("E0")}));
+    attach(u"noise.bmp"_s);
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"E0"_s, shrinkQuestion, u"E0"_s}));
     ASSERT_EQ(converted().size(), 1);
-    EXPECT_GE(QFileInfo(home.file(QStringLiteral("Temp/tmpJPG/") + converted().first())).size(), 102400);
-
+    EXPECT_GE(QFileInfo(home.file(u"Temp/tmpJPG/"_s + converted().first())).size(), 102400);
     // A listed file removed since: the message names it.
     LanguageTexts texts = loc.texts();
-    texts.errors[31] = QStringLiteral("E31 %1");
+    texts.errors[31] = u"E31 %1"_s;
     loc.setTexts(texts);
-    QFile::remove(library() + QStringLiteral("/gone.bmp"));
-    attach(QStringLiteral("gone.bmp"));
+    QFile::remove(library() + u"/gone.bmp"_s);
+    attach(u"gone.bmp"_s);
     ASSERT_EQ(fake.dialogs.shown.size(), 4u);
-    EXPECT_TRUE(fake.dialogs.shown[3].text.startsWith(QStringLiteral("E31")));
-    EXPECT_TRUE(fake.dialogs.shown[3].text.contains(QStringLiteral("gone.bmp")));
+    EXPECT_TRUE(fake.dialogs.shown[3].text.startsWith(u"E31 "_s) &&
+                fake.dialogs.shown[3].text.contains(u"gone.bmp"_s));
 
     EXPECT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), first);
@@ -191,45 +154,34 @@ TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
 // put on the slide upright; a cancelled shrink attaches nothing.
 TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     LanguageTexts texts = loc.texts();
-    texts.interface[sizetext::kKilobytes] = QStringLiteral("%1 KB");
+    texts.interface[sizetext::kKilobytes] = u"%1 KB"_s;
     loc.setTexts(texts);
-    put(QStringLiteral("photo.jpg"),
-        test::withOrientation(test::encoded(test::noise(900, 600), "JPG", 90), 6));
-    put(QStringLiteral("small.bmp"), bmp(Qt::red));
-    refresh();
-    const auto tip = [this](int row) {
-        return ctl<QListWidget>(panel(), "lstPicView")->item(row)->toolTip();
-    };
-    EXPECT_TRUE(tip(0).startsWith(QStringLiteral("photo.jpg\n")) &&
-                tip(0).endsWith(QStringLiteral(" KB\nI%1").arg(sizetext::kPictureWillBeConverted)));
-    EXPECT_EQ(tip(1), QStringLiteral("small.bmp\n1 KB"));
+    put(u"photo.jpg"_s, test::withOrientation(test::encoded(test::noise(900, 600), "JPG", 90), 6));
+    put(u"small.bmp"_s, bmp(Qt::red));
+    listed();
+    const QString tip = list()->item(0)->toolTip();
+    EXPECT_TRUE(tip.startsWith(u"photo.jpg\n"_s) &&
+                tip.endsWith(u" KB\nI%1"_s.arg(sizetext::kPictureWillBeConverted)));
+    EXPECT_EQ(list()->item(1)->toolTip(), u"small.bmp\n1 KB"_s);
 
-    const auto waitForFit = [this] {
-        for (const QDeadlineTimer d(20000); panel().isFitting() && !d.hasExpired();)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    };
     fake.random.draws = {0.1, 0.2, 0.3, 0.4}; // scratch names for the conversions
-    attach(QStringLiteral("photo.jpg"));      // the question's default answer: Yes
+    attach(u"photo.jpg"_s);                   // the question's default answer: Yes
     EXPECT_EQ(fake.dialogs.texts(), QStringList{shrinkQuestion});
-    EXPECT_TRUE(panel().isFitting());
-    EXPECT_TRUE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));
-    EXPECT_FALSE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
-    waitForFit();
+    EXPECT_TRUE(panel()->isFitting() && ctl<QProgressBar>(w, "fitProgress")->isVisibleTo(panel()));
+    EXPECT_FALSE(ctl<QPushButton>(w, "chgImgCmd")->isEnabled());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !panel()->isFitting(); }, 20000));
     const QString fitted = slidePicture(1);
-    EXPECT_TRUE(fitted.startsWith(home.file(QStringLiteral("Temp/tmpJPG/"))));
+    EXPECT_TRUE(fitted.startsWith(home.file(u"Temp/tmpJPG/"_s)));
     EXPECT_LT(QFileInfo(fitted).size(), 102400);
     EXPECT_EQ(converted().size(), 2); // the same-size conversion stays beside the fitted one
     const QSize shown = ctl<QLabel>(w, "picPanel")->pixmap().size();
     EXPECT_TRUE(QImage(fitted).height() > QImage(fitted).width() && shown.height() > shown.width());
-    EXPECT_TRUE(w->isModified());
-    EXPECT_TRUE(ctl<QPushButton>(panel(), "chgImgCmd")->isEnabled());
+    EXPECT_TRUE(w->isModified() && ctl<QPushButton>(w, "chgImgCmd")->isEnabled());
 
-    attach(QStringLiteral("photo.jpg"));
-    ctl<QPushButton>(panel(), "fitCancelCmd")->click();
-    EXPECT_FALSE(panel().isFitting());
-    EXPECT_FALSE(ctl<QProgressBar>(panel(), "fitProgress")->isVisibleTo(&panel()));
-    for (const QDeadlineTimer d(500); !d.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    attach(u"photo.jpg"_s);
+    ctl<QPushButton>(w, "fitCancelCmd")->click();
+    EXPECT_FALSE(panel()->isFitting() || ctl<QProgressBar>(w, "fitProgress")->isVisibleTo(panel()));
+    QTest::qWait(500); // a result of the cancelled shrink must not turn up late
     EXPECT_EQ(slidePicture(1), fitted);
     EXPECT_EQ(fake.dialogs.shown.size(), 2u);
 }
@@ -238,23 +190,17 @@ TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {
     // Enough camera-sized pictures that the first listing is still running when the folder changes.
     const QByteArray photo = test::encoded(test::noise(1200, 900), "JPG", 90);
     for (int i = 0; i < 40; ++i)
-        put(QStringLiteral("old%1.jpg").arg(i, 2, 10, QLatin1Char('0')), photo);
+        put(u"old%1.jpg"_s.arg(i, 2, 10, QChar(u'0')), photo);
     test::TempDir other;
     for (const char* name : {"new1.bmp", "new2.bmp"})
-        other.write(QString::fromLatin1(name), bmp(Qt::green));
+        other.write(QLatin1String(name), bmp(Qt::green));
 
-    ctl<QPushButton>(panel(), "refreshcmd")->click();
-    for (const QDeadlineTimer d(20000);
-         ctl<QListWidget>(panel(), "lstPicView")->count() == 0 && !d.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    ASSERT_GT(ctl<QListWidget>(panel(), "lstPicView")->count(), 0);
+    ctl<QPushButton>(w, "refreshcmd")->click();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return list()->count() > 0; }, 20000));
     fake.dialogs.folderAnswers.push_back(other.path());
-    ctl<QToolButton>(panel(), "imgChgDirBrowse")->click();
-    waitForListing();
-    // Results of the dropped listing still on their way must not turn up late either.
-    for (const QDeadlineTimer d(300); !d.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    EXPECT_EQ(names(), QStringLiteral("new1.bmp new2.bmp"));
+    listed("imgChgDirBrowse");
+    QTest::qWait(300); // results of the dropped listing still on their way must not turn up late
+    EXPECT_EQ(listed(nullptr), u"new1.bmp new2.bmp"_s);
     EXPECT_TRUE(near(iconColour(0), Qt::green) && near(iconColour(1), Qt::green));
 }
 

@@ -9,6 +9,7 @@
 
 using namespace mms;
 using mms::test::near;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -31,12 +32,12 @@ struct Listing {
 class ThumbnailTest : public ::testing::Test {
 protected:
     ThumbnailTest() {
-        dir.write(QStringLiteral("a.gif"), test::encoded(test::filled(20, 10, Qt::green), "PNG"));
-        dir.write(QStringLiteral("b.GIF"), test::tinyGif());
-        dir.write(QStringLiteral("c.jpg"), "a text file, not a picture");
-        dir.write(QStringLiteral("e.jpg"), test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
-        dir.write(QStringLiteral("f.bmp"), test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
-        dir.write(QStringLiteral("g.png"), test::encoded(test::filled(8, 8, Qt::red), "PNG"));
+        dir.write(u"a.gif"_s, test::encoded(test::filled(20, 10, Qt::green), "PNG"));
+        dir.write(u"b.GIF"_s, test::tinyGif());
+        dir.write(u"c.jpg"_s, "a text file, not a picture");
+        dir.write(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
+        dir.write(u"f.bmp"_s, test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
+        dir.write(u"g.png"_s, test::encoded(test::filled(8, 8, Qt::red), "PNG"));
     }
     test::TempDir dir;
 };
@@ -44,32 +45,30 @@ protected:
 } // namespace
 
 TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
-    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), QStringLiteral("a.gif b.GIF c.jpg e.jpg f.bmp"));
-    EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), QStringLiteral("f.bmp"));
+    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), u"a.gif b.GIF c.jpg e.jpg f.bmp"_s);
+    EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), u"f.bmp"_s);
     EXPECT_TRUE(pictureCandidates(dir.path(), 4).isEmpty());
     // The text file fails the probe; the PNG named .gif passes it.
-    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), QStringLiteral("a.gif b.GIF e.jpg f.bmp"));
+    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), u"a.gif b.GIF e.jpg f.bmp"_s);
     test::TempDir numbered;
     for (const char* name : {"img10.jpg", "IMG9.jpg", "img1.jpg"})
         numbered.write(QLatin1String(name), "x");
-    EXPECT_EQ(pictureCandidates(numbered.path(), 2).join(u' '),
-              QStringLiteral("img1.jpg IMG9.jpg img10.jpg"));
+    EXPECT_EQ(pictureCandidates(numbered.path(), 2).join(u' '), u"img1.jpg IMG9.jpg img10.jpg"_s);
 
     ThumbnailLoader loader;
     Listing listing(loader);
     loader.start(dir.path(), 0);
     ASSERT_TRUE(listing.done.wait(20000));
-    ASSERT_EQ(listing.names().join(u' '), QStringLiteral("a.gif b.GIF e.jpg f.bmp"));
+    ASSERT_EQ(listing.names().join(u' '), u"a.gif b.GIF e.jpg f.bmp"_s);
     const QColor colours[] = {Qt::green, Qt::red, Qt::blue, Qt::yellow};
     for (int i = 0; i < 4; ++i)
         EXPECT_TRUE(near(listing.colour(i), colours[i])) << i;
     // The shape is kept: background above a wide picture, beside a tall one.
-    const QImage wide = slideThumbnail(dir.file(QStringLiteral("f.bmp")));
+    const QImage wide = slideThumbnail(dir.file(u"f.bmp"_s));
     EXPECT_EQ(wide.pixelColor(35, 10), thumbnailBackground());
     EXPECT_TRUE(near(wide.pixelColor(35, 35), Qt::yellow));
-    EXPECT_EQ(loadFittedPicture(dir.file(QStringLiteral("e.jpg")), {40, 40}).pixelColor(3, 20),
-              thumbnailBackground());
-    EXPECT_EQ(slideThumbnail(dir.file(QStringLiteral("c.jpg"))), blankThumbnail(70));
+    EXPECT_EQ(loadFittedPicture(dir.file(u"e.jpg"_s), {40, 40}).pixelColor(3, 20), thumbnailBackground());
+    EXPECT_EQ(slideThumbnail(dir.file(u"c.jpg"_s)), blankThumbnail(70));
 }
 
 TEST(ThumbnailLoader, KeepsTheOrderWhateverTheWorkersDo) {
@@ -77,7 +76,7 @@ TEST(ThumbnailLoader, KeepsTheOrderWhateverTheWorkersDo) {
     const auto colour = [](int i) { return QColor::fromHsv(i * 9, 255, 255); };
     const auto number = [](const QString& path) { return QFileInfo(path).baseName().mid(1).toInt(); };
     for (int i = 0; i < 40; ++i)
-        dir.write(QStringLiteral("p%1.bmp").arg(i), test::encoded(test::filled(60, 45, colour(i)), "BMP"));
+        dir.write(u"p%1.bmp"_s.arg(i), test::encoded(test::filled(60, 45, colour(i)), "BMP"));
     ThumbnailLoader loader(nullptr, [&](const QString& path) { return number(path) % 3 != 1; });
     loader.setMaxThreads(4);
     Listing listing(loader);
@@ -97,7 +96,7 @@ TEST_F(ThumbnailTest, ARestartOrCancelDropsTheWorkInFlight) {
     loader.start(dir.path(), 0);
     loader.start(dir.path(), 3);
     ASSERT_TRUE(restarted.done.wait(20000));
-    EXPECT_EQ(restarted.names(), QStringList{QStringLiteral("f.bmp")});
+    EXPECT_EQ(restarted.names(), QStringList{u"f.bmp"_s});
     Listing cancelled(loader);
     loader.start(dir.path(), 0);
     loader.cancel();
@@ -122,19 +121,19 @@ TEST(ThumbnailLoader, BombsGetAStandInAndTurnedPicturesStandUpright) {
     for (int x = 40; x < 80; ++x)
         for (int y = 0; y < 20; ++y)
             wide.setPixelColor(x, y, Qt::blue);
-    dir.write(QStringLiteral("a.jpg"), claiming(25200, 33300));
-    dir.write(QStringLiteral("b.jpg"), claiming(64250, 64250));
-    dir.write(QStringLiteral("c.jpg"), test::withOrientation(test::encoded(wide, "JPG", 95), 6));
-    EXPECT_TRUE(declaresImplausibleSize(dir.file(QStringLiteral("a.jpg"))));
-    EXPECT_FALSE(declaresImplausibleSize(dir.file(QStringLiteral("c.jpg"))));
+    dir.write(u"a.jpg"_s, claiming(25200, 33300));
+    dir.write(u"b.jpg"_s, claiming(64250, 64250));
+    dir.write(u"c.jpg"_s, test::withOrientation(test::encoded(wide, "JPG", 95), 6));
+    EXPECT_TRUE(declaresImplausibleSize(dir.file(u"a.jpg"_s)));
+    EXPECT_FALSE(declaresImplausibleSize(dir.file(u"c.jpg"_s)));
 
     ThumbnailLoader loader;
     Listing listing(loader);
     loader.start(dir.path(), 0);
     ASSERT_TRUE(listing.done.wait(10000));
-    ASSERT_EQ(listing.names().join(u' '), QStringLiteral("a.jpg b.jpg c.jpg"));
+    ASSERT_EQ(listing.names().join(u' '), u"a.jpg b.jpg c.jpg"_s);
     EXPECT_EQ(listing.colour(0), oversizedThumbnail(40).pixelColor(20, 20));
-    const QImage upright = loadFittedPicture(dir.file(QStringLiteral("c.jpg")), {40, 40});
+    const QImage upright = loadFittedPicture(dir.file(u"c.jpg"_s), {40, 40});
     EXPECT_TRUE(near(upright.pixelColor(20, 2), Qt::red) && near(upright.pixelColor(20, 37), Qt::blue));
     EXPECT_EQ(upright.pixelColor(2, 20), thumbnailBackground());
 }
