@@ -1,6 +1,7 @@
 // The inputs of a send request: subject, slides, part file names and contents. Whatever is written
 // must parse back as a well-formed multipart message holding exactly the files' bytes.
 #include "package/mmsencoder.h"
+#include "package/packagemembers.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -127,12 +128,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (flags & 1) {
             const QString type = QString::fromLatin1(kPictures[(flags >> 3) % 6]);
             picture = QStringLiteral("/lib/p.") + type;
-            const QString lower = type.toLower();
-            const QString member = lower == QLatin1String("gif") || lower == QLatin1String("bmp")
-                                       ? QStringLiteral("pic") + number + QLatin1Char('.') + lower
-                                   : lower == QLatin1String("3gp")
-                                       ? QStringLiteral("vdo") + number + QStringLiteral(".3gp")
-                                       : QStringLiteral("pic") + number + QStringLiteral(".jpg");
+            // The package writer's name for it, which is where the encoder looks.
+            const QString member = mms::pictureMember(picture, n).name;
             contents << in.take(size_t(in.byte()) * 3);
             writeFile(member, contents.last());
         }
@@ -144,11 +141,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (flags & 4) {
             const QString type = QString::fromLatin1(kSounds[(flags >> 6) % 4]);
             sound = QStringLiteral("/lib/s.") + type;
-            const bool midi = type.toLower() == QLatin1String("mid");
             contents << in.take(size_t(in.byte()) * 2);
-            writeFile(QStringLiteral("sound") + number +
-                          (midi ? QStringLiteral(".mid") : QStringLiteral(".amr")),
-                      contents.last());
+            writeFile(mms::soundMember(sound, n), contents.last());
         }
         slides.InsertAtBack(mms::SlideDur::fromText(QStringLiteral("3")), picture, text, sound);
     }
