@@ -1,4 +1,5 @@
 #include "app/mmsc.h"
+#include "app/mmsc_stored.h"
 
 #include "model/cslide.h"
 #include "package/messageexport.h"
@@ -34,9 +35,7 @@ int exportStored(Context& context, const QStringList& args) {
     PrivateCopy copy;
     LoadedMessage message;
     if (Status s = copy.open(store, name, message); !s) return fail(context, s.message());
-    if (!message.missingFiles.isEmpty())
-        context.err << "mmsc: warning: missing files left out: "
-                    << message.missingFiles.join(QStringLiteral(", ")) << Qt::endl;
+    warnAboutMissingFiles(context, message, "left out");
 
     CSlide slides;
     appendLoadedSlides(message, slides);

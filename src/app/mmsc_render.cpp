@@ -1,4 +1,5 @@
 #include "app/mmsc.h"
+#include "app/mmsc_stored.h"
 
 #include "composer/phonescreen.h"
 #include "composer/slideshow.h"
@@ -71,15 +72,11 @@ int render(Context& context, const QStringList& arguments) {
     if (!isValidMessageName(name))
         return fail(context, QStringLiteral("'%1' is not a valid message name").arg(name));
 
-    const MessageStore store(context.home);
-    if (!store.hasIndex(name))
-        return cannot(context, QStringLiteral("there is no stored message '%1'").arg(name));
     PrivateCopy copy;
     LoadedMessage message;
-    if (Status s = copy.open(store, name, message); !s) return cannot(context, s.message());
-    if (!message.missingFiles.isEmpty())
-        context.err << "mmsc: warning: missing files left empty: "
-                    << message.missingFiles.join(QStringLiteral(", ")) << Qt::endl;
+    if (Status s = openStoredCopy(MessageStore(context.home), name, copy, message); !s)
+        return cannot(context, s.message());
+    warnAboutMissingFiles(context, message, "left empty");
 
     const QDir dir(args.at(1));
     if (!QDir().mkpath(dir.path()))

@@ -1,4 +1,5 @@
 #include "app/mmsc.h"
+#include "app/mmsc_stored.h"
 
 #include "model/cslide.h"
 #include "store/messagestore.h"
@@ -44,16 +45,11 @@ int show(Context& context, const QStringList& args) {
     const QString& name = args.first();
     if (!isValidMessageName(name))
         return fail(context, QStringLiteral("'%1' is not a valid message name").arg(name));
-    const MessageStore store(context.home);
-    if (!store.hasIndex(name))
-        return fail(context, QStringLiteral("there is no stored message '%1'").arg(name));
-
     PrivateCopy copy;
     LoadedMessage message;
-    if (Status s = copy.open(store, name, message); !s) return fail(context, s.message());
-    if (!message.missingFiles.isEmpty())
-        context.err << "mmsc: warning: missing files left empty: "
-                    << message.missingFiles.join(QStringLiteral(", ")) << Qt::endl;
+    if (Status s = openStoredCopy(MessageStore(context.home), name, copy, message); !s)
+        return fail(context, s.message());
+    warnAboutMissingFiles(context, message, "left empty");
 
     context.out << "subject: " << message.subject << '\n';
     int position = 0;
