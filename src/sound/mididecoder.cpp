@@ -236,29 +236,18 @@ void MidiDecoder::metaEvent(Reader& track) {
     case 0x2F:
         require(length == 0, "End of Track : Error");
         break;
-    case 0x51: {
+    case 0x51:
         require(length == 3, "Tempo : Error");
-        const quint32 t = track.bigEndian(3);
-        secPerQuarter_ = t / 1000000.0;
-        if (t == 0) throw Failure();
-        tempoBpm_ = qint32(roundHalfEven(60000000.0 / t));
-        tempoSeen_ = true;
+        tempoEvent(track);
         break;
-    }
     case 0x54:
         require(length == 5, "SMPTE offset : Error");
         track.skip(length);
         break;
-    case 0x58: {
+    case 0x58:
         require(length == 4, "Time Signature: Error");
-        const quint8 numerator = track.byte();
-        const quint8 power = track.byte();
-        track.skip(2);
-        if (power > 14) throw Failure(); // the denominator is a 16-bit number
-        timeSig_ = {qint16(numerator), qint16(1 << power)};
-        barWholeNotes_ = double(timeSig_[0]) / timeSig_[1];
+        timeSignatureEvent(track);
         break;
-    }
     case 0x59:
         require(length == 2, "Key Signature: Error");
         track.skip(length);
@@ -266,6 +255,23 @@ void MidiDecoder::metaEvent(Reader& track) {
     default:
         stop(QStringLiteral("Meta Event Error %1\n").arg(QString::number(type, 16).toUpper()));
     }
+}
+
+void MidiDecoder::tempoEvent(Reader& track) {
+    const quint32 t = track.bigEndian(3);
+    secPerQuarter_ = t / 1000000.0;
+    if (t == 0) throw Failure();
+    tempoBpm_ = qint32(roundHalfEven(60000000.0 / t));
+    tempoSeen_ = true;
+}
+
+void MidiDecoder::timeSignatureEvent(Reader& track) {
+    const quint8 numerator = track.byte();
+    const quint8 power = track.byte();
+    track.skip(2);
+    if (power > 14) throw Failure(); // the denominator is a 16-bit number
+    timeSig_ = {qint16(numerator), qint16(1 << power)};
+    barWholeNotes_ = double(timeSig_[0]) / timeSig_[1];
 }
 
 void MidiDecoder::assumeDefaultTempo() {

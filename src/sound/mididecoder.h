@@ -88,6 +88,8 @@ private:
     void readTrack(Reader& track);
     void channelMessage(Reader& track, quint8 status);
     void metaEvent(Reader& track);
+    void tempoEvent(Reader& track);
+    void timeSignatureEvent(Reader& track);
     void appendNote(int channel, bool on, qint16 note, qint16 velocity);
     void stop(const QString& message); // reports and ends the decode
 
