@@ -18,11 +18,27 @@
 #include <QIcon>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace mms {
+
+namespace {
+// The note icon, drawn in the selected-text colour for a selected row: the dark note would all but
+// vanish on the highlight.
+QIcon listIcon(const QWidget& list) {
+    QIcon icon(QStringLiteral(":/icons/sound.svg"));
+    QPixmap light = icon.pixmap(list.style()->pixelMetric(QStyle::PM_SmallIconSize));
+    QPainter painter(&light);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(light.rect(), list.palette().color(QPalette::HighlightedText));
+    painter.end();
+    icon.addPixmap(light, QIcon::Selected);
+    return icon;
+}
+} // namespace
 
 SoundPanel::SoundPanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
     : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
@@ -151,7 +167,7 @@ bool SoundPanel::refreshFileList(bool keepSelection) {
     // Without QDir::CaseSensitive the patterns match in any case, so "*.mid" lists TUNE.MID.
     const QStringList names =
         QDir(fileFolder_).entryList(patterns, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
-    const QIcon icon(QStringLiteral(":/icons/sound.svg"));
+    const QIcon icon = listIcon(*fileBoxSound);
     const QDir dir(fileFolder_);
     const QString tooLarge = loc_.getMCrInterfaceStr(sizetext::kTooLargeToUse);
     for (const QString& name : names)
