@@ -107,6 +107,13 @@ int fail(Context& context, const QString& message) {
     return kUsageError;
 }
 
+Answer ErrSink::show(const Message& message) {
+    // Message box texts may run over several lines; mmsc reports one line per message.
+    context_.err << "mmsc: " << prefix_ << message.text.simplified() << Qt::endl;
+    ++shown_;
+    return message.defaultAnswer;
+}
+
 } // namespace mms::cli
 
 namespace {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/messagesink.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
@@ -35,5 +37,19 @@ struct Registrar {
 
 // Prints "mmsc: MESSAGE" on stderr and returns kUsageError.
 int fail(Context& context, const QString& message);
+
+// What the core's rules would show in a message box, printed as mmsc's own one-line messages
+// ("mmsc: PREFIX TEXT") and answered with the default button.
+class ErrSink final : public MessageSink {
+public:
+    ErrSink(Context& context, QString prefix) : context_(context), prefix_(std::move(prefix)) {}
+    Answer show(const Message& message) override;
+    int shown() const { return shown_; }
+
+private:
+    Context& context_;
+    QString prefix_;
+    int shown_ = 0;
+};
 
 } // namespace mms::cli

@@ -36,11 +36,10 @@ int crop(Context& context, const QStringList& args) {
     if (QFileInfo(out).absoluteFilePath() == QFileInfo(in).absoluteFilePath())
         return fail(context, QStringLiteral("OUT must not be the tune itself"));
 
-    StderrSink sink;
+    ErrSink sink(context, in + QStringLiteral(": "));
     MidiDecoder decoder(&sink);
     if (!cropMidi(decoder, in, out, start, end, cropTexts(context.languageFolder), sink)) {
-        if (!decoder.midiDecoded())
-            context.err << "mmsc: " << in << " is not a MIDI file that can be decoded" << Qt::endl;
+        if (sink.shown() == 0) sink.inform(QStringLiteral("not a MIDI file that can be decoded"));
         return 1;
     }
     return 0;

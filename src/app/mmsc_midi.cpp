@@ -17,7 +17,7 @@ int midi(Context& context, const QStringList& args) {
     if (!QFileInfo(path).isFile() || !QFileInfo(path).isReadable())
         return fail(context, QStringLiteral("cannot read %1").arg(path));
 
-    StderrSink sink;
+    ErrSink sink(context, path + QStringLiteral(": "));
     MidiDecoder decoder(&sink);
     decoder.resetMidiTables();
     decoder.decodeMidiFile(path);

@@ -1,7 +1,5 @@
 #include "model/messagesink.h"
 
-#include <cstdio>
-
 namespace mms {
 
 void MessageSink::inform(const QString& text) {
@@ -10,11 +8,6 @@ void MessageSink::inform(const QString& text) {
 
 QString applicationTitle() {
     return QStringLiteral("MMS Composer");
-}
-
-Answer StderrSink::show(const Message& message) {
-    std::fprintf(stderr, "%s\n", qPrintable(message.text));
-    return message.defaultAnswer;
 }
 
 } // namespace mms

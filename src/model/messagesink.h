@@ -30,10 +30,4 @@ public:
 // The application's own title, used for plain OK messages that carry no localised title.
 QString applicationTitle();
 
-// Writes every message to stderr and answers with the default button; for mmsc and headless runs.
-class StderrSink final : public MessageSink {
-public:
-    Answer show(const Message& message) override;
-};
-
 } // namespace mms
