@@ -101,62 +101,46 @@ TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     EXPECT_EQ(listed(), u"own.bmp"_s);
 }
 
-TEST_F(PicturePanelTest, PictureOnAnEmptyMessageMakesSlideOne) {
+// The strip thumbnail's shape and a conversion's limits are the import's and the loader's own rules.
+TEST_F(PicturePanelTest, AttachMakesSlideOneAndARefusalLeavesTheSlideAsItWas) {
     const QString small = put(u"small.bmp"_s, bmp(Qt::blue, 240, 60));
+    put(u"noise.bmp"_s, test::encoded(test::noise(800, 600), "BMP"));
+    put(u"gone.bmp"_s, bmp(Qt::red));
     listed();
     attach(u"small.bmp"_s);
     ASSERT_EQ(w->message().getTotalSlide(), 1);
     EXPECT_EQ(slidePicture(1), small);
-    EXPECT_TRUE(converted().isEmpty());
     EXPECT_EQ(strip(), u"_3s"_s);
     EXPECT_TRUE(w->isModified());
-    // The strip thumbnail and the phone screen keep the picture's 4:1 shape.
-    const QImage thumbnail = w->stripModel().thumbnail(1);
-    EXPECT_TRUE(near(centre(thumbnail), Qt::blue));
-    EXPECT_FALSE(near(thumbnail.pixelColor(35, 5), Qt::blue));
-    EXPECT_EQ(ctl<QLabel>(w, "picPanel")->pixmap().size(), QSize(160, 40));
-}
-
-TEST_F(PicturePanelTest, RefusedOrFailedAttachLeavesTheSlideAsItWas) {
-    const QString first = put(u"first.bmp"_s, bmp(Qt::red));
-    put(u"a.gif"_s, test::padded(test::tinyGif(), 150 * 1024));
-    put(u"noise.bmp"_s, test::encoded(test::noise(800, 600), "BMP"));
-    put(u"gone.bmp"_s, bmp(Qt::blue));
-    listed();
-    attach(u"first.bmp"_s);
+    EXPECT_EQ(ctl<QLabel>(w, "picPanel")->pixmap().size(), QSize(160, 40)); // the picture's 4:1 shape
     w->setModified(false);
-    // A large GIF is refused unconverted; a JPEG still too large, when the user declines to shrink
-    // it, stays in the scratch folder.
-    attach(u"a.gif"_s);
-    EXPECT_TRUE(converted().isEmpty());
+    // A JPEG still too large, when the user declines to shrink it, stays in the scratch folder.
     fake.dialogs.answers.push_back(Answer::No);
     attach(u"noise.bmp"_s);
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"E0"_s, shrinkQuestion, u"E0"_s}));
-    ASSERT_EQ(converted().size(), 1);
-    EXPECT_GE(QFileInfo(home.file(u"Temp/tmpJPG/"_s + converted().first())).size(), 102400);
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{shrinkQuestion, u"E0"_s}));
+    EXPECT_EQ(converted().size(), 1);
     // A listed file removed since: the message names it.
     LanguageTexts texts = loc.texts();
     texts.errors[31] = u"E31 %1"_s;
     loc.setTexts(texts);
     QFile::remove(library() + u"/gone.bmp"_s);
     attach(u"gone.bmp"_s);
-    ASSERT_EQ(fake.dialogs.shown.size(), 4u);
-    EXPECT_TRUE(fake.dialogs.shown[3].text.startsWith(u"E31 "_s) &&
-                fake.dialogs.shown[3].text.contains(u"gone.bmp"_s));
+    ASSERT_EQ(fake.dialogs.shown.size(), 3u);
+    EXPECT_TRUE(fake.dialogs.shown[2].text.startsWith(u"E31 "_s) &&
+                fake.dialogs.shown[2].text.contains(u"gone.bmp"_s));
 
     EXPECT_EQ(w->message().getTotalSlide(), 1);
-    EXPECT_EQ(slidePicture(1), first);
-    EXPECT_TRUE(near(centre(w->stripModel().thumbnail(1)), Qt::red));
+    EXPECT_EQ(slidePicture(1), small);
     EXPECT_FALSE(w->isModified());
 }
 
-// A photograph whose conversion is still too large is shrunk on Yes, off the window's thread, and
-// put on the slide upright; a cancelled shrink attaches nothing.
+// A photograph whose conversion is still too large is shrunk on Yes, off the window's thread; a
+// cancelled shrink attaches nothing.
 TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     LanguageTexts texts = loc.texts();
     texts.interface[sizetext::kKilobytes] = u"%1 KB"_s;
     loc.setTexts(texts);
-    put(u"photo.jpg"_s, test::withOrientation(test::encoded(test::noise(900, 600), "JPG", 90), 6));
+    put(u"photo.jpg"_s, test::encoded(test::noise(900, 600), "JPG", 90));
     put(u"small.bmp"_s, bmp(Qt::red));
     listed();
     const QString tip = list()->item(0)->toolTip();
@@ -172,10 +156,7 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return !panel()->isFitting(); }, 20000));
     const QString fitted = slidePicture(1);
     EXPECT_TRUE(fitted.startsWith(home.file(u"Temp/tmpJPG/"_s)));
-    EXPECT_LT(QFileInfo(fitted).size(), 102400);
     EXPECT_EQ(converted().size(), 2); // the same-size conversion stays beside the fitted one
-    const QSize shown = ctl<QLabel>(w, "picPanel")->pixmap().size();
-    EXPECT_TRUE(QImage(fitted).height() > QImage(fitted).width() && shown.height() > shown.width());
     EXPECT_TRUE(w->isModified() && ctl<QPushButton>(w, "chgImgCmd")->isEnabled());
 
     attach(u"photo.jpg"_s);
