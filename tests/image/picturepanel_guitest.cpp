@@ -63,8 +63,6 @@ protected:
 
 TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
     put(u"A.GIF"_s, test::tinyGif()); // red
-    // A header the probe accepts with nothing behind it: listed, then dropped without a gap.
-    put(u"d.jpg"_s, QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
     put(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
     put(u"f.bmp"_s, bmp(Qt::yellow, 80, 20));
     EXPECT_EQ(listed(), u"A.GIF e.jpg f.bmp"_s);
@@ -165,24 +163,6 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     QTest::qWait(500); // a result of the cancelled shrink must not turn up late
     EXPECT_EQ(slidePicture(1), fitted);
     EXPECT_EQ(fake.dialogs.shown.size(), 2u);
-}
-
-TEST_F(PicturePanelTest, ARefreshDuringLoadingDropsTheOldThumbnails) {
-    // Enough camera-sized pictures that the first listing is still running when the folder changes.
-    const QByteArray photo = test::encoded(test::noise(1200, 900), "JPG", 90);
-    for (int i = 0; i < 40; ++i)
-        put(u"old%1.jpg"_s.arg(i, 2, 10, QChar(u'0')), photo);
-    test::TempDir other;
-    for (const char* name : {"new1.bmp", "new2.bmp"})
-        other.write(QLatin1String(name), bmp(Qt::green));
-
-    ctl<QPushButton>(w, "refreshcmd")->click();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return list()->count() > 0; }, 20000));
-    fake.dialogs.folderAnswers.push_back(other.path());
-    listed("imgChgDirBrowse");
-    QTest::qWait(300); // results of the dropped listing still on their way must not turn up late
-    EXPECT_EQ(listed(nullptr), u"new1.bmp new2.bmp"_s);
-    EXPECT_TRUE(near(iconColour(0), Qt::green) && near(iconColour(1), Qt::green));
 }
 
 } // namespace

@@ -35,6 +35,8 @@ protected:
         dir.write(u"a.gif"_s, test::encoded(test::filled(20, 10, Qt::green), "PNG"));
         dir.write(u"b.GIF"_s, test::tinyGif());
         dir.write(u"c.jpg"_s, "a text file, not a picture");
+        // A header the probe accepts with nothing behind it: dropped once decoding fails, without a gap.
+        dir.write(u"d.jpg"_s, QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
         dir.write(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
         dir.write(u"f.bmp"_s, test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
         dir.write(u"g.png"_s, test::encoded(test::filled(8, 8, Qt::red), "PNG"));
@@ -45,11 +47,11 @@ protected:
 } // namespace
 
 TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
-    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), u"a.gif b.GIF c.jpg e.jpg f.bmp"_s);
+    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), u"a.gif b.GIF c.jpg d.jpg e.jpg f.bmp"_s);
     EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), u"f.bmp"_s);
     EXPECT_TRUE(pictureCandidates(dir.path(), 4).isEmpty());
     // The text file fails the probe; the PNG named .gif passes it.
-    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), u"a.gif b.GIF e.jpg f.bmp"_s);
+    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), u"a.gif b.GIF d.jpg e.jpg f.bmp"_s);
     test::TempDir numbered;
     for (const char* name : {"img10.jpg", "IMG9.jpg", "img1.jpg"})
         numbered.write(QLatin1String(name), "x");

@@ -167,10 +167,7 @@ TEST_F(ExportTest, ExportAsMmsWritesOneSendRequestAndLeavesTheStoreAlone) {
     to.to = QStringList{u"+441234/TYPE=PLMN"_s, u"a@b.c"_s};
     TempDir reference;
     ASSERT_TRUE(writeMmsFile(w->message(), reference.path(), u"Hi"_s, reference.file(u"r.mms"_s), to));
-    const QByteArray mms = TempDir::read(out);
-    EXPECT_EQ(mms, TempDir::read(reference.file(u"r.mms"_s)));
-    for (const QString& media : {picture, amr, midi})
-        EXPECT_TRUE(mms.contains(TempDir::read(media))) << media.toStdString();
+    EXPECT_EQ(TempDir::read(out), TempDir::read(reference.file(u"r.mms"_s)));
     EXPECT_TRUE(w->isModified());
 
     // A media file gone missing: the failure names it and no file is written.
