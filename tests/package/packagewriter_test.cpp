@@ -13,16 +13,6 @@ using test::ArchivedMember;
 
 namespace {
 
-// A device that refuses every write, as a full disk would.
-class FailingDevice : public QIODevice {
-protected:
-    qint64 readData(char*, qint64) override { return -1; }
-    qint64 writeData(const char*, qint64) override {
-        setErrorString(u"No space left on device"_s);
-        return -1;
-    }
-};
-
 QByteArray crlf(std::initializer_list<const char*> lines) {
     QByteArray out;
     for (const char* l : lines)
@@ -175,8 +165,8 @@ TEST_F(PackageWriterTest, FailuresNameTheFileAndLeaveNothingHalfWritten) {
     slides.setfolderpath(QString());
     slides.setfilename(home.file(u"no/such/dir/upload"_s));
     fails(u"no/such/dir/upload.tpl"_s);
-    FailingDevice full;
-    full.open(QIODevice::WriteOnly);
+    QFile full(u"/dev/full"_s); // refuses every write, as a full disk would
+    ASSERT_TRUE(full.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     const Status s = writeTarArchive(full, {gif});
     EXPECT_TRUE(s.message().contains(u"No space left on device"_s)) << s.message().toStdString();
 }
