@@ -17,10 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QColor centre(const QImage& image) {
-    return image.pixelColor(image.width() / 2, image.height() / 2);
-}
-
 const QString shrinkQuestion = u"P%1"_s.arg(sizetext::kPromptShrinkToFit);
 
 QByteArray bmp(QColor colour, int width = 10, int height = 10) {
@@ -45,7 +41,8 @@ protected:
         return out.join(u' ');
     }
     QColor iconColour(int row) {
-        return centre(list()->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage());
+        const QImage icon = list()->item(row)->icon().pixmap(PicturePanel::kThumbnailSize).toImage();
+        return icon.pixelColor(icon.width() / 2, icon.height() / 2);
     }
     void attach(const QString& name) {
         const QList<QListWidgetItem*> found = list()->findItems(name, Qt::MatchExactly);
