@@ -39,15 +39,12 @@ TEST(JpegWriter, WritesBaselineThreeComponentJpegsOfTheSourceSizeAtQuality35) {
         ASSERT_GT(frame, 0) << name;
         // 20 rows of 37; Y, Cb, Cr with only Y sampled 2x2 (4:2:0).
         EXPECT_EQ(jpeg.mid(frame + 5, 14).toHex(), QByteArray("0014002503012200021101031101")) << name;
-        // Quality 35 scales the standard tables by 5000 / 35: first entries 16 and 17 become 23 and 24.
-        EXPECT_EQ(quantTables(jpeg)[5], 23);
-        EXPECT_EQ(quantTables(jpeg)[69 + 5], 24);
         // Upright, not mirrored, colours in place: the bottom-up rows were read the right way.
         const QImage back(out), original = QImage::fromData(bytes);
         for (const QPoint p : {QPoint(20, 2), QPoint(20, 17), QPoint(0, 5)})
             EXPECT_LT(qAbs(qGray(back.pixel(p)) - qGray(original.pixel(p))), 40) << name;
     }
-    // libjpeg-turbo's own encoder at quality 35 uses the same tables.
+    // Quality 35: libjpeg-turbo's own encoder at that quality uses the same tables.
     const auto cjpeg = test::runTool(QStringLiteral("cjpeg"),
                                      {QStringLiteral("-quality"), QStringLiteral("35"),
                                       dir.write(QStringLiteral("in.ppm"), test::encoded(marked(), "PPM"))});

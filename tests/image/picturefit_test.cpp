@@ -108,13 +108,12 @@ TEST(PictureFit, MmscFitPrintsTheResultOrSaysWhyInOneLine) {
     const QSize size = QImage::fromData(test::TempDir::read(out), "JPEG").size();
     EXPECT_EQ(run.out,
               u"%1\t%2x%3\t%4\n"_s.arg(out).arg(size.width()).arg(size.height()).arg(QFileInfo(out).size()));
-    EXPECT_LT(QFileInfo(out).size(), kAttachmentLimit);
+    EXPECT_LT(QFileInfo(out).size(), kAttachmentLimit); // the default limit
 
     const QString none = dir.file(u"none.jpg"_s);
     run = test::runMmsc({}, u"fit %1 %2 --max-bytes 200"_s.arg(in, none));
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err.count(u'\n'), 1);
-    EXPECT_FALSE(QFile::exists(none));
     for (const QString& bad : {u"fit %1"_s.arg(in), u"fit %1 %2 --max-bytes x"_s.arg(in, none),
                                u"fit %1/missing.png %2"_s.arg(dir.path(), none)})
         EXPECT_EQ(test::runMmsc({}, bad).exitCode, 2) << bad.toStdString();

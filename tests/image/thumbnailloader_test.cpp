@@ -29,27 +29,24 @@ struct Listing {
     QSignalSpy ready, done;
 };
 
-class ThumbnailTest : public ::testing::Test {
-protected:
-    ThumbnailTest() {
-        dir.write(u"a.gif"_s, test::encoded(test::filled(20, 10, Qt::green), "PNG"));
-        dir.write(u"b.GIF"_s, test::tinyGif());
-        dir.write(u"c.jpg"_s, "a text file, not a picture");
-        dir.write(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
-        dir.write(u"f.bmp"_s, test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
-        dir.write(u"g.png"_s, test::encoded(test::filled(8, 8, Qt::red), "PNG"));
-    }
-    test::TempDir dir;
-};
-
 } // namespace
 
-TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
-    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), u"a.gif b.GIF c.jpg e.jpg f.bmp"_s);
+TEST(ThumbnailLoader, ListsProbesKeepsThumbnailsInPlaceAndDropsWorkOnARestart) {
+    test::TempDir dir;
+    dir.write(u"a.gif"_s, test::encoded(test::filled(20, 10, Qt::green), "PNG"));
+    dir.write(u"b.GIF"_s, test::tinyGif());
+    dir.write(u"c.jpg"_s, "a text file, not a picture");
+    // A header the probe accepts with nothing behind it: dropped once decoding fails, without a gap.
+    dir.write(u"d.jpg"_s, QByteArray::fromHex("ffd8ffc00011080010001003012200021101031101ffd9"));
+    dir.write(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
+    dir.write(u"f.bmp"_s, test::encoded(test::filled(80, 20, Qt::yellow), "BMP"));
+    dir.write(u"g.png"_s, test::encoded(test::filled(8, 8, Qt::red), "PNG"));
+
+    EXPECT_EQ(pictureCandidates(dir.path(), 0).join(u' '), u"a.gif b.GIF c.jpg d.jpg e.jpg f.bmp"_s);
     EXPECT_EQ(pictureCandidates(dir.path(), 3).join(u' '), u"f.bmp"_s);
     EXPECT_TRUE(pictureCandidates(dir.path(), 4).isEmpty());
     // The text file fails the probe; the PNG named .gif passes it.
-    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), u"a.gif b.GIF e.jpg f.bmp"_s);
+    EXPECT_EQ(listPictureFiles(dir.path(), 0).join(u' '), u"a.gif b.GIF d.jpg e.jpg f.bmp"_s);
     test::TempDir numbered;
     for (const char* name : {"img10.jpg", "IMG9.jpg", "img1.jpg"})
         numbered.write(QLatin1String(name), "x");
@@ -69,6 +66,19 @@ TEST_F(ThumbnailTest, ListsByTypeAndNameProbesEachAndKeepsThumbnailsInPlace) {
     EXPECT_TRUE(near(wide.pixelColor(35, 35), Qt::yellow));
     EXPECT_EQ(loadFittedPicture(dir.file(u"e.jpg"_s), {40, 40}).pixelColor(3, 20), thumbnailBackground());
     EXPECT_EQ(slideThumbnail(dir.file(u"c.jpg"_s)), blankThumbnail(70));
+
+    // A restart or a cancel drops the work in flight.
+    Listing restarted(loader);
+    loader.start(dir.path(), 0);
+    loader.start(dir.path(), 3);
+    ASSERT_TRUE(restarted.done.wait(20000));
+    EXPECT_EQ(restarted.names(), QStringList{u"f.bmp"_s});
+    Listing cancelled(loader);
+    loader.start(dir.path(), 0);
+    loader.cancel();
+    EXPECT_FALSE(cancelled.done.wait(300));
+    EXPECT_TRUE(cancelled.ready.isEmpty());
+    EXPECT_FALSE(loader.isRunning());
 }
 
 TEST(ThumbnailLoader, KeepsTheOrderWhateverTheWorkersDo) {
@@ -88,21 +98,6 @@ TEST(ThumbnailLoader, KeepsTheOrderWhateverTheWorkersDo) {
         EXPECT_EQ(number(names[r]), r / 2 * 3 + (r % 2 ? 2 : 0));
         EXPECT_TRUE(near(listing.colour(r), colour(number(names[r])))) << r;
     }
-}
-
-TEST_F(ThumbnailTest, ARestartOrCancelDropsTheWorkInFlight) {
-    ThumbnailLoader loader;
-    Listing restarted(loader);
-    loader.start(dir.path(), 0);
-    loader.start(dir.path(), 3);
-    ASSERT_TRUE(restarted.done.wait(20000));
-    EXPECT_EQ(restarted.names(), QStringList{u"f.bmp"_s});
-    Listing cancelled(loader);
-    loader.start(dir.path(), 0);
-    loader.cancel();
-    EXPECT_FALSE(cancelled.done.wait(300));
-    EXPECT_TRUE(cancelled.ready.isEmpty());
-    EXPECT_FALSE(loader.isRunning());
 }
 
 // A header claiming a huge picture is answered with a stand-in at once, without decoding; a turned

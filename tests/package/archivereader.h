@@ -15,15 +15,14 @@ struct ArchivedMember {
     friend bool operator==(const ArchivedMember&, const ArchivedMember&) = default;
 };
 
-// Reads a tar file back with libarchive; `format` receives libarchive's name of the header variant.
-inline std::vector<ArchivedMember> readTar(const QString& path, QString* format = nullptr) {
+// Reads a tar file back with libarchive.
+inline std::vector<ArchivedMember> readTar(const QString& path) {
     std::vector<ArchivedMember> members;
     archive* a = archive_read_new();
     archive_read_support_format_tar(a);
     if (archive_read_open_filename(a, path.toLocal8Bit().constData(), 10240) == ARCHIVE_OK) {
         archive_entry* entry = nullptr;
         while (archive_read_next_header(a, &entry) == ARCHIVE_OK) {
-            if (format) *format = QString::fromLatin1(archive_format_name(a));
             ArchivedMember m{QString::fromUtf8(archive_entry_pathname(entry)), {}};
             m.bytes.resize(archive_entry_size(entry));
             if (!m.bytes.isEmpty()) archive_read_data(a, m.bytes.data(), static_cast<size_t>(m.bytes.size()));

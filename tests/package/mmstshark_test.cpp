@@ -4,6 +4,7 @@
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
+#include <QDataStream>
 #include <QProcess>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
@@ -21,12 +22,11 @@ QByteArray capture(const QByteArray& request) {
         "Content-Length: " +
         QByteArray::number(request.size()) + "\r\n\r\n" + request;
     QByteArray pcap;
-    const auto put = [&pcap](quint32 value, int bytes) {
-        for (int k = 0; k < bytes; ++k)
-            pcap.append(char((value >> (8 * k)) & 0xFF));
-    };
-    put(0xA1B2C3D4, 4), put(2, 2), put(4, 2), put(0, 4), put(0, 4), put(65535, 4), put(147, 4); // DLT_USER0
-    put(0, 4), put(0, 4), put(quint32(post.size()), 4), put(quint32(post.size()), 4);
+    QDataStream s(&pcap, QIODevice::WriteOnly);
+    s.setByteOrder(QDataStream::LittleEndian);
+    s << quint32(0xA1B2C3D4) << quint16(2) << quint16(4) << quint64(0) << quint32(65535)
+      << quint32(147) // DLT_USER0
+      << quint64(0) << quint32(post.size()) << quint32(post.size());
     return pcap + post;
 }
 
