@@ -29,42 +29,75 @@ protected:
         ASSERT_TRUE(store.save(none, u"Alpha"_s, u"Empty"_s).isOk());
         ASSERT_TRUE(store.copyToWorkingCopy(u"Alpha"_s).isOk());
     }
-    // %1 in `line` is the home folder.
+    // %1 in `line` is the home folder, %2 the stored folder of beta.
     MmscRun mmsc(const QString& line) {
-        return runMmsc({u"--home"_s, tmp.path()}, QString(line).replace(u"%1"_s, tmp.path()));
-    }
-    // Every line of `lines` fails with `status` and one line on standard error, and changes nothing.
-    void expectRefused(const QStringList& lines, int status = 2) {
-        const auto before = snapshot();
-        for (const QString& line : lines) {
-            const MmscRun r = mmsc(line);
-            EXPECT_EQ(r.exitCode, status) << line.toStdString();
-            EXPECT_TRUE(r.out.isEmpty()) << line.toStdString();
-            EXPECT_TRUE(r.err.startsWith(u"mmsc: "_s) && r.err.count(u'\n') == 1) << r.err.toStdString();
-        }
-        EXPECT_EQ(snapshot(), before);
+        return runMmsc({u"--home"_s, tmp.path()},
+                       QString(line).replace(u"%1"_s, tmp.path()).replace(u"%2"_s, folder(u"beta"_s)));
     }
     CSlide slides;
 };
 
-TEST_F(MmscTest, ListAndShowPrintExactLines) {
-    const auto before = snapshot();
+TEST_F(MmscTest, CommandsPrintExactLinesAndRefuseBadInputWritingNothing) {
+    const QString gif = tmp.write(u"a.gif"_s, QByteArray::fromHex("474946383961 2c01 c800 f7"));
+    Track meta;
+    meta.tempo(500000).timeSig(3, 2);
+    Track notes;
+    notes.program(1, 19).note(0, 480, 1, 60).note(0, 480, 1, 62).note(0, 480, 1, 64).note(0, 1920, 1, 65);
+    tmp.write(u"t.mid"_s, midiFile(480, {meta, notes}));
+    tmp.write(u"big.bmp"_s, encoded(noise(600, 600), "BMP"));
+    tmp.write(u"text.gif"_s, "no picture");
     const auto stamp = [&](const char* name) {
         return QFileInfo(messages() + u'/' + QLatin1String(name) + u".mmt"_s)
             .lastModified()
             .toString(u"yyyy-MM-dd'T'HH:mm:ss"_s);
     };
-    const std::pair<QString, QString> cases[] = {
-        {u"list"_s, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
-        {u"show beta"_s,
+    const QString midiHead =
+        u"decoded: 1\nticks_per_quarter: 480\ntempo_bpm: 120\nsec_per_quarter: 0.500000\n"
+        "time_signature: 3/4\nbar_whole_notes: 0.750000\n"_s;
+    const struct {
+        const char* line;
+        int status;
+        QString out = {};
+        const char* errHas = "";
+    } cases[] = {
+        {"list", 0, u"Alpha\t%1\nbeta\t%2\n"_s.arg(stamp("Alpha"), stamp("beta"))},
+        {"show beta", 0,
          u"subject: Hello\n1\t\"3\"\tpic1.gif\ta\\\\b\\tc\\r\\nd\t\n2\t7\t\t\tsound2.mid\n"_s},
-        {u"show Alpha"_s, u"subject: Empty\n"_s}};
-    for (const auto& [args, out] : cases) {
-        const MmscRun r = mmsc(args);
-        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-        EXPECT_EQ(r.out, out);
+        {"show Alpha", 0, u"subject: Empty\n"_s},
+        {"probe %1/a.gif %1/none.png", 1,
+         u"1\t1\t300\t200\t8\t%1\n0\t0\t0\t0\t0\t%2\n"_s.arg(gif, tmp.file(u"none.png"_s)), "none.png"},
+        {"midi %1/t.mid", 0,
+         midiHead + u"tune_length: 3.000000\nchannel 1 program 19 bars 2: 4C5 4D5 4E5 | 1F5\n"_s},
+        {"crop %1/t.mid 0.5 1.0s %1/c.mid", 0},
+        {"midi %1/c.mid", 0, midiHead + u"tune_length: 1.500000\nchannel 1 program 19 bars 1: 4D5\n"_s},
+        {"jpeg %1/text.gif %1/no.jpg", 2, {}, "text.gif"},
+        {"render nothing %1/x", 1},
+    };
+    const auto before = snapshot();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        expectRun(mmsc(QLatin1String(c.line)), c.status, c.out, QLatin1String(c.errHas));
+    }
+    // "mms beta %2/pic1.gif" aims inside the stored message.
+    for (const QString& line :
+         {u"jpeg %1/big.bmp"_s, u"list extra"_s, u"show"_s, u"show absent"_s, u"show ../MMS"_s,
+          u"show temp"_s, u"export absent %1/never.tpl"_s, u"export beta %1"_s,
+          u"export beta %1/no/such.tpl"_s, u"mms nothere %1/never.mms"_s,
+          u"mms beta %1/never.mms --to nobody"_s, u"mms beta %2/pic1.gif"_s, u"render beta"_s,
+          u"render beta %1/x --scale 0"_s, u"render beta %1/x --scale"_s, u"render a/b %1/x"_s}) {
+        SCOPED_TRACE(line.toStdString());
+        expectRun(mmsc(line), 2);
     }
     EXPECT_EQ(snapshot(), before);
+    const MmscRun crop = mmsc(u"crop %1/t.mid 0 3.5 %1/d.mid"_s); // past the tune's end
+    EXPECT_TRUE(crop.exitCode == 1 && crop.err.contains(u"beyond the end"_s)) << crop.err.toStdString();
+    const MmscRun jpeg = mmsc(u"jpeg %1/big.bmp %1/out.jpg"_s);
+    const qint64 size = QFileInfo(tmp.file(u"out.jpg"_s)).size();
+    expectRun(jpeg, 0, u"%1\t%2 bytes\n"_s.arg(tmp.file(u"out.jpg"_s)).arg(size));
+    EXPECT_GT(size, 102400); // no size limit here
+    EXPECT_EQ(QDir(tmp.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList({u"a.gif"_s, u"big.bmp"_s, u"c.mid"_s, u"media"_s, u"out.jpg"_s, u"t.mid"_s,
+                           u"Temp"_s, u"text.gif"_s, u"UserData"_s}));
 }
 
 TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
@@ -88,20 +121,10 @@ TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
     EXPECT_EQ(TempDir::read(tmp.file(u"beta.mms"_s)), request.data());
     EXPECT_TRUE(request.data().contains("MThd-tune"));
     EXPECT_EQ(snapshot(), before);
-}
 
-TEST_F(MmscTest, BadInputGetsOneLineAndWritesNothing) {
-    const QString pic = folder(u"beta"_s) + u"/pic1.gif"_s;
-    expectRefused({u"list extra"_s, u"show"_s, u"show absent"_s, u"show ../MMS"_s, u"show temp"_s,
-                   u"export absent %1/never.tpl"_s, u"export beta %1"_s, u"export beta %1/no/such.tpl"_s,
-                   u"mms nothere %1/never.mms"_s, u"mms beta %1/never.mms --to nobody"_s,
-                   u"mms beta "_s + pic}); // the target inside the stored message
-    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"never.tpl"_s)) || QFileInfo::exists(tmp.file(u"never.mms"_s)));
     // A part gone from the stored message fails the request, naming it.
-    QFile::remove(pic);
-    const MmscRun lost = mmsc(u"mms beta %1/lost.mms --to 123"_s);
-    EXPECT_EQ(lost.exitCode, 1);
-    EXPECT_TRUE(lost.err.contains(u"pic1.*"_s)) << lost.err.toStdString();
+    QFile::remove(folder(u"beta"_s) + u"/pic1.gif"_s);
+    expectRun(mmsc(u"mms beta %1/lost.mms --to 123"_s), 1, {}, u"pic1.*"_s);
     EXPECT_FALSE(QFile::exists(tmp.file(u"lost.mms"_s)));
 }
 
@@ -123,50 +146,6 @@ TEST_F(MmscTest, RenderDrawsEverySlideAndRemovesSlidesOfEarlierRenders) {
     EXPECT_EQ(first.size(), QSize(320, 280));
     EXPECT_EQ(first.pixel(160, 110), qRgb(0, 0, 255)); // the picture in the middle of its region
     EXPECT_EQ(second.pixel(160, 110), qRgb(255, 255, 255));
-
-    expectRefused({u"render card"_s, u"render card %1/x --scale 0"_s, u"render card %1/x --scale"_s,
-                   u"render a/b %1/x"_s});
-    expectRefused({u"render nothing %1/x"_s}, 1);
-    EXPECT_FALSE(QFileInfo::exists(tmp.file(u"x"_s)));
-}
-
-TEST_F(MmscTest, ProbeMidiAndCropPrintExactLines) {
-    const QString gif = tmp.write(u"a.gif"_s, QByteArray::fromHex("474946383961 2c01 c800 f7"));
-    MmscRun r = mmsc(u"probe %1/a.gif %1/none.png"_s);
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_EQ(r.out, u"1\t1\t300\t200\t8\t%1\n0\t0\t0\t0\t0\t%2\n"_s.arg(gif, tmp.file(u"none.png"_s)));
-    EXPECT_TRUE(r.err.contains(u"none.png"_s));
-
-    Track meta;
-    meta.tempo(500000).timeSig(3, 2);
-    Track notes;
-    notes.program(1, 19).note(0, 480, 1, 60).note(0, 480, 1, 62).note(0, 480, 1, 64).note(0, 1920, 1, 65);
-    tmp.write(u"t.mid"_s, midiFile(480, {meta, notes}));
-    r = mmsc(u"midi %1/t.mid"_s);
-    EXPECT_EQ(r.exitCode, 0);
-    EXPECT_EQ(r.out,
-              QStringLiteral("decoded: 1\nticks_per_quarter: 480\ntempo_bpm: 120\nsec_per_quarter: 0.500000\n"
-                             "time_signature: 3/4\nbar_whole_notes: 0.750000\ntune_length: 3.000000\n"
-                             "channel 1 program 19 bars 2: 4C5 4D5 4E5 | 1F5\n"));
-
-    EXPECT_EQ(mmsc(u"crop %1/t.mid 0.5 1.0s %1/c.mid"_s).exitCode, 0);
-    EXPECT_TRUE(mmsc(u"midi %1/c.mid"_s).out.endsWith(u"bars 1: 4D5\n"_s));
-    r = mmsc(u"crop %1/t.mid 0 3.5 %1/d.mid"_s); // past the tune's end
-    EXPECT_NE(r.exitCode, 0);
-    EXPECT_FALSE(r.err.isEmpty());
-    EXPECT_FALSE(QFile::exists(tmp.file(u"d.mid"_s)));
-}
-
-TEST_F(MmscTest, JpegConvertsAnySizeAndWritesNothingForBadInput) {
-    tmp.write(u"big.bmp"_s, encoded(noise(600, 600), "BMP"));
-    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp %1/out.jpg"_s).exitCode, 0);
-    EXPECT_GT(QFileInfo(tmp.file(u"out.jpg"_s)).size(), 102400); // no size limit here
-    tmp.write(u"text.gif"_s, "no picture");
-    const MmscRun r = mmsc(u"jpeg %1/text.gif %1/no.jpg"_s);
-    EXPECT_EQ(r.exitCode, 2);
-    EXPECT_TRUE(r.err.contains(u"text.gif"_s)) << r.err.toStdString();
-    EXPECT_FALSE(QFile::exists(tmp.file(u"no.jpg"_s)));
-    EXPECT_EQ(mmsc(u"jpeg %1/big.bmp"_s).exitCode, 2);
 }
 
 } // namespace
