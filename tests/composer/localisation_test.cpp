@@ -37,13 +37,6 @@ LanguageTexts parsed(const QByteArray& bytes) {
     return t;
 }
 
-QStringList list(std::initializer_list<const char*> items) {
-    QStringList l;
-    for (const char* s : items)
-        l.append(QString::fromUtf8(s));
-    return l;
-}
-
 } // namespace
 
 TEST(LanguageFile, ReadsOnlyTheSixthSectionSplitIntoThreeGroupsTakingStringsAsTheyStand) {
@@ -52,20 +45,20 @@ TEST(LanguageFile, ReadsOnlyTheSixthSectionSplitIntoThreeGroupsTakingStringsAsTh
           languageFile(kExample + kGroup), languageFile(kExample + kSection + "junk"),
           languageFile(kExample + kGroup + "more" + kGroup)}) {
         const LanguageTexts t = parsed(bytes);
-        EXPECT_EQ(t.prompts, list({"a", "b"}));
-        EXPECT_EQ(t.errors, list({"c"}));
-        EXPECT_EQ(t.interface, list({"d", "e"}));
+        EXPECT_EQ(t.prompts, (QStringList{u"a"_s, u"b"_s}));
+        EXPECT_EQ(t.errors, QStringList{u"c"_s});
+        EXPECT_EQ(t.interface, (QStringList{u"d"_s, u"e"_s}));
     }
     const LanguageTexts t = parsed(languageFile(b("\0 two \r\nlines\0") + kGroup + b("..\\ \\\\ ok\0\0") +
                                                 kGroup + "d\xC3\xA9j\xC3\xA0" + b("\0") + kGroup));
-    EXPECT_EQ(t.prompts, list({"", " two \r\nlines", ""}));
-    EXPECT_EQ(t.errors, list({"..\\ \\\\ ok", "", ""}));
-    EXPECT_EQ(t.interface, list({"déjà", ""}));
+    EXPECT_EQ(t.prompts, (QStringList{u""_s, u" two \r\nlines"_s, u""_s}));
+    EXPECT_EQ(t.errors, (QStringList{u"..\\ \\\\ ok"_s, u""_s, u""_s}));
+    EXPECT_EQ(t.interface, (QStringList{u"déjà"_s, u""_s}));
 }
 
 TEST(LanguageFile, RefusesFilesCutShortAndLeavesTheResultAlone) {
     LanguageTexts t;
-    t.prompts = list({"kept"});
+    t.prompts = QStringList{u"kept"_s};
     const QByteArray fourSections = "a" + kSection + kSection + kSection + kSection + kExample;
     const QByteArray twoGroups = languageFile(b("a\0b") + kGroup + "c");
     const std::pair<QByteArray, const char*> cases[] = {{QByteArray(), "empty"},
@@ -75,12 +68,12 @@ TEST(LanguageFile, RefusesFilesCutShortAndLeavesTheResultAlone) {
         const Status s = parseLanguageFile(bytes, t);
         EXPECT_FALSE(s.isOk());
         EXPECT_TRUE(s.message().contains(QLatin1String(why))) << s.message().toStdString();
-        EXPECT_EQ(t.prompts, list({"kept"}));
+        EXPECT_EQ(t.prompts, QStringList{u"kept"_s});
     }
 }
 
 TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
-    const QStringList codes = list({"", "sch", "tch", "fra", "ger", "it", "spa", "ru"});
+    const QStringList codes{u""_s, u"sch"_s, u"tch"_s, u"fra"_s, u"ger"_s, u"it"_s, u"spa"_s, u"ru"_s};
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(langIndexForCode(codes.at(i)), i);
     for (const char* other : {"IT", "en", " it", "Sch"})
