@@ -103,8 +103,7 @@ TEST_F(MmscTest, CommandsPrintExactLinesAndRefuseBadInputWritingNothing) {
 TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
     const auto before = snapshot();
     tmp.write(u"out.tpl"_s, "old");
-    const MmscRun r = mmsc(u"export beta %1/out.tpl"_s);
-    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    expectRun(mmsc(u"export beta %1/out.tpl"_s), 0);
     EXPECT_FALSE(QFileInfo::exists(tmp.file(u"upload.tpl"_s)));
     TempDir reference;
     slides.setfolderpath(QString());
@@ -114,7 +113,7 @@ TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
     ASSERT_EQ(expected.size(), 4u);
     EXPECT_EQ(readTar(tmp.file(u"out.tpl"_s)), expected);
 
-    ASSERT_EQ(mmsc(u"mms beta %1/beta.mms"_s).exitCode, 0);
+    expectRun(mmsc(u"mms beta %1/beta.mms"_s), 0);
     QBuffer request;
     request.open(QIODevice::ReadWrite);
     ASSERT_TRUE(writeSendRequest(slides, folder(u"beta"_s), u"Hello"_s, request).isOk());
@@ -137,9 +136,8 @@ TEST_F(MmscTest, RenderDrawsEverySlideAndRemovesSlidesOfEarlierRenders) {
     tmp.write(u"out/new/slide3.png"_s, "old");
     tmp.write(u"out/new/notes.txt"_s, "kept");
     const QString out = tmp.file(u"out/new"_s);
-    const MmscRun run = mmsc(u"render card %1/out/new --scale 2"_s);
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    EXPECT_EQ(run.out, u"%1/slide1.png\t3\n%1/slide2.png\t7\n"_s.arg(out));
+    expectRun(mmsc(u"render card %1/out/new --scale 2"_s), 0,
+              u"%1/slide1.png\t3\n%1/slide2.png\t7\n"_s.arg(out));
     EXPECT_EQ(QDir(out).entryList(QDir::Files),
               (QStringList{u"notes.txt"_s, u"slide1.png"_s, u"slide2.png"_s}));
     const QImage first(out + u"/slide1.png"_s), second(out + u"/slide2.png"_s);

@@ -46,8 +46,7 @@ protected:
 } // namespace
 
 TEST_F(MmscBuild, SaveStoresTheSlidesAndExportWritesOnlyTheChosenFile) {
-    const test::MmscRun r = mmsc(twoSlides + u"--save msg"_s);
-    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    test::expectRun(mmsc(twoSlides + u"--save msg"_s), 0);
     EXPECT_EQ(QDir(home.file(u"UserData/MMS/msg"_s)).entryList(QDir::Files, QDir::Name).join(u' '),
               u"main.smil pic1.gif sound2.amr text1.txt texts.xml"_s);
     // The edited duration is a number and goes into the index bare; the new slide's stays quoted.
@@ -55,7 +54,7 @@ TEST_F(MmscBuild, SaveStoresTheSlidesAndExportWritesOnlyTheChosenFile) {
               QByteArray("Hello\r\n\"3\",\"I\",\"T\",\"N\"\r\n5,\"N\",\"N\",\"S\"\r\n"));
 
     media.write(u"out.tpl"_s, "old contents");
-    ASSERT_EQ(mmsc(twoSlides + u"--export %2"_s).exitCode, 0);
+    test::expectRun(mmsc(twoSlides + u"--export %2"_s), 0);
     EXPECT_EQ(test::tarNames(target), u"main.smil texts.xml pic1.gif sound2.amr"_s);
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
 }
@@ -65,9 +64,8 @@ TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesUnlessRaw) {
     media.write(u"b.jpeg"_s, test::encoded(test::filled(40, 30, Qt::blue), "JPEG"));
     media.write(u"large.bmp"_s, test::encoded(test::filled(300, 200, Qt::green), "BMP"));
     media.write(u"text.jpg"_s, "not a picture");
-    ASSERT_EQ(mmsc(u"--slide --pic %1/a.png --slide --pic %1/b.jpeg --slide --pic %1/large.bmp --save m"_s)
-                  .exitCode,
-              0);
+    test::expectRun(
+        mmsc(u"--slide --pic %1/a.png --slide --pic %1/b.jpeg --slide --pic %1/large.bmp --save m"_s), 0);
     // The large picture was re-encoded as a JPEG of the same size, and the scratch copy is gone.
     EXPECT_EQ(QDir(home.file(u"UserData/MMS/m"_s)).entryList({u"pic*"_s}, QDir::Files, QDir::Name),
               QStringList({u"pic1.png"_s, u"pic2.jpeg"_s, u"pic3.jpg"_s}));
@@ -75,7 +73,7 @@ TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesUnlessRaw) {
     EXPECT_EQ(converted.size(), QSize(300, 200));
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
     // --raw takes any file as it is.
-    ASSERT_EQ(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s).exitCode, 0);
+    test::expectRun(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s), 0);
     EXPECT_EQ(stored(u"r/pic1.jpg"_s), QByteArray("not a picture"));
 }
 
@@ -115,7 +113,7 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoAndInfoWritesNothing) {
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));
     // --fit shrinks the picture its JPEG could not fit, keeping its shape.
-    ASSERT_EQ(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s).exitCode, 0);
+    test::expectRun(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s), 0);
     const QImage fitted = QImage::fromData(stored(u"f/pic1.jpg"_s), "JPEG");
     EXPECT_TRUE(stored(u"f/pic1.jpg"_s).size() < 102400 && fitted.width() == fitted.height());
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
@@ -135,7 +133,7 @@ TEST_F(MmscBuild, AFullDiskAndAReadOnlyFolderAreNamed) {
         test::expectRun(r, 2, {}, u"File too large"_s);
         EXPECT_TRUE(r.err.contains(u"sound1.amr"_s)) << r.err.toStdString();
     }
-    ASSERT_EQ(mmsc(u"--slide --sound %1/voice.amr --save m"_s).exitCode, 0);
+    test::expectRun(mmsc(u"--slide --sound %1/voice.amr --save m"_s), 0);
     test::expectRun(mmsc(u"m %2"_s, fullDisk, u"mms"_s), 1, {}, u"File too large"_s);
     EXPECT_FALSE(QFileInfo::exists(target));
 

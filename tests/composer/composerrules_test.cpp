@@ -13,26 +13,19 @@ using namespace mms;
 namespace {
 
 TEST(ComposerText, RemoveTxtOccurrenceResumesBeyondEachCut) {
+    // After each cut the search resumes beyond it: in "abcabc" the second "bc" starts inside the
+    // skipped stretch, and cutting "aaaa" leaves "aa".
     const struct {
         const char* text;
         const char* find;
         const char* expected;
-    } cases[] = {
-        {"3s", "s", "3"},
-        {"ss", "s", "s"},
-        {"sss", "s", "s"},
-        {"5s5s", "s", "55"},
-        {"abcabc", "bc", "aabc"} /* the second "bc" now starts inside the skipped stretch */,
-        {"", "s", ""},
-        {"3s", "", "3s"},
-        {"sSs", "s", "S"},
-        {"aaaa", "aa", "aa"}, // the cut leaves "aa"; the search resumes beyond it
-    };
-    for (const auto& c : cases) {
+    } cases[] = {{"3s", "s", "3"},    {"ss", "s", "s"},         {"sss", "s", "s"},
+                 {"5s5s", "s", "55"}, {"abcabc", "bc", "aabc"}, {"", "s", ""},
+                 {"3s", "", "3s"},    {"sSs", "s", "S"},        {"aaaa", "aa", "aa"}};
+    for (const auto& c : cases)
         EXPECT_EQ(removeTxtOccurrence(QLatin1String(c.text), QLatin1String(c.find)),
                   QLatin1String(c.expected))
             << c.text << " - " << c.find;
-    }
 }
 
 TEST(ComposerText, DurationsAreWholeSecondsThatFitSixteenBits) {
