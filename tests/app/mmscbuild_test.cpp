@@ -59,25 +59,7 @@ TEST_F(MmscBuild, SaveStoresTheSlidesAndExportWritesOnlyTheChosenFile) {
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
 }
 
-TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesUnlessRaw) {
-    media.write(u"a.png"_s, test::encoded(test::filled(40, 30, Qt::red), "PNG"));
-    media.write(u"b.jpeg"_s, test::encoded(test::filled(40, 30, Qt::blue), "JPEG"));
-    media.write(u"large.bmp"_s, test::encoded(test::filled(300, 200, Qt::green), "BMP"));
-    media.write(u"text.jpg"_s, "not a picture");
-    test::expectRun(
-        mmsc(u"--slide --pic %1/a.png --slide --pic %1/b.jpeg --slide --pic %1/large.bmp --save m"_s), 0);
-    // The large picture was re-encoded as a JPEG of the same size, and the scratch copy is gone.
-    EXPECT_EQ(QDir(home.file(u"UserData/MMS/m"_s)).entryList({u"pic*"_s}, QDir::Files, QDir::Name),
-              QStringList({u"pic1.png"_s, u"pic2.jpeg"_s, u"pic3.jpg"_s}));
-    const QImage converted = QImage::fromData(stored(u"m/pic3.jpg"_s), "JPEG");
-    EXPECT_EQ(converted.size(), QSize(300, 200));
-    EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
-    // --raw takes any file as it is.
-    test::expectRun(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s), 0);
-    EXPECT_EQ(stored(u"r/pic1.jpg"_s), QByteArray("not a picture"));
-}
-
-TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoAndInfoWritesNothing) {
+TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesAndBadInputWritesNothing) {
     media.write(u"text.jpg"_s, "not a picture");
     media.write(u"empty.gif"_s, "");
     media.write(u"big.gif"_s, test::padded(test::tinyGif(), 102400));
@@ -112,11 +94,18 @@ TEST_F(MmscBuild, BadInputIsRefusedWithOneLineAndExitTwoAndInfoWritesNothing) {
     test::expectRun(mmsc(u"--info"_s), 0, u"slides: 0\nsize: 0\n"_s);
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));
-    // --fit shrinks the picture its JPEG could not fit, keeping its shape.
+    // A large picture is re-encoded as a JPEG of its size, --fit shrinks the one its JPEG could not fit
+    // keeping its shape, and the scratch copies are gone.
+    media.write(u"large.bmp"_s, test::encoded(test::filled(300, 200, Qt::green), "BMP"));
+    test::expectRun(mmsc(u"--slide --pic %1/large.bmp --save m"_s), 0);
+    EXPECT_EQ(QImage::fromData(stored(u"m/pic1.jpg"_s), "JPEG").size(), QSize(300, 200));
     test::expectRun(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s), 0);
     const QImage fitted = QImage::fromData(stored(u"f/pic1.jpg"_s), "JPEG");
     EXPECT_TRUE(stored(u"f/pic1.jpg"_s).size() < 102400 && fitted.width() == fitted.height());
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
+    // --raw takes any file as it is.
+    test::expectRun(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s), 0);
+    EXPECT_EQ(stored(u"r/pic1.jpg"_s), QByteArray("not a picture"));
 }
 
 // Writes stop at 20000 bytes, as on a full disk, and mmsc says so in the system's words.
