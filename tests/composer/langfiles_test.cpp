@@ -1,8 +1,8 @@
-// The language files the build generates: each one loads and is a real translation.
+// The language files the build generates: each one loads and is a real translation. (The build
+// itself refuses a translation whose entries or placeholders differ from English.)
 #include "common/localisation.h"
 #include "support/qtprint.h"
 
-#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 using namespace mms;
@@ -36,7 +36,6 @@ Localisation load(int langIndex) {
 
 TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
     const Localisation english = load(0);
-    static const QRegularExpression placeholder(QStringLiteral("%[1-9]"));
     for (int lang = 0; lang < 8; ++lang) {
         const Localisation loc = load(lang);
         int sameAsEnglish = 0;
@@ -48,7 +47,6 @@ TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
                     languageFileName(lang) + QStringLiteral(" %1.%2").arg(QLatin1String(used.group)).arg(n);
                 EXPECT_FALSE(text.isEmpty() || text == QStringLiteral("-") || text != text.trimmed())
                     << where.toStdString();
-                EXPECT_EQ(text.count(placeholder), en.count(placeholder)) << where.toStdString();
                 sameAsEnglish += lang != 0 && text == en;
             }
         }

@@ -39,7 +39,7 @@ LanguageTexts parsed(const QByteArray& bytes) {
 
 } // namespace
 
-TEST(LanguageFile, ReadsOnlyTheSixthSectionSplitIntoThreeGroupsTakingStringsAsTheyStand) {
+TEST(LanguageFile, ReadsOnlyTheSixthSectionInThreeGroupsAsTheyStandAndRefusesFilesCutShort) {
     for (const QByteArray& bytes :
          {languageFile(kExample), QByteArray("\xEF\xBB\xBF") + languageFile(kExample),
           languageFile(kExample + kGroup), languageFile(kExample + kSection + "junk"),
@@ -54,21 +54,19 @@ TEST(LanguageFile, ReadsOnlyTheSixthSectionSplitIntoThreeGroupsTakingStringsAsTh
     EXPECT_EQ(t.prompts, (QStringList{u""_s, u" two \r\nlines"_s, u""_s}));
     EXPECT_EQ(t.errors, (QStringList{u"..\\ \\\\ ok"_s, u""_s, u""_s}));
     EXPECT_EQ(t.interface, (QStringList{u"déjà"_s, u""_s}));
-}
 
-TEST(LanguageFile, RefusesFilesCutShortAndLeavesTheResultAlone) {
-    LanguageTexts t;
-    t.prompts = QStringList{u"kept"_s};
+    // Files cut short are refused and leave the result alone.
+    LanguageTexts kept;
+    kept.prompts = QStringList{u"kept"_s};
     const QByteArray fourSections = "a" + kSection + kSection + kSection + kSection + kExample;
     const QByteArray twoGroups = languageFile(b("a\0b") + kGroup + "c");
     const std::pair<QByteArray, const char*> cases[] = {{QByteArray(), "empty"},
                                                         {fourSections, "4 of the 5 section markers"},
                                                         {twoGroups, "2 of the 3 groups"}};
     for (const auto& [bytes, why] : cases) {
-        const Status s = parseLanguageFile(bytes, t);
-        EXPECT_FALSE(s.isOk());
-        EXPECT_TRUE(s.message().contains(QLatin1String(why))) << s.message().toStdString();
-        EXPECT_EQ(t.prompts, QStringList{u"kept"_s});
+        const Status s = parseLanguageFile(bytes, kept);
+        EXPECT_TRUE(!s.isOk() && s.message().contains(QLatin1String(why))) << s.message().toStdString();
+        EXPECT_EQ(kept.prompts, QStringList{u"kept"_s});
     }
 }
 
