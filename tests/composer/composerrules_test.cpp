@@ -40,7 +40,7 @@ TEST(ComposerText, DurationsAreWholeSecondsThatFitSixteenBits) {
     EXPECT_EQ(durationSeconds(QStringLiteral("99999999999999999999999")), std::nullopt);
 }
 
-TEST(WorkspaceFolders, FirstStartMakesAllSevenParentsFirstAndLaterStartsTouchNothing) {
+TEST(WorkspaceFolders, MadeParentsFirstOnceAndCleanedUpWithoutFollowingLinksStoppingAtAFailure) {
     test::TempDir home;
     QStringList created;
     ASSERT_TRUE(createWorkspaceFolders(home.path(), &created).isOk());
@@ -52,11 +52,9 @@ TEST(WorkspaceFolders, FirstStartMakesAllSevenParentsFirstAndLaterStartsTouchNot
     EXPECT_TRUE(created.isEmpty());
     EXPECT_EQ(test::TempDir::read(home.file(QStringLiteral("UserData/Picture/cat.gif"))),
               QByteArray("GIF89a"));
-}
 
-TEST(WorkspaceFolders, CleanUpRemovesScratchAndWorkingCopyNeverFollowsLinksOutAndStopsAtAFailure) {
-    test::TempDir home, outside;
-    ASSERT_TRUE(createWorkspaceFolders(home.path()).isOk());
+    // Clean-up removes the scratch folders and the working copy, never following a link out.
+    test::TempDir outside;
     const QString precious = outside.write(QStringLiteral("precious.txt"), "keep");
     ASSERT_TRUE(QFile::link(outside.path(), home.file(QStringLiteral("Temp/tmpJPG/link"))));
     home.write(QStringLiteral("UserData/MMS/temp/pic1.jpg"), "x");

@@ -70,7 +70,7 @@ TEST(LanguageFile, ReadsOnlyTheSixthSectionInThreeGroupsAsTheyStandAndRefusesFil
     }
 }
 
-TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
+TEST(LanguageChoice, FollowsTheTableExactlyAndTheSettingOfTheUserOverTheSystem) {
     const QStringList codes{u""_s, u"sch"_s, u"tch"_s, u"fra"_s, u"ger"_s, u"it"_s, u"spa"_s, u"ru"_s};
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(langIndexForCode(codes.at(i)), i);
@@ -79,22 +79,19 @@ TEST(LanguageChoice, FollowsTheTableExactlyAndCaseSensitively) {
     // Out of the table: English.
     EXPECT_EQ(languageFileName(-1) + languageFileName(9) + helpFileName(9),
               u"English.lngEnglish.lngMorvane.chm"_s);
-}
 
-TEST(LanguageChoice, ReadsTheSettingWithUserOverSystemAndIgnoresNonStrings) {
+    // The setting: the user's over the system's, and nothing but a plain string counts.
     test::TempDir user, system;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, user.path());
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, system.path());
     const QString conf = QStringLiteral("Morvane.conf");
     EXPECT_EQ(readLanguageSetting(), QString());
-    system.write(conf, "[General]\nLanguage=ru\n");
-    EXPECT_EQ(readLanguageSetting(), QStringLiteral("ru"));
-    user.write(conf, "[General]\nLanguage=fra\n");
-    EXPECT_EQ(readLanguageSetting(), QStringLiteral("fra"));
-    user.write(conf, "[General]\nLanguage=it, sch\n");
-    EXPECT_EQ(readLanguageSetting(), QString());
-    user.write(conf, "[General]\nLanguage=@ByteArray(it)\n");
-    EXPECT_EQ(readLanguageSetting(), QString());
+    const std::tuple<const test::TempDir*, const char*, const char*> steps[] = {
+        {&system, "ru", "ru"}, {&user, "fra", "fra"}, {&user, "it, sch", ""}, {&user, "@ByteArray(it)", ""}};
+    for (const auto& [dir, value, expected] : steps) {
+        dir->write(conf, QByteArray("[General]\nLanguage=") + value + '\n');
+        EXPECT_EQ(readLanguageSetting(), QLatin1String(expected)) << value;
+    }
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope,

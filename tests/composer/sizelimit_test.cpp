@@ -8,7 +8,7 @@
 
 using namespace mms;
 
-TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheLimit) {
+TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheSettingsLimit) {
     constexpr qint64 limit = 300 * 1024;
     const std::pair<qint64, GaugeLevel> levels[] = {
         {0, GaugeLevel::Normal},
@@ -31,9 +31,8 @@ TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheLimit) {
                                                     {1048576, "1 MB"}, {1048577, "1024 KB"}};
     for (const auto& [bytes, text] : sizes)
         EXPECT_EQ(sizeText(loc, bytes), QLatin1String(text)) << bytes;
-}
 
-TEST(SizeLimit, TheSettingKeepsALimitInRangeAndOtherwiseGivesTheDefault) {
+    // The setting keeps a limit in range and otherwise gives the default.
     const test::ScratchSettings scratch;
     EXPECT_EQ(readSizeLimitSetting(), kDefaultSizeLimit);
     writeSizeLimitSetting(600 * 1024);
