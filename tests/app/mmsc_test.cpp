@@ -22,7 +22,9 @@ namespace {
 class MmscTest : public StoreFixture {
 protected:
     void SetUp() override {
-        slides.InsertAtBack(SlideDur::fromText(u"3"_s), media(u"p.gif"_s, "GIF89a"), u"a\\b\tc\r\nd"_s, {});
+        slides.InsertAtBack(SlideDur::fromText(u"3"_s),
+                            media(u"p.gif"_s, encoded(filled(40, 20, Qt::blue), "PNG")), u"a\\b\tc\r\nd"_s,
+                            {});
         slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd-tune"));
         ASSERT_TRUE(store.save(slides, u"beta"_s, u"Hello"_s).isOk());
         CSlide none;
@@ -100,7 +102,7 @@ TEST_F(MmscTest, CommandsPrintExactLinesAndRefuseBadInputWritingNothing) {
                            u"Temp"_s, u"text.gif"_s, u"UserData"_s}));
 }
 
-TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
+TEST_F(MmscTest, ExportMmsAndRenderWriteWhatTheLibraryWritesAndDrawsForTheStoredMessage) {
     const auto before = snapshot();
     tmp.write(u"out.tpl"_s, "old");
     expectRun(mmsc(u"export beta %1/out.tpl"_s), 0);
@@ -119,24 +121,12 @@ TEST_F(MmscTest, ExportAndMmsWriteWhatTheLibraryWritesForTheStoredMessage) {
     ASSERT_TRUE(writeSendRequest(slides, folder(u"beta"_s), u"Hello"_s, request).isOk());
     EXPECT_EQ(TempDir::read(tmp.file(u"beta.mms"_s)), request.data());
     EXPECT_TRUE(request.data().contains("MThd-tune"));
-    EXPECT_EQ(snapshot(), before);
 
-    // A part gone from the stored message fails the request, naming it.
-    QFile::remove(folder(u"beta"_s) + u"/pic1.gif"_s);
-    expectRun(mmsc(u"mms beta %1/lost.mms --to 123"_s), 1, {}, u"pic1.*"_s);
-    EXPECT_FALSE(QFile::exists(tmp.file(u"lost.mms"_s)));
-}
-
-TEST_F(MmscTest, RenderDrawsEverySlideAndRemovesSlidesOfEarlierRenders) {
-    CSlide card;
-    card.InsertAtBack(SlideDur::fromText(u"3"_s),
-                      media(u"card.gif"_s, encoded(filled(40, 20, Qt::blue), "PNG")), u"Hi"_s, {});
-    card.InsertAtBack(SlideDur::fromNumber(7), {}, {}, {});
-    ASSERT_TRUE(store.save(card, u"card"_s, u"Subject"_s).isOk());
+    // render draws every slide and removes the slides of earlier renders.
     tmp.write(u"out/new/slide3.png"_s, "old");
     tmp.write(u"out/new/notes.txt"_s, "kept");
     const QString out = tmp.file(u"out/new"_s);
-    expectRun(mmsc(u"render card %1/out/new --scale 2"_s), 0,
+    expectRun(mmsc(u"render beta %1/out/new --scale 2"_s), 0,
               u"%1/slide1.png\t3\n%1/slide2.png\t7\n"_s.arg(out));
     EXPECT_EQ(QDir(out).entryList(QDir::Files),
               (QStringList{u"notes.txt"_s, u"slide1.png"_s, u"slide2.png"_s}));
@@ -144,6 +134,12 @@ TEST_F(MmscTest, RenderDrawsEverySlideAndRemovesSlidesOfEarlierRenders) {
     EXPECT_EQ(first.size(), QSize(320, 280));
     EXPECT_EQ(first.pixel(160, 110), qRgb(0, 0, 255)); // the picture in the middle of its region
     EXPECT_EQ(second.pixel(160, 110), qRgb(255, 255, 255));
+    EXPECT_EQ(snapshot(), before);
+
+    // A part gone from the stored message fails the request, naming it.
+    QFile::remove(folder(u"beta"_s) + u"/pic1.gif"_s);
+    expectRun(mmsc(u"mms beta %1/lost.mms --to 123"_s), 1, {}, u"pic1.*"_s);
+    EXPECT_FALSE(QFile::exists(tmp.file(u"lost.mms"_s)));
 }
 
 } // namespace
