@@ -65,26 +65,7 @@ TEST_F(NameDialogsTest, SaveDialogListsMessagesAndAsksBeforeReplacing) {
     EXPECT_TRUE(state.currentFile == u"zeta"_s && dialog.result() == QDialog::Accepted);
 }
 
-TEST_F(NameDialogsTest, EveryWayOutButTheActionCountsAsCancel) {
-    frmMMSFileSave save(nullptr, texts, sink, store, state);
-    save.txtName->setText(u"x"_s);
-    ctl<QPushButton>(save, "cmdCancel")->click();
-    EXPECT_TRUE(state.isCancel);
-
-    frmMMSFileOpen open(nullptr, texts, sink, store, state);
-    EXPECT_FALSE(state.isCancel);
-    open.show();
-    pressKey(&open, Qt::Key_Escape);
-    EXPECT_TRUE(state.isCancel && !open.isVisible());
-
-    frmMMSFileDelete remove(nullptr, texts, sink, store, state);
-    remove.show();
-    remove.close();
-    EXPECT_TRUE(state.isCancel && sink.shown.empty());
-    EXPECT_EQ(state.currentFile, u"current"_s);
-}
-
-TEST_F(NameDialogsTest, OpenAndDeleteRefuseInOrder) {
+TEST_F(NameDialogsTest, OpenAndDeleteRefuseInOrderAndEveryWayOutButTheActionCountsAsCancel) {
     frmMMSFileOpen open(nullptr, texts, sink, store, state);
     frmMMSFileDelete remove(nullptr, texts, sink, store, state);
     const auto refusal = [&](const QString& name, bool opening) {
@@ -106,6 +87,21 @@ TEST_F(NameDialogsTest, OpenAndDeleteRefuseInOrder) {
     type(open.txtName, u" "_s);
     type(remove.txtName, u" "_s);
     EXPECT_TRUE(open.txtName->text() == u"Alpha "_s && remove.txtName->text() == u"Alpha  "_s);
+
+    const std::size_t shown = sink.shown.size();
+    EXPECT_FALSE(state.isCancel);
+    open.show();
+    pressKey(&open, Qt::Key_Escape);
+    EXPECT_TRUE(state.isCancel && !open.isVisible());
+    state.isCancel = false;
+    remove.show();
+    remove.close();
+    EXPECT_TRUE(state.isCancel && sink.shown.size() == shown);
+    frmMMSFileSave save(nullptr, texts, sink, store, state);
+    save.txtName->setText(u"x"_s);
+    ctl<QPushButton>(save, "cmdCancel")->click();
+    EXPECT_TRUE(state.isCancel);
+    EXPECT_EQ(state.currentFile, u"current"_s);
 }
 
 } // namespace
