@@ -23,11 +23,6 @@ QString order(const CSlide& list) {
     return s + u'|' + (list.lastItem() ? list.lastItem()->DataText : QString());
 }
 
-void fill(CSlide& list, const QString& names) {
-    for (QChar c : names)
-        list.InsertAtBack(SlideDur::fromText(u"3"_s), {}, QString(c), {});
-}
-
 } // namespace
 
 TEST(SlideEdits, MovesKeepTheListWholeWhateverTheDistance) {
@@ -40,7 +35,8 @@ TEST(SlideEdits, MovesKeepTheListWholeWhateverTheDistance) {
          {Move{4, 1, "DABCE|E"}, Move{2, 5, "ACDEB|B"}, Move{3, 2, "ACBDE|E"}, Move{3, 4, "ABDCE|E"},
           Move{2, 4, "ACDBE|E"}, Move{4, 2, "ADBCE|E"}, Move{3, 3, "ABCDE|E"}}) {
         CSlide list;
-        fill(list, u"ABCDE"_s);
+        for (QChar c : u"ABCDE"_s)
+            list.InsertAtBack(SlideDur::fromText(u"3"_s), {}, QString(c), {});
         EXPECT_TRUE(moveSlideTo(list, m.from, m.to, 5));
         EXPECT_EQ(order(list), QString::fromLatin1(m.expected)) << m.from << "->" << m.to;
     }
