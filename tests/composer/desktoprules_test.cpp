@@ -62,7 +62,6 @@ TEST(Drafts, RoundTripKeepsEverySlideRefusesAnythingElseAndTheStoreSetsADamagedO
     };
     for (const auto& [from, to] : damage) {
         QByteArray bad = good;
-        ASSERT_TRUE(bad.contains(from)) << from.toStdString();
         bad.replace(from, to);
         EXPECT_EQ(decodeDraft(bad, &error), std::nullopt) << to.toStdString();
     }
