@@ -123,3 +123,34 @@ TEST(Localisation, LoadFailuresNameTheFileKeepTheTextsAndLookupsBeyondTheEndThro
     EXPECT_THROW((void)loc.getMCrPromptStr(-1), std::out_of_range);
     EXPECT_THROW((void)loc.getMCrErrStr(1), std::out_of_range);
 }
+
+// The language files the build generates each load and are real translations. (The build itself
+// refuses a translation whose entries or placeholders differ from English.)
+TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
+    const struct {
+        const char* group;
+        QStringList LanguageTexts::*list;
+        QList<int> numbers;
+    } used[] = {{"prompt", &LanguageTexts::prompts, usedPromptNumbers()},
+                {"error", &LanguageTexts::errors, usedErrorNumbers()},
+                {"interface", &LanguageTexts::interface, usedInterfaceNumbers()}};
+    const QString dir = qEnvironmentVariable("MMS_LANG_DIR", QStringLiteral(MMS_BIN_DIR));
+    LanguageTexts english;
+    for (int lang = 0; lang < 8; ++lang) {
+        Localisation loc;
+        const Status s = loc.readLangFile(lang, dir);
+        ASSERT_TRUE(s.isOk()) << s.message().toStdString();
+        if (lang == 0) english = loc.texts();
+        int sameAsEnglish = 0;
+        for (const auto& [group, list, numbers] : used) {
+            for (int n : numbers) {
+                const QString text = (loc.texts().*list).at(n);
+                const QString where = languageFileName(lang) + u" %1.%2"_s.arg(QLatin1String(group)).arg(n);
+                EXPECT_FALSE(text.isEmpty() || text == u"-"_s || text != text.trimmed())
+                    << where.toStdString();
+                sameAsEnglish += lang != 0 && text == (english.*list).at(n);
+            }
+        }
+        EXPECT_LE(sameAsEnglish, 5) << languageFileName(lang).toStdString();
+    }
+}
