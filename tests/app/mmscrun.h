@@ -32,4 +32,17 @@ inline MmscRun runMmsc(const QStringList& prefix, const QString& line, std::func
     return runProgram(QStringLiteral("mmsc"), prefix + line.split(QLatin1Char(' ')), std::move(inChild));
 }
 
+// A run exits with `status` printing exactly `out`; a failure is told in one "mmsc: " line that holds
+// `errHas`, a success says nothing on standard error.
+inline void expectRun(const MmscRun& r, int status, const QString& out = {}, const QString& errHas = {}) {
+    EXPECT_EQ(r.exitCode, status);
+    EXPECT_EQ(r.out, out);
+    if (status == 0)
+        EXPECT_EQ(r.err, QString());
+    else
+        EXPECT_TRUE(r.err.startsWith(QStringLiteral("mmsc: ")) && r.err.count(u'\n') == 1 &&
+                    r.err.contains(errHas))
+            << r.err.toStdString();
+}
+
 } // namespace mms::test

@@ -1,3 +1,4 @@
+#include "store/appfolder.h"
 #include "store/messageindex.h"
 #include "store/storefixture.h"
 
@@ -25,8 +26,6 @@ protected:
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
             .filter(QRegularExpression(u"^\\."_s));
     }
-    void readOnly(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x5555)); }
-    void writable(const QString& path) { QFile::setPermissions(path, QFileDevice::Permissions(0x7777)); }
     CSlide slides;
 };
 
@@ -51,7 +50,7 @@ TEST_F(MessageStoreTest, SaveReplacesTheStoredMessageWholeAndLeavesOthersAlone) 
     EXPECT_TRUE(hiddenLeftovers().isEmpty());
 }
 
-TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
+TEST_F(MessageStoreTest, AFailedSaveOrRemoveKeepsTheStoredCopyIntact) {
     ASSERT_TRUE(store.save(slides, u"trip"_s, u"S"_s).isOk());
     const auto before = snapshot();
 
@@ -59,23 +58,25 @@ TEST_F(MessageStoreTest, AFailedSaveKeepsTheStoredCopyIntact) {
     const Status s = store.save(slides, u"trip"_s, u"new"_s);
     EXPECT_TRUE(!s.isOk() && s.message().contains(u"d.amr"_s)) << s.message().toStdString();
     EXPECT_EQ(snapshot(), before);
-    media(u"d.amr"_s, "AMR-4");
 
-    readOnly(messages());
-    const auto save = [&] { return store.save(slides, u"trip"_s, u"new"_s).message(); };
-    auto failure = mms::test::runUnprivileged(save);
-    if (!failure) GTEST_SKIP() << "cannot drop privileges";
-    EXPECT_FALSE(failure->isEmpty());
-    writable(messages());
-    readOnly(folder(u"trip"_s));
-    failure = mms::test::runUnprivileged(save);
-    EXPECT_TRUE(failure && failure->contains(u"read-only"_s));
+    // Without the power to override permissions, a folder that cannot be written fails the change.
+    const std::tuple<QString, bool, const char*> locks[] = {{messages(), false, ""},
+                                                            {folder(u"trip"_s), false, "read-only"},
+                                                            {folder(u"trip"_s), true, "read-only"}};
+    for (const auto& [locked, remove, says] : locks) {
+        QFile::setPermissions(locked, QFileDevice::Permissions(0x5555));
+        const auto failure = mms::test::runUnprivileged([&] {
+            return (remove ? store.remove(u"trip"_s) : store.save(slides, u"trip"_s, u"new"_s)).message();
+        });
+        QFile::setPermissions(locked, QFileDevice::Permissions(0x7777));
+        if (!failure) GTEST_SKIP() << "cannot drop privileges";
+        EXPECT_TRUE(!failure->isEmpty() && failure->contains(QLatin1String(says))) << failure->toStdString();
+    }
     EXPECT_EQ(snapshot(), before);
     EXPECT_TRUE(hiddenLeftovers().isEmpty());
 }
 
 TEST_F(MessageStoreTest, RemoveAndHostileNames) {
-    ASSERT_TRUE(store.save(slides, u"a"_s, {}).isOk());
     ASSERT_TRUE(store.save(slides, u"b"_s, {}).isOk());
     for (const QString& name : {u"My message"_s, u"a.b"_s, u"Grüße"_s, u"temp2"_s})
         EXPECT_TRUE(store.save(CSlide(), name, {}).isOk() && store.exists(name)) << name.toStdString();
@@ -97,11 +98,6 @@ TEST_F(MessageStoreTest, RemoveAndHostileNames) {
     EXPECT_TRUE(store.remove(u"link"_s).isOk());
     EXPECT_TRUE(QFileInfo::exists(outside));
 
-    writable(messages());
-    readOnly(folder(u"a"_s));
-    const auto failure = mms::test::runUnprivileged([&] { return store.remove(u"a"_s).message(); });
-    if (!failure) GTEST_SKIP() << "cannot drop privileges";
-    EXPECT_TRUE(failure->contains(u"read-only"_s)) << failure->toStdString();
     EXPECT_TRUE(store.remove(u"b"_s).isOk());
     auto expected = before;
     for (const QString& key : before.keys().filter(QRegularExpression(u"^b[/.]"_s)))
@@ -109,7 +105,7 @@ TEST_F(MessageStoreTest, RemoveAndHostileNames) {
     EXPECT_EQ(snapshot(), expected);
 }
 
-TEST_F(MessageStoreTest, LoadFollowsTheIndexAndTreatsMissingFilesAsAbsent) {
+TEST_F(MessageStoreTest, LoadFollowsTheIndexTreatsMissingFilesAsAbsentAndRefusesAMalformedOne) {
     tmp.write(u"UserData/MMS/m.mmt"_s, "  Subject line\r\n\"3\",\"I\",\"T\",\"S\"\r\n5,\"N\",\"N\",\"N\"\n"
                                        "\"7\",\"I\",\"T\",\"S\"\r\n" +
                                            QByteArray(" 2 ,\"N\",\"N\",\"N\"\r\n").repeated(6) +
@@ -133,33 +129,31 @@ TEST_F(MessageStoreTest, LoadFollowsTheIndexAndTreatsMissingFilesAsAbsent) {
     EXPECT_TRUE(out.slides[0].picturePath.isEmpty() && out.slides[2].text.isEmpty());
     EXPECT_EQ(out.missingFiles, QStringList({u"pic1.*"_s, u"text3.txt"_s}));
 
-    // A subject line with commas, as written elsewhere, comes back whole.
-    for (const auto& [line, subject] : {std::pair{"Nothing", "Nothing"},
-                                        {"\"Hi, you\" x", "Hi, you"},
-                                        {"Hello, world", "Hello, world"},
-                                        {"\"a\",\"b\"", "\"a\",\"b\""}}) {
-        tmp.write(u"UserData/MMS/empty.mmt"_s, QByteArray(line) + "\r\n");
-        ASSERT_TRUE(store.load(u"empty"_s, w, out).isOk());
-        EXPECT_TRUE(out.subject == QLatin1String(subject) && out.slides.empty() && out.missingFiles.isEmpty())
-            << line;
+    // A subject line with commas, as written elsewhere, comes back whole; a malformed or missing index
+    // changes nothing.
+    const std::tuple<const char*, bool, const char*> indexes[] = {
+        {"Nothing\r\n", true, "Nothing"},
+        {"\"Hi, you\" x\r\n", true, "Hi, you"},
+        {"Hello, world\r\n", true, "Hello, world"},
+        {"\"a\",\"b\"\r\n", true, "\"a\",\"b\""},
+        {"S\r\n\"3\",\"I\",\"N\"\r\n", false, "line 2"},
+        {"S\r\n\"3\",\"N\",\"N\",\"N\"\r\nx,\"N\",\"N\",\"N\"", false, "line 3"},
+        {"S\r\n40000,\"N\",\"N\",\"N\"\r\n", false, "40000"},
+        {"", false, "empty"}};
+    for (const auto& [bytes, ok, text] : indexes) {
+        tmp.write(u"UserData/MMS/m.mmt"_s, bytes);
+        const QString before = out.subject;
+        const Status s = store.load(u"m"_s, w, out);
+        if (ok)
+            EXPECT_TRUE(s.isOk() && out.subject == QLatin1String(text) && out.slides.empty() &&
+                        out.missingFiles.isEmpty())
+                << bytes;
+        else
+            EXPECT_TRUE(!s.isOk() && s.message().contains(QLatin1String(text)) && out.subject == before)
+                << s.message().toStdString();
     }
-}
-
-TEST_F(MessageStoreTest, AMalformedOrUnreadableIndexChangesNothing) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"S\r\n\"3\",\"I\",\"N\"\r\n", "line 2"},
-        {"S\r\n\"3\",\"N\",\"N\",\"N\"\r\nx,\"N\",\"N\",\"N\"", "line 3"},
-        {"S\r\n40000,\"N\",\"N\",\"N\"\r\n", "40000"},
-        {"", "empty"}};
-    LoadedMessage out;
-    out.subject = u"kept"_s;
-    for (const auto& [bytes, detail] : cases) {
-        tmp.write(u"UserData/MMS/bad.mmt"_s, bytes);
-        const Status s = store.load(u"bad"_s, messages(), out);
-        EXPECT_TRUE(!s.isOk() && s.message().contains(QLatin1String(detail))) << s.message().toStdString();
-    }
-    EXPECT_FALSE(store.load(u"absent"_s, messages(), out).isOk());
-    EXPECT_EQ(out.subject, u"kept"_s);
+    EXPECT_FALSE(store.load(u"absent"_s, w, out).isOk());
+    EXPECT_EQ(out.subject, u"\"a\",\"b\""_s);
 
     QList<bool> quoted;
     EXPECT_EQ(splitIndexFields(u"  \"a, b\" junk, c ,\"open"_s, &quoted),
@@ -200,6 +194,51 @@ TEST_F(MessageStoreTest, RoundTripThroughTheWorkingCopyKeepsEverySlide) {
     }
     ASSERT_TRUE(store.removeWorkingCopy().isOk());
     EXPECT_FALSE(QFileInfo::exists(work) || QFileInfo::exists(workspace::workingCopyIndex(tmp.path())));
+}
+
+// Two layouts side by side: a build folder (programs beside their language files) and an
+// installation (bin/ empty of them, share/mms-composer/ holding them).
+struct Layouts {
+    Layouts() {
+        dir.write(u"build/bin/English.lng"_s, "x");
+        dir.write(u"usr/share/mms-composer/English.lng"_s, "x");
+        QDir().mkpath(installedBin);
+    }
+    test::TempDir dir;
+    QString build = dir.file(u"build/bin"_s);
+    QString installedBin = dir.file(u"usr/bin"_s);
+    QString installedShare = dir.file(u"usr/share/mms-composer"_s);
+    QString data = dir.file(u"data"_s);
+};
+
+TEST(AppFolderTest, ChoosesWorkspaceAndLanguageFolders) {
+    const Layouts l;
+    const QString home = l.dir.file(u"home"_s);
+    const QString variable = l.dir.file(u"variable"_s);
+    const QString relative = QDir::current().absoluteFilePath(u"rel"_s);
+    struct Case {
+        const char* what;
+        QString program, homeOption, homeVariable, dataFolder;
+        QString appFolder, languageFolder;
+        bool installed;
+    };
+    const Case cases[] = {
+        {"build folder", l.build, {}, {}, l.data, l.build, l.build, false},
+        {"installed", l.installedBin, {}, {}, l.data, l.data, l.installedShare, true},
+        {"--home, installed", l.installedBin, home, {}, l.data, home, l.installedShare, true},
+        {"variable, installed", l.installedBin, {}, variable, l.data, variable, l.installedShare, true},
+        {"--home beats the variable", l.installedBin, home, variable, l.data, home, l.installedShare, true},
+        {"installed without a data folder", l.installedBin, {}, {}, {}, {}, l.installedShare, true},
+        {"trailing separators and dots", l.build + u"/."_s, home + u"/"_s, {}, l.data, home, l.build, false},
+        {"relative --home", l.build, u"rel"_s, {}, l.data, relative, l.build, false},
+    };
+    for (const Case& c : cases) {
+        const ProgramFolders folders =
+            chooseProgramFolders({c.program, c.homeOption, c.homeVariable, c.dataFolder});
+        EXPECT_EQ(folders.appFolder, c.appFolder) << c.what;
+        EXPECT_EQ(folders.languageFolder, c.languageFolder) << c.what;
+        EXPECT_EQ(folders.installed, c.installed) << c.what;
+    }
 }
 
 } // namespace

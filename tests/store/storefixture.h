@@ -25,15 +25,6 @@ protected:
         QFile::setPermissions(tmp.path(),
                               QFile::permissions(tmp.path()) | QFile::ReadOther | QFile::ExeOther);
     }
-    ~StoreFixture() override {
-        QDirIterator it(tmp.path(), QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString dir = it.next();
-            QFile::setPermissions(dir, QFile::permissions(dir) | QFile::ReadOwner | QFile::WriteOwner |
-                                           QFile::ExeOwner);
-        }
-    }
     QString media(const QString& name, const QByteArray& bytes) {
         return tmp.write(QStringLiteral("media/") + name, bytes);
     }
