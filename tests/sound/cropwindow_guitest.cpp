@@ -21,13 +21,6 @@ protected:
         w->txtName->setText(tune);
         w->outfilename = dir.file(u"cut.mid"_s);
     }
-    // Mark in at one position, Mark out at another, as a user does.
-    void mark(qint64 inMs, qint64 outMs) {
-        player.pos = inMs;
-        ctl<QPushButton>(w, "Command2")->click();
-        player.pos = outMs;
-        ctl<QPushButton>(w, "Command3")->click();
-    }
     QString text(const char* name) const { return ctl<QLineEdit>(w, name)->text(); }
     QSlider* slider() const { return ctl<QSlider>(w, "Slider1"); }
     TempDir dir;
@@ -86,11 +79,11 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     w->MnuOpen_Click();
     w->Command3_Click(); // no start yet: nothing happens
     EXPECT_TRUE(text("txtCropEnd").isEmpty());
-    mark(3440, 3449); // both read 3.4 s
+    mark(*w, player, 3440, 3449); // both read 3.4 s
     EXPECT_EQ(text("txtCropStart") + u'|' + text("txtCropEnd"), u"3.4s|"_s);
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E18"_s});
     EXPECT_EQ(enabled(*w, {"Command3", "Command1", "Command4"}), u"100"_s);
-    mark(7000, 12460);
+    mark(*w, player, 7000, 12460);
     EXPECT_EQ(text("txtCropStart") + u'|' + text("txtCropEnd"), u"7.0s|12.5s"_s);
     EXPECT_EQ(enabled(*w, {"Command1", "Command4"}), u"11"_s);
     player.log.clear();
@@ -98,7 +91,7 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     EXPECT_TRUE(player.log.isEmpty());
     ctl<QPushButton>(w, "Command1")->click();
     EXPECT_EQ(player.log, (QStringList{u"Stop"_s, u"Play 7000-12500"_s}));
-    player.reportAt(12400);
+    player.reportAt(12400); // short of the end mark: played on
     EXPECT_EQ(slider()->value(), 12);
     player.reportAt(12500);
     EXPECT_EQ(player.log.last(), u"Prev"_s);
@@ -109,7 +102,7 @@ TEST_F(CropWindowTest, MarksHaveOneDecimalThePlayStopsAtTheEndMarkAndACropBeyond
     EXPECT_EQ(fake.dialogs.texts().size(), 2);
     EXPECT_TRUE(player.log.isEmpty());
     // A crop beyond the tune is refused, writes nothing, and closes the window and the tune.
-    mark(1000, 4100); // the tune is 4 s long
+    mark(*w, player, 1000, 4100); // the tune is 4 s long
     ctl<QPushButton>(w, "Command4")->click();
     EXPECT_EQ(fake.dialogs.texts().mid(2), (QStringList{u"E20"_s, u"E19"_s}));
     EXPECT_FALSE(w->validflag || w->result() == QDialog::Accepted || QFile::exists(w->outfilename));
@@ -127,10 +120,8 @@ TEST_F(CropWindowTest, TheCropCommandGivesACropBelowTheLimitReadWithTheDecoderIt
         crop.validflag = true;
     });
     fake.dialogs.modalHooks.push_back([this](QDialog& d) {
-        for (const auto& [at, button] : {std::pair{0, "Command2"}, {1000, "Command3"}, {1000, "Command4"}}) {
-            player.pos = at;
-            ctl<QPushButton>(d, button)->click();
-        }
+        mark(d, player, 0, 1000);
+        ctl<QPushButton>(d, "Command4")->click();
     });
     MidiDecoder decoder; // one per run: a tune without tempo keeps the last one read (see MidiCropTest)
     const auto run = [&] {

@@ -135,10 +135,7 @@ TEST_F(SoundPanelTest, ACroppedTuneIsAttachedToTheSelectedSlide) {
         EXPECT_EQ(crop.txtName->text(), tune);
         EXPECT_EQ(crop.outfilename, cropped);
         EXPECT_TRUE(player.isOpen()) << "the tune is opened before the window shows";
-        player.pos = 520;
-        ctl<QPushButton>(crop, "Command2")->click();
-        player.pos = 1480;
-        ctl<QPushButton>(crop, "Command3")->click();
+        mark(crop, player, 520, 1480);
         ctl<QPushButton>(crop, "Command4")->click();
     });
     fake.device.sent.clear();
