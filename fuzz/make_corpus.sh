@@ -2,7 +2,7 @@
 # Regenerates the small seed corpus of the fuzz targets (ImageMagick and python3-mido).
 set -euo pipefail
 cd "$(dirname "$0")"
-rm -rf corpus && mkdir -p corpus/imageprobe corpus/mididecoder corpus/mmsencoder
+rm -rf corpus && mkdir -p corpus/imageprobe corpus/mididecoder corpus/mmsencoder corpus/tempomap
 
 img=corpus/imageprobe
 convert -size 7x5 xc:red "$img/rgb.png"
@@ -73,4 +73,39 @@ for k in range(8):
     name = b"n" * (k * 20)
     b += bytes([len(name)]) + name
     open(f"corpus/mmsencoder/seed{k}", "wb").write(b)
+PY
+
+# Tempo maps: the decoder's tunes, and files built byte by byte for what mido will not write: tempo
+# changes spread over tracks, SMPTE time, running status, unknown chunks, a tempo of zero, cut files.
+cp corpus/mididecoder/*.mid corpus/tempomap/
+/usr/bin/python3 - <<'PY'
+import struct
+out = "corpus/tempomap/"
+def vlq(v):
+    b = [v & 0x7F]
+    v >>= 7
+    while v:
+        b.insert(0, (v & 0x7F) | 0x80)
+        v >>= 7
+    return bytes(b)
+def tempo(us, delta=0): return vlq(delta) + b"\xff\x51\x03" + us.to_bytes(3, "big")
+def note(gap, length, key): return vlq(gap) + bytes([0x90, key, 100]) + vlq(length) + bytes([0x80, key, 64])
+end = b"\x00\xff\x2f\x00"
+def smf(fmt, division, tracks, extra=b""):
+    f = b"MThd" + struct.pack(">IHHH", 6, fmt, len(tracks), division) + extra
+    return f + b"".join(b"MTrk" + struct.pack(">I", len(t)) + t for t in tracks)
+def save(name, data): open(out + name, "wb").write(data)
+
+three = smf(1, 96, [tempo(500000) + tempo(250000, 192) + tempo(1000000, 192) + end,
+                    b"".join(note(0, 96, 60 + i) for i in range(8)) + end])
+save("three_tempos.mid", three)
+save("format0.mid", smf(0, 96, [b"\x00\xff\x01\x02hi\x00\x90\x3c\x64\x30\x40\x00" + tempo(250000) +
+                                b"\x30\xf0\x03\x7e\x7f\xf7" + note(48, 96, 60) + tempo(1000000) + end]))
+save("spread.mid", smf(1, 96, [tempo(250000, 96) + end, tempo(1000000, 48) + tempo(500000, 96) + vlq(200) + b"\xff\x2f\x00"]))
+save("smpte.mid", smf(1, 0xE728, [tempo(1000000) + note(0, 1500, 60) + end]))
+save("tolerated.mid", smf(1, 96, [tempo(0) + note(96, 1, 60) + end + b"\x00\x90\x3c"],
+                          b"XFIH\x00\x00\x00\x04junk") + b"\x00\x00")
+save("cut_header.mid", three[:11])
+save("cut_event.mid", three[:-3])
+save("long_delta.mid", smf(0, 96, [b"\x81\x82\x83\x84\x05\x90\x3c\x40"]))
 PY

@@ -83,20 +83,15 @@ struct LoggingDevice final : MultimediaDevice {
 class SoundDeviceTest : public ::testing::Test {
 protected:
     SoundDeviceTest() {
-        auto m = std::make_unique<LoggingDevice>();
-        auto p = std::make_unique<ScriptedPcm>();
-        midi = m.get();
-        pcm = p.get();
-        device = std::make_unique<SoundDevice>(std::move(m), std::move(p));
-        device->setNotifyHandler([this](MultimediaDevice::Notify n) { notes.push_back(n); });
+        device.setNotifyHandler([this](MultimediaDevice::Notify n) { notes.push_back(n); });
     }
     static QString open(const QString& path) { return u"open \"%1\" Alias music"_s.arg(path); }
-    int send(const QString& command) { return device->sendString(command); }
+    int send(const QString& command) { return device.sendString(command); }
 
     TempDir dir;
-    LoggingDevice* midi = nullptr;
-    ScriptedPcm* pcm = nullptr;
-    std::unique_ptr<SoundDevice> device;
+    LoggingDevice* midi = new LoggingDevice; // both owned by the device
+    ScriptedPcm* pcm = new ScriptedPcm;
+    SoundDevice device{std::unique_ptr<MultimediaDevice>(midi), std::unique_ptr<PcmOutput>(pcm)};
     std::vector<MultimediaDevice::Notify> notes;
 };
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "sound/playercontrol.h"
+#include "support/controls.h"
 
 #include <QFileInfo>
+#include <QPushButton>
 #include <QStringList>
 
 namespace mms::test {
@@ -54,5 +56,13 @@ private:
         playing = false;
     }
 };
+
+// In a crop window: Mark in at one position, Mark out at another, as a user does.
+inline void mark(QWidget& crop, ScriptedPlayer& player, qint64 inMs, qint64 outMs) {
+    player.pos = inMs;
+    ctl<QPushButton>(crop, "Command2")->click();
+    player.pos = outMs;
+    ctl<QPushButton>(crop, "Command3")->click();
+}
 
 } // namespace mms::test
