@@ -23,6 +23,7 @@ int midi(Context& context, const QStringList& args) {
     decoder.decodeMidiFile(path);
     if (!decoder.midiDecoded()) {
         context.out << "decoded: 0\n";
+        if (sink.shown() == 0) sink.inform(QStringLiteral("not a MIDI file that can be decoded"));
         return 1;
     }
     context.out << "decoded: 1\n"

@@ -77,6 +77,8 @@ TEST_F(MmscTest, CommandsPrintExactLinesAndRefuseBadInputWritingNothing) {
          midiHead + u"tune_length: 3.000000\nchannel 1 program 19 bars 2: 4C5 4D5 4E5 | 1F5\n"_s},
         {"crop %1/t.mid 0.5 1.0s %1/c.mid", 0},
         {"midi %1/c.mid", 0, midiHead + u"tune_length: 1.500000\nchannel 1 program 19 bars 1: 4D5\n"_s},
+        {"crop %1/t.mid 0 3.5 %1/d.mid", 1, {}, "t.mid: The end lies beyond the end of the tune."},
+        {"midi %1/text.gif", 1, u"decoded: 0\n"_s, "text.gif: "},
         {"jpeg %1/text.gif %1/no.jpg", 2, {}, "text.gif"},
         {"render nothing %1/x", 1},
     };
@@ -96,8 +98,6 @@ TEST_F(MmscTest, CommandsPrintExactLinesAndRefuseBadInputWritingNothing) {
         expectRun(mmsc(line), 2);
     }
     EXPECT_EQ(snapshot(), before);
-    const MmscRun crop = mmsc(u"crop %1/t.mid 0 3.5 %1/d.mid"_s); // past the tune's end
-    EXPECT_TRUE(crop.exitCode == 1 && crop.err.contains(u"beyond the end"_s)) << crop.err.toStdString();
     const MmscRun jpeg = mmsc(u"jpeg %1/big.bmp %1/out.jpg"_s);
     const qint64 size = QFileInfo(tmp.file(u"out.jpg"_s)).size();
     expectRun(jpeg, 0, u"%1\t%2 bytes\n"_s.arg(tmp.file(u"out.jpg"_s)).arg(size));
