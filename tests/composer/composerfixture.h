@@ -39,12 +39,19 @@ protected:
         start();
     }
 
-    void start() {
-        frmMMSMain::Options options;
+    // Starts a fresh window with `options`; the failure message, empty when it started.
+    QString tryStart() {
         options.appFolder = home.path();
         w = std::make_unique<frmMMSMain>(fake.platform, loc, options);
         const Status s = w->Form_Load();
-        ASSERT_TRUE(s.isOk()) << s.message().toStdString();
+        return s.isOk() ? QString() : s.message();
+    }
+    void start() { ASSERT_EQ(tryStart(), QString()); }
+    // Starts with the shipped language file for `code`.
+    void startIn(const QString& code) {
+        options.languageCode = code;
+        options.languageFolder = QStringLiteral(MMS_BIN_DIR);
+        start();
     }
 
     // The user picks strip item `position`.
@@ -87,6 +94,17 @@ protected:
         EXPECT_TRUE(image.save(path)) << path.toStdString();
         return path;
     }
+    // The message most tests start from: "A" with `picture` and 5 seconds, "B" with `tune`, "C".
+    void compose() {
+        picture = savePicture(u"UserData/Picture/green.png"_s, Qt::green);
+        tune = home.write(u"UserData/Sound/tune.mid"_s, QByteArray(300, 'm'));
+        addSlides(u"ABC"_s);
+        pick(1);
+        typeDuration(u"5"_s);
+        w->attachToCurrentSlide(u"imgPath"_s, picture);
+        pick(2);
+        w->attachToCurrentSlide(u"soundPath"_s, tune);
+    }
 
     // The slides in list order as text and duration ("A3s", "_" for no text), the duration read from
     // the strip item at the same place: an item out of step with its slide shows as "?".
@@ -113,7 +131,9 @@ protected:
     TempDir home;
     FakePlatform fake;
     Localisation loc;
+    frmMMSMain::Options options;
     std::unique_ptr<frmMMSMain> w;
+    QString picture, tune; // set by compose()
 };
 
 } // namespace mms::test
