@@ -169,10 +169,7 @@ TEST_F(LifecycleTest, QtsOwnTextsFollowTheInterfaceLanguage) {
 // set to a file name the window is also saved there as a PNG, to look at.
 TEST_F(LifecycleTest, ShowsTheFilledSlideAndTheAboutBoxWithTheShippedTexts) {
     const QColor sky(0x42, 0x85, 0xf4);
-    QImage picture(320, 240, QImage::Format_RGB32);
-    picture.fill(sky);
-    const QString path = home.write(u"UserData/Picture/beach.jpg"_s, {});
-    ASSERT_TRUE(picture.save(path));
+    const QString path = home.write(u"UserData/Picture/beach.jpg"_s, encoded(filled(320, 240, sky), "JPG"));
     startIn(u"en"_s);
     ctl<QToolButton>(w, "addCmd")->click();
     w->updateCurrentSlide(u"imgPath"_s, path);

@@ -1,4 +1,5 @@
 #include "composer/phonescreen.h"
+#include "image/picturefiles.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -24,14 +25,8 @@ QRect region(const QRect& r, int scale) {
 
 TEST(PhoneScreen, PicturesAndTextsStayInTheirRegions) {
     test::TempDir dir;
-    const auto picture = [&](const QString& name, QSize size, Qt::GlobalColor colour) {
-        QImage image(size, QImage::Format_RGB32);
-        image.fill(colour);
-        image.save(dir.file(name));
-        return dir.file(name);
-    };
-    const QString small = picture(u"small.png"_s, {20, 10}, Qt::red);
-    const QString large = picture(u"large.png"_s, {480, 330}, Qt::green);
+    const QString small = dir.write(u"small.png"_s, test::encoded(test::filled(20, 10, Qt::red), "PNG"));
+    const QString large = dir.write(u"large.png"_s, test::encoded(test::filled(480, 330, Qt::green), "PNG"));
     const QString longText = u"A text far too long for one line of the small screen, which goes on and on"_s;
     const int s = 2;
     const QRect image = region(kImageRegion, s), text = region(kTextRegion, s);

@@ -43,10 +43,7 @@ protected:
         fake.clock.time = fake.clock.time.addMSecs(ms);
         player->tick();
     }
-    void key(int k) {
-        QKeyEvent press(QEvent::KeyPress, k, Qt::NoModifier);
-        QApplication::sendEvent(player.get(), &press);
-    }
+    void key(int k) { pressKey(player.get(), k); }
     QString shown(const char* label) const {
         return player->findChild<QLabel*>(QLatin1String(label))->text();
     }
