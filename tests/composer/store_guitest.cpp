@@ -58,8 +58,13 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     EXPECT_EQ(w->message().getTotalSlide(), 3);
 }
 
-TEST_F(StoreTest, ASaveThatFailsKeepsTheNameAndTheChangesAndNewKeepsThemToo) {
+TEST_F(StoreTest, NewAsksFirstAndASaveThatFailsKeepsTheNameAndTheChanges) {
     compose();
+    fake.dialogs.answers = {Answer::Cancel};
+    ctl<QAction>(w, "mnu_new")->trigger();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P3"_s});
+    EXPECT_EQ(w->message().getTotalSlide(), 3);
+
     saveAs(u"trip"_s);
     // The picture disappears from the library; a Save as under a new name cannot copy it.
     ASSERT_TRUE(QFile::remove(picture));
@@ -76,14 +81,9 @@ TEST_F(StoreTest, ASaveThatFailsKeepsTheNameAndTheChangesAndNewKeepsThemToo) {
     EXPECT_EQ(w->message().getTotalSlide(), 3);
 }
 
-TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
+TEST_F(StoreTest, NewGoesOnAfterACancelledSaveAs) {
     compose();
-    fake.dialogs.answers = {Answer::Cancel};
-    ctl<QAction>(w, "mnu_new")->trigger();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P3"_s});
-    EXPECT_EQ(w->message().getTotalSlide(), 3);
-
-    fake.dialogs.answers = {Answer::Yes}; // then the save-as dialog is cancelled
+    fake.dialogs.answers = {Answer::Yes}; // save first, but the save-as dialog is cancelled
     w->mnu_new_Click();
     EXPECT_EQ(fake.dialogs.modalRuns, 1);
     EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
@@ -140,20 +140,26 @@ protected:
 TEST_F(DraftTest, AnAbandonedComposerLeavesADraftToRestore) {
     options.draftDelayMs = 20;
     start();
+    w->messageState().currentFile = u"trip"_s;
+    w->messageState().txtsubject = u"Hi"_s;
     compose();
     ASSERT_TRUE(QTest::qWaitFor([&] { return DraftStore(home.path()).exists(); }, 20000));
     const std::unique_ptr<frmMMSMain> abandoned = std::move(w);
+    ASSERT_TRUE(QFile::remove(tune));
 
-    // The next start offers the draft; Yes gives the message back as it was, still unsaved.
+    // The next start offers the draft; Yes gives the message back as it was, still unsaved, without
+    // the sound that went meanwhile, which is named.
     start();
     fake.dialogs.answers.push_back(Answer::Yes);
     w->offerDraftRestore();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P12"_s});
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E38"_s}));
     ASSERT_EQ(strip(), u"A5s B3s C3s"_s);
     EXPECT_EQ(w->message().nodeAt(1)->DataImgPath, picture);
-    EXPECT_EQ(w->message().nodeAt(2)->DataSoundPath, tune);
+    EXPECT_TRUE(w->message().nodeAt(2)->DataSoundPath.isEmpty());
     EXPECT_NE(w->stripModel().thumbnail(1), w->stripModel().thumbnail(2)); // the picture's, a blank one
     EXPECT_EQ(w->selectedSlide(), 2);
+    EXPECT_EQ(w->messageState().currentFile + w->messageState().txtsubject, u"tripHi"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
     EXPECT_TRUE(w->isModified() && w->isWindowModified());
     EXPECT_EQ(w->history().count(), 0);
 }
@@ -186,26 +192,14 @@ TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
     fake.dialogs.answers.push_back(Answer::No);
     w->offerDraftRestore();
     EXPECT_FALSE(draftNow());
-}
 
-TEST_F(DraftTest, ADamagedDraftIsSetAsideWithAMessageAndMissingMediaAreNamed) {
+    // A damaged draft is set aside with a message.
     ASSERT_TRUE(DraftStore(home.path()).write("{ not a draft").isOk());
+    fake.dialogs.shown.clear();
     w->offerDraftRestore();
     ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E35"_s});
     EXPECT_FALSE(DraftStore(home.path()).exists());
     EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
-
-    const Draft draft{
-        u"trip"_s, u"Hi"_s, 1, {SlideContent{SlideDur::fromNumber(4), home.file(u"gone.bmp"_s), u"T"_s, {}}}};
-    ASSERT_TRUE(DraftStore(home.path()).write(encodeDraft(draft)).isOk());
-    fake.dialogs.shown.clear();
-    fake.dialogs.answers.push_back(Answer::Yes);
-    w->offerDraftRestore();
-    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E38"_s}));
-    EXPECT_EQ(strip(), u"T4s"_s);
-    EXPECT_TRUE(w->message().nodeAt(1)->DataImgPath.isEmpty());
-    EXPECT_EQ(w->messageState().currentFile + w->messageState().txtsubject, u"tripHi"_s);
-    EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
 }
 
 } // namespace
