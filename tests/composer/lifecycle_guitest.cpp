@@ -42,7 +42,7 @@ protected:
     }
 };
 
-TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrow) {
+TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrowOrStopsWithAReason) {
     EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
     EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(),
               QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
@@ -55,9 +55,8 @@ TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrow
     EXPECT_FALSE(w->isModified() || w->isPlaying() || w->isWindowModified());
     // The menus get their mnemonics; the Edit menu's one letter is the File menu's.
     EXPECT_EQ(ctl<QMenu>(w, "file")->title() + ctl<QMenu>(w, "edit")->title(), u"&I2I80(&E)"_s);
-}
 
-TEST_F(LifecycleTest, StartUpStopsOnAFolderItCannotMakeOrAMissingLanguageFile) {
+    // Start-up stops on a folder it cannot make and on a missing language file.
     w.reset();
     ASSERT_TRUE(QDir(home.path()).removeRecursively() && QDir().mkpath(home.path()));
     home.write(u"Temp"_s, "a file where a folder belongs");
