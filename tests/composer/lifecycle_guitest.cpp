@@ -29,17 +29,6 @@ protected:
         ComposerTest::SetUp();
     }
     bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
-    void store(const QString& name) {
-        CSlide slides;
-        slides.InsertAtBack(SlideDur::fromText(u"3"_s), {}, name, {});
-        ASSERT_TRUE(MessageStore(home.path()).save(slides, name, {}).isOk());
-    }
-    QStringList recentCaptions() const {
-        QStringList out;
-        for (const QAction* a : ctl<QMenu>(w, "mnu_openRecent")->actions())
-            out << a->text();
-        return out;
-    }
 };
 
 TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrowOrStopsWithAReason) {
@@ -135,11 +124,16 @@ TEST_F(LifecycleTest, WindowColumnsFoldersAndTabAreKeptForTheNextRun) {
 TEST_F(LifecycleTest, OpenRecentListsTheLastMessagesAndDropsMissingOnesWithAMessage) {
     EXPECT_FALSE(ctl<QMenu>(w, "mnu_openRecent")->menuAction()->isEnabled());
     for (const QString& name : {u"a"_s, u"b"_s, u"c"_s}) {
-        store(name);
+        CSlide slides;
+        slides.InsertAtBack(SlideDur::fromText(u"3"_s), {}, name, {});
+        ASSERT_TRUE(MessageStore(home.path()).save(slides, name, {}).isOk());
         w->openRecent(name);
     }
     EXPECT_EQ(strip(), u"c3s"_s);
-    EXPECT_EQ(recentCaptions(), (QStringList{u"&1 c"_s, u"&2 b"_s, u"&3 a"_s}));
+    QStringList captions;
+    for (const QAction* a : ctl<QMenu>(w, "mnu_openRecent")->actions())
+        captions << a->text();
+    EXPECT_EQ(captions, (QStringList{u"&1 c"_s, u"&2 b"_s, u"&3 a"_s}));
     ctl<QAction>(w, "mnu_recent2")->trigger();
     EXPECT_EQ(strip(), u"b3s"_s);
     EXPECT_EQ(w->recentMessages(), (QStringList{u"b"_s, u"c"_s, u"a"_s}));

@@ -151,16 +151,12 @@ TEST_F(PlayCommandTest, PlaysTheMessageFromTheSelectedSlideOrSaysThereIsNone) {
     EXPECT_EQ(position, u"2 / 2"_s);
 }
 
-// Two slides; the first has a MIDI sound, is shown and its preview is playing.
+// The shared message; its sound on the shown slide B is playing in the preview.
 class PreviewTest : public ComposerTest {
 protected:
     void SetUp() override {
         ComposerTest::SetUp();
-        tune = home.write(u"UserData/Sound/Tune.MID"_s, "MThd");
-        addSlides(u"AB"_s);
-        pick(1);
-        w->updateCurrentSlide(u"soundPath"_s, tune);
-        w->lstSlide_ItemClick();
+        compose();
         fake.device.sent.clear();
         play = ctl<QToolButton>(w, "soundPlayCmd");
         play->click();
@@ -204,7 +200,7 @@ TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
 
 TEST_F(PreviewTest, ShowingAnotherSlideOrClosingStopsThePreviewAndOnlyAnAmrSoundThatDecodesIsPlayed) {
     sent();
-    pick(2);
+    pick(3);
     expectStopped();
     EXPECT_EQ(sent(), kStopClose + kStopClose);
     EXPECT_FALSE(play->isEnabled());

@@ -21,6 +21,11 @@ protected:
             ctl<QPushButton>(d, button)->click();
         });
     }
+    // Whether a draft lies in the workspace once the pending write or removal is done.
+    bool draftNow() {
+        w->flushDraft();
+        return DraftStore(home.path()).exists();
+    }
     bool stored(const QString& name) const {
         return QFileInfo::exists(home.file(u"UserData/MMS/%1.mmt"_s.arg(name)));
     }
@@ -126,18 +131,9 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopyAndAFailedOpenChangesNo
     EXPECT_TRUE(w->isModified());
 }
 
-class DraftTest : public ComposerTest {
-protected:
-    // Whether a draft lies in the workspace once the pending write or removal is done.
-    bool draftNow() {
-        w->flushDraft();
-        return DraftStore(home.path()).exists();
-    }
-};
-
 // A killed composer runs none of its own shutdown: the draft it wrote while the user worked must be
 // enough. Here the first window is left as it is, never closed, while the next one starts.
-TEST_F(DraftTest, AnAbandonedComposerLeavesADraftToRestore) {
+TEST_F(StoreTest, AnAbandonedComposerLeavesADraftToRestore) {
     options.draftDelayMs = 20;
     start();
     w->messageState().currentFile = u"trip"_s;
@@ -164,7 +160,7 @@ TEST_F(DraftTest, AnAbandonedComposerLeavesADraftToRestore) {
     EXPECT_EQ(w->history().count(), 0);
 }
 
-TEST_F(DraftTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
+TEST_F(StoreTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
     addSlides(u"A"_s);
     ASSERT_TRUE(draftNow());
     w->messageState().currentFile = u"kept"_s;
