@@ -85,14 +85,12 @@ TEST_F(HistoryTest, EveryCommandIsUndoneAndRedoneWithStripThumbnailsAndListInSte
     const QString dropped = savePicture(u"elsewhere/blue.bmp"_s, Qt::blue);
     const Case cases[] = {
         {"I10", [&] { pick(1), ctl<QToolButton>(w, "addCmd")->click(); }},
-        {"I10", [&] { pick(3), ctl<QAction>(w, "add_slide")->trigger(); }},
         {"I11", [&] { pick(2), ctl<QToolButton>(w, "removeCmd")->click(); }},
         {"I12", [&] { pick(3), ctl<QToolButton>(w, "ffCmd")->click(); }},
         {"I14", [&] { pick(2), ctl<QAction>(w, "sendfwd")->trigger(); }},
         {"I15", [&] { pick(1), ctl<QToolButton>(w, "rCmd")->click(); }},
         {"I13", [&] { pick(1), ctl<QAction>(w, "sendback")->trigger(); }},
         {"I92", [&] { w->lstSlide_DragDrop(3, 1); }},
-        {"I92", [&] { w->lstSlide_DragDrop(1, 3); }},
         {"I85", [&] { pick(2), typeDuration(u"12"_s); }},
         {"I86", [&] { pick(1), typeText(u"xyz"_s); }},
         {"I87", [&] { pick(3), w->attachToCurrentSlide(u"imgPath"_s, red); }},

@@ -165,8 +165,7 @@ TEST_F(LifecycleTest, ShowsTheFilledSlideAndTheAboutBoxWithTheShippedTexts) {
     ctl<QToolButton>(w, "addCmd")->click();
     w->updateCurrentSlide(u"imgPath"_s, path);
     w->updateCurrentSlide(u"soundPath"_s, home.write(u"UserData/Sound/party.mid"_s, "MThd"));
-    w->txtText_Click();
-    ctl<QPlainTextEdit>(w, "txtText")->setPlainText(u"Happy birthday, Anna!"_s);
+    typeText(u"Happy birthday, Anna!"_s);
     w->lstSlide_ItemClick();
     w->show();
     // The picture library fills in the background.
@@ -186,7 +185,6 @@ TEST_F(LifecycleTest, ShowsTheFilledSlideAndTheAboutBoxWithTheShippedTexts) {
           "GNU LGPL 3.0", "BSD 2-Clause", "IJG", "GNU LGPL 2.1", "MIT"})
         EXPECT_TRUE(about.contains(QLatin1String(part))) << part;
     EXPECT_EQ(fake.dialogs.shown.front().title, u"About MMS Composer"_s);
-    w->Form_Unload();
 }
 
 } // namespace

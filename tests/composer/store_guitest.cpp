@@ -63,13 +63,20 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     EXPECT_EQ(w->message().getTotalSlide(), 3);
 }
 
-TEST_F(StoreTest, NewAsksFirstAndASaveThatFailsKeepsTheNameAndTheChanges) {
+TEST_F(StoreTest, NewAsksFirstAndGoesOnAfterACancelledSaveAsButNotAfterAFailedSave) {
     compose();
     fake.dialogs.answers = {Answer::Cancel};
     ctl<QAction>(w, "mnu_new")->trigger();
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P3"_s});
     EXPECT_EQ(w->message().getTotalSlide(), 3);
+    fake.dialogs.answers = {Answer::Yes}; // save first: the save-as dialog is cancelled, New goes on
+    w->mnu_new_Click();
+    EXPECT_EQ(fake.dialogs.modalRuns, 1);
+    EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
+    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
+    EXPECT_FALSE(w->isModified());
 
+    compose();
     saveAs(u"trip"_s);
     // The picture disappears from the library; a Save as under a new name cannot copy it.
     ASSERT_TRUE(QFile::remove(picture));
@@ -84,16 +91,6 @@ TEST_F(StoreTest, NewAsksFirstAndASaveThatFailsKeepsTheNameAndTheChanges) {
     fake.dialogs.answers = {Answer::Yes}; // save first: it fails again, so nothing is dropped
     w->mnu_new_Click();
     EXPECT_EQ(w->message().getTotalSlide(), 3);
-}
-
-TEST_F(StoreTest, NewGoesOnAfterACancelledSaveAs) {
-    compose();
-    fake.dialogs.answers = {Answer::Yes}; // save first, but the save-as dialog is cancelled
-    w->mnu_new_Click();
-    EXPECT_EQ(fake.dialogs.modalRuns, 1);
-    EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
-    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
-    EXPECT_FALSE(w->isModified());
 }
 
 TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopyAndAFailedOpenChangesNothing) {
