@@ -44,9 +44,7 @@ protected:
         player->tick();
     }
     void key(int k) { pressKey(player.get(), k); }
-    QString shown(const char* label) const {
-        return player->findChild<QLabel*>(QLatin1String(label))->text();
-    }
+    QString shown(const char* label) const { return ctl<QLabel>(player, label)->text(); }
     // What the device was sent since the last call.
     QStringList sent() { return std::exchange(fake.device.sent, {}); }
 
