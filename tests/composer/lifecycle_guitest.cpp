@@ -33,8 +33,6 @@ protected:
 
 TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrowOrStopsWithAReason) {
     EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
-    EXPECT_EQ(ctl<QLineEdit>(w, "imgDirPath")->text(),
-              QDir::toNativeSeparators(home.file(u"UserData/Picture"_s)));
     EXPECT_EQ(ctl<QLineEdit>(w, "soundDirPath")->text(),
               QDir::toNativeSeparators(home.file(u"UserData/Sound"_s)));
     EXPECT_EQ(enabled({"add_slide", "addCmd", "rm_slide", "removeCmd", "createCmd", "mnu_upload",
