@@ -37,6 +37,7 @@ class ComposerTest : public ::testing::Test {
 protected:
     void SetUp() override {
         loc.setTexts(numberedTexts());
+        options.settingsFile = home.file(u"settings.ini"_s);
         start();
     }
 
@@ -118,6 +119,7 @@ protected:
         if (w->stripModel().count() != row - 1) out << u"?"_s;
         return out.join(u' ');
     }
+    bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
     QString enabled(std::initializer_list<const char*> names) const { return test::enabled(*w, names); }
     // The forward and backward move commands, buttons and menu items alike: "1111 0000" when only
     // moving to the front is possible.

@@ -22,14 +22,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class LifecycleTest : public ComposerTest {
-protected:
-    void SetUp() override {
-        options.settingsFile = home.file(u"settings.ini"_s);
-        ComposerTest::SetUp();
-    }
-    bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
-};
+using LifecycleTest = ComposerTest;
 
 TEST_F(LifecycleTest, FirstStartShowsTheLibraryFoldersAndAMessageThatCanOnlyGrowOrStopsWithAReason) {
     EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);

@@ -138,15 +138,14 @@ TEST_F(PlayCommandTest, PlaysTheMessageFromTheSelectedSlideOrSaysThereIsNone) {
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E33"_s});
     EXPECT_EQ(fake.dialogs.modalRuns, 0);
 
-    addSlides(u"AB"_s);
-    pick(2);
+    compose(); // slide 2 of 3 is selected
     QString position;
     fake.dialogs.modalHooks.push_back([&](QDialog& dialog) {
         position = ctl<QLabel>(dialog, "lblPosition")->text();
         dialog.reject();
     });
     ctl<QToolButton>(w, "playCmd")->click();
-    EXPECT_EQ(position, u"2 / 2"_s);
+    EXPECT_EQ(position, u"2 / 3"_s);
 }
 
 // The shared message; its sound on the shown slide B is playing in the preview.

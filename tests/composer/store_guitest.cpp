@@ -26,9 +26,7 @@ protected:
         w->flushDraft();
         return DraftStore(home.path()).exists();
     }
-    bool stored(const QString& name) const {
-        return QFileInfo::exists(home.file(u"UserData/MMS/%1.mmt"_s.arg(name)));
-    }
+    bool stored(const QString& name) const { return exists(u"UserData/MMS/%1.mmt"_s.arg(name)); }
     void saveAs(const QString& name) {
         answerDialog(name);
         w->mnu_saveAs_Click();

@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QSpinBox>
+#include <QTransform>
 
 using namespace mms;
 using namespace mms::test;
@@ -249,17 +250,14 @@ QRect inked(const QImage& image) {
     return box;
 }
 
-QRect region(const QRect& r, int scale) {
-    return QRect(r.topLeft() * scale, r.size() * scale);
-}
-
 TEST(PhoneScreen, PicturesAndTextsStayInTheirRegions) {
     TempDir dir;
     const QString small = dir.write(u"small.png"_s, encoded(filled(20, 10, Qt::red), "PNG"));
     const QString large = dir.write(u"large.png"_s, encoded(filled(480, 330, Qt::green), "PNG"));
     const QString longText = u"A text far too long for one line of the small screen, which goes on and on"_s;
     const int s = 2;
-    const QRect image = region(kImageRegion, s), text = region(kTextRegion, s);
+    const QRect image = QTransform::fromScale(s, s).mapRect(kImageRegion);
+    const QRect text = QTransform::fromScale(s, s).mapRect(kTextRegion);
     const struct {
         ScreenSlide slide;
         QRect ink; // where the drawing lies; for text, within the text region
