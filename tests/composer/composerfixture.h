@@ -3,6 +3,7 @@
 #include "common/localisation.h"
 #include "composer/slidestripmodel.h"
 #include "composer/widgets/frmmmsmain.h"
+#include "image/picturefiles.h"
 #include "support/controls.h"
 #include "support/fakeplatform.h"
 #include "support/qtprint.h"
@@ -36,15 +37,23 @@ class ComposerTest : public ::testing::Test {
 protected:
     void SetUp() override {
         loc.setTexts(numberedTexts());
+        options.settingsFile = home.file(u"settings.ini"_s);
         start();
     }
 
-    void start() {
-        frmMMSMain::Options options;
+    // Starts a fresh window with `options`; the failure message, empty when it started.
+    QString tryStart() {
         options.appFolder = home.path();
         w = std::make_unique<frmMMSMain>(fake.platform, loc, options);
         const Status s = w->Form_Load();
-        ASSERT_TRUE(s.isOk()) << s.message().toStdString();
+        return s.isOk() ? QString() : s.message();
+    }
+    void start() { ASSERT_EQ(tryStart(), QString()); }
+    // Starts with the shipped language file for `code`.
+    void startIn(const QString& code) {
+        options.languageCode = code;
+        options.languageFolder = QStringLiteral(MMS_BIN_DIR);
+        start();
     }
 
     // The user picks strip item `position`.
@@ -81,11 +90,19 @@ protected:
 
     // A one-colour picture saved under the application folder.
     QString savePicture(const QString& name, Qt::GlobalColor colour) {
-        QImage image(20, 10, QImage::Format_RGB32);
-        image.fill(colour);
-        const QString path = home.write(name, {});
-        EXPECT_TRUE(image.save(path)) << path.toStdString();
-        return path;
+        return home.write(name,
+                          encoded(filled(20, 10, colour), QFileInfo(name).suffix().toLatin1().constData()));
+    }
+    // The message most tests start from: "A" with `picture` and 5 seconds, "B" with `tune`, "C".
+    void compose() {
+        picture = savePicture(u"UserData/Picture/green.png"_s, Qt::green);
+        tune = home.write(u"UserData/Sound/tune.mid"_s, QByteArray(300, 'm'));
+        addSlides(u"ABC"_s);
+        pick(1);
+        typeDuration(u"5"_s);
+        w->attachToCurrentSlide(u"imgPath"_s, picture);
+        pick(2);
+        w->attachToCurrentSlide(u"soundPath"_s, tune);
     }
 
     // The slides in list order as text and duration ("A3s", "_" for no text), the duration read from
@@ -102,6 +119,7 @@ protected:
         if (w->stripModel().count() != row - 1) out << u"?"_s;
         return out.join(u' ');
     }
+    bool exists(const QString& relative) const { return QFileInfo::exists(home.file(relative)); }
     QString enabled(std::initializer_list<const char*> names) const { return test::enabled(*w, names); }
     // The forward and backward move commands, buttons and menu items alike: "1111 0000" when only
     // moving to the front is possible.
@@ -113,7 +131,9 @@ protected:
     TempDir home;
     FakePlatform fake;
     Localisation loc;
+    frmMMSMain::Options options;
     std::unique_ptr<frmMMSMain> w;
+    QString picture, tune; // set by compose()
 };
 
 } // namespace mms::test

@@ -1,10 +1,13 @@
+// The slide show window, the Play command that opens it, and the sound preview on the slide panel.
 #include "common/playbacktexts.h"
 #include "composer/widgets/frmmmsplayer.h"
 #include "composerfixture.h"
+#include "sound/amr_testfile.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
+#include <QThread>
 
 using namespace mms;
 using namespace mms::test;
@@ -12,7 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kStop = u"stop music"_s, kClose = u"close music"_s, kPlay = u"play music from 0 notify"_s;
+const QString kPlay = u"play music from 0 notify"_s;
+const QStringList kStopClose = {u"stop music"_s, u"close music"_s};
 
 QString openCommand(const QString& sound) {
     return u"open \"%1\" Alias music"_s.arg(sound);
@@ -39,13 +43,8 @@ protected:
         fake.clock.time = fake.clock.time.addMSecs(ms);
         player->tick();
     }
-    void key(int k) {
-        QKeyEvent press(QEvent::KeyPress, k, Qt::NoModifier);
-        QApplication::sendEvent(player.get(), &press);
-    }
-    QString shown(const char* label) const {
-        return player->findChild<QLabel*>(QLatin1String(label))->text();
-    }
+    void key(int k) { pressKey(player.get(), k); }
+    QString shown(const char* label) const { return ctl<QLabel>(player, label)->text(); }
     // What the device was sent since the last call.
     QStringList sent() { return std::exchange(fake.device.sent, {}); }
 
@@ -66,12 +65,12 @@ TEST_F(PlayerTest, EachSlideStaysForItsDurationWithItsSoundOnlyWhileItIsShown) {
     EXPECT_EQ(shown("lblTimeLeft"), u"0:01"_s);
     EXPECT_TRUE(sent().isEmpty());
     after(1); // slide 2 lasts no time, and its sound is never started
-    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_EQ(sent(), kStopClose);
     EXPECT_EQ(shown("lblPosition") + u' ' + shown("lblTimeLeft"), u"3 / 4 0:02"_s);
     after(2000);
     EXPECT_EQ(sent(), starts(u"c.amr"_s));
     after(4000);
-    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_EQ(sent(), kStopClose);
     EXPECT_TRUE(player->slideShow().isFinished());
     EXPECT_EQ(shown("lblStatus"), u"I73"_s);
     EXPECT_TRUE(fake.dialogs.shown.empty());
@@ -87,13 +86,13 @@ TEST_F(PlayerTest, SpaceHoldsTheSlideAndItsSoundAndTheArrowsAndHomeStep) {
               u"1 / 3 0:02 I72"_s);
     key(Qt::Key_Space);
     after(2000);
-    EXPECT_EQ(sent(), QStringList({u"pause music"_s, u"resume music"_s, kStop, kClose}) + starts(u"b.amr"_s));
+    EXPECT_EQ(sent(), QStringList({u"pause music"_s, u"resume music"_s}) + kStopClose + starts(u"b.amr"_s));
     const std::pair<int, QStringList> steps[] = {
-        {Qt::Key_Right, {kStop, kClose}},                                 // to slide 3, no sound
-        {Qt::Key_Right, {}},                                              // past the last: the end
-        {Qt::Key_Left, starts(u"b.amr"_s)},                               // slide 2 again
-        {Qt::Key_Home, QStringList{kStop, kClose} + starts(u"a.mid"_s)},  // slide 1
-        {Qt::Key_Left, QStringList{kStop, kClose} + starts(u"a.mid"_s)}}; // slide 1 from its start
+        {Qt::Key_Right, kStopClose},                      // to slide 3, no sound
+        {Qt::Key_Right, {}},                              // past the last: the end
+        {Qt::Key_Left, starts(u"b.amr"_s)},               // slide 2 again
+        {Qt::Key_Home, kStopClose + starts(u"a.mid"_s)},  // slide 1
+        {Qt::Key_Left, kStopClose + starts(u"a.mid"_s)}}; // slide 1 from its start
     QStringList positions;
     for (const auto& [k, commands] : steps) {
         key(k);
@@ -125,31 +124,99 @@ TEST_F(PlayerTest, ClosingMidSlideStopsTheSoundAtOnceAndReportsWhatWasSkipped) {
     sent();
     key(Qt::Key_Escape);
     EXPECT_EQ(player->result(), QDialog::Rejected);
-    EXPECT_EQ(sent(), (QStringList{kStop, kClose}));
+    EXPECT_EQ(sent(), kStopClose);
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"skipped:b.amr"_s});
     after(10000);
     EXPECT_TRUE(sent().isEmpty());
 }
 
-class PlayCommandTest : public ComposerTest {};
+using PlayCommandTest = ComposerTest;
 
 TEST_F(PlayCommandTest, PlaysTheMessageFromTheSelectedSlideOrSaysThereIsNone) {
-    auto* playMessage = w->findChild<QAction*>(u"mnu_play"_s);
-    ASSERT_TRUE(playMessage && w->findChild<QToolButton*>(u"playCmd"_s));
-    EXPECT_EQ(playMessage->shortcut(), QKeySequence(Qt::Key_F5));
-    playMessage->trigger();
+    EXPECT_EQ(ctl<QAction>(w, "mnu_play")->shortcut(), QKeySequence(Qt::Key_F5));
+    ctl<QAction>(w, "mnu_play")->trigger();
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E33"_s});
     EXPECT_EQ(fake.dialogs.modalRuns, 0);
 
-    addSlides(u"AB"_s);
-    pick(2);
+    compose(); // slide 2 of 3 is selected
     QString position;
     fake.dialogs.modalHooks.push_back([&](QDialog& dialog) {
-        position = dialog.findChild<QLabel*>(u"lblPosition"_s)->text();
+        position = ctl<QLabel>(dialog, "lblPosition")->text();
         dialog.reject();
     });
-    w->findChild<QToolButton*>(u"playCmd"_s)->click();
-    EXPECT_EQ(position, u"2 / 2"_s);
+    ctl<QToolButton>(w, "playCmd")->click();
+    EXPECT_EQ(position, u"2 / 3"_s);
+}
+
+// The shared message; its sound on the shown slide B is playing in the preview.
+class PreviewTest : public ComposerTest {
+protected:
+    void SetUp() override {
+        ComposerTest::SetUp();
+        compose();
+        fake.device.sent.clear();
+        play = ctl<QToolButton>(w, "soundPlayCmd");
+        play->click();
+    }
+    QStringList sent() { return std::exchange(fake.device.sent, {}); }
+    void expectStopped() {
+        EXPECT_FALSE(w->isPlaying());
+        EXPECT_EQ(play->toolTip(), u"I28"_s);
+    }
+    QToolButton* play = nullptr;
+};
+
+TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
+    EXPECT_TRUE(w->isPlaying());
+    EXPECT_EQ(play->toolTip(), u"I27"_s);
+    EXPECT_EQ(sent(), starts(tune));
+    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
+    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
+    EXPECT_TRUE(w->isPlaying());
+    // The successful end is reported on the player's thread and handled on the window's.
+    std::unique_ptr<QThread> player(
+        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); }));
+    player->start();
+    player->wait();
+    EXPECT_TRUE(w->isPlaying());
+    QCoreApplication::processEvents();
+    expectStopped();
+    EXPECT_EQ(sent(), kStopClose);
+
+    play->click();
+    sent();
+    play->click();
+    // The stop makes the device report an aborted playback, and a late end report may follow.
+    for (auto late : {MultimediaDevice::Notify::Aborted, MultimediaDevice::Notify::Successful}) {
+        fake.device.emitNotify(late);
+        expectStopped();
+    }
+    EXPECT_EQ(sent(), kStopClose);
+    EXPECT_TRUE(fake.dialogs.shown.empty());
+}
+
+TEST_F(PreviewTest, ShowingAnotherSlideOrClosingStopsThePreviewAndOnlyAnAmrSoundThatDecodesIsPlayed) {
+    sent();
+    pick(3);
+    expectStopped();
+    EXPECT_EQ(sent(), kStopClose + kStopClose);
+    const QString voice = home.write(u"UserData/Sound/voice.AMR"_s, amrTone(5));
+    for (const QString& sound : {home.write(u"UserData/Sound/fake.amr"_s, "#!AMR\n"), voice}) {
+        w->updateCurrentSlide(u"soundPath"_s, sound);
+        w->lstSlide_ItemClick();
+        sent();
+        play->click();
+    }
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E7"_s}) << "the fake only";
+    EXPECT_EQ(sent(), starts(voice));
+    EXPECT_TRUE(w->isPlaying());
+
+    // Closing the window stops the preview and unhooks the device.
+    fake.dialogs.answers = {Answer::No}; // the message was changed: do not save
+    ASSERT_TRUE(w->close());
+    EXPECT_EQ(sent().mid(0, 2), kStopClose);
+    w.reset();
+    fake.device.emitNotify(MultimediaDevice::Notify::Successful); // nobody listens any more
 }
 
 } // namespace

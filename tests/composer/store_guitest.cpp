@@ -1,8 +1,10 @@
+// Saving, opening and deleting messages, and the draft kept while changes are unsaved.
+#include "composer/draftstore.h"
 #include "composer/slidepicture.h"
 #include "composerfixture.h"
-#include "support/controls.h"
 
 #include <QLabel>
+#include <QTest>
 
 using namespace mms;
 using namespace mms::test;
@@ -19,28 +21,20 @@ protected:
             ctl<QPushButton>(d, button)->click();
         });
     }
-    bool stored(const QString& name) const {
-        return QFileInfo::exists(home.file(u"UserData/MMS/%1.mmt"_s.arg(name)));
+    // Whether a draft lies in the workspace once the pending write or removal is done.
+    bool draftNow() {
+        w->flushDraft();
+        return DraftStore(home.path()).exists();
     }
+    bool stored(const QString& name) const { return exists(u"UserData/MMS/%1.mmt"_s.arg(name)); }
     void saveAs(const QString& name) {
         answerDialog(name);
         w->mnu_saveAs_Click();
     }
-    // Two slides: "A" with a picture and 5 seconds, "B" with a sound.
-    void composeTwoSlides() {
-        addSlides(u"AB"_s);
-        pick(1);
-        typeDuration(u"5"_s);
-        picture = savePicture(u"UserData/Picture/green.png"_s, Qt::green);
-        w->updateCurrentSlide(u"imgPath"_s, picture);
-        pick(2);
-        w->updateCurrentSlide(u"soundPath"_s, home.write(u"UserData/Sound/tune.mid"_s, QByteArray(300, 'm')));
-    }
-    QString picture;
 };
 
 TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrentOne) {
-    composeTwoSlides();
+    compose();
     answerDialog(u"old"_s);
     ctl<QAction>(w, "mnu_save")->trigger(); // never saved: Save behaves as Save as
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P8"_s});
@@ -64,11 +58,23 @@ TEST_F(StoreTest, SaveAsNamesTheMessageSaveStoresItAgainAndDeleteKeepsTheCurrent
     EXPECT_FALSE(stored(u"old"_s));
     EXPECT_TRUE(stored(u"new"_s));
     EXPECT_EQ(w->messageState().currentFile, u"new"_s);
-    EXPECT_EQ(w->message().getTotalSlide(), 2);
+    EXPECT_EQ(w->message().getTotalSlide(), 3);
 }
 
-TEST_F(StoreTest, ASaveThatFailsKeepsTheNameAndTheChangesAndNewKeepsThemToo) {
-    composeTwoSlides();
+TEST_F(StoreTest, NewAsksFirstAndGoesOnAfterACancelledSaveAsButNotAfterAFailedSave) {
+    compose();
+    fake.dialogs.answers = {Answer::Cancel};
+    ctl<QAction>(w, "mnu_new")->trigger();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P3"_s});
+    EXPECT_EQ(w->message().getTotalSlide(), 3);
+    fake.dialogs.answers = {Answer::Yes}; // save first: the save-as dialog is cancelled, New goes on
+    w->mnu_new_Click();
+    EXPECT_EQ(fake.dialogs.modalRuns, 1);
+    EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
+    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
+    EXPECT_FALSE(w->isModified());
+
+    compose();
     saveAs(u"trip"_s);
     // The picture disappears from the library; a Save as under a new name cannot copy it.
     ASSERT_TRUE(QFile::remove(picture));
@@ -82,26 +88,11 @@ TEST_F(StoreTest, ASaveThatFailsKeepsTheNameAndTheChangesAndNewKeepsThemToo) {
     EXPECT_TRUE(w->isModified());
     fake.dialogs.answers = {Answer::Yes}; // save first: it fails again, so nothing is dropped
     w->mnu_new_Click();
-    EXPECT_EQ(w->message().getTotalSlide(), 2);
+    EXPECT_EQ(w->message().getTotalSlide(), 3);
 }
 
-TEST_F(StoreTest, NewAsksAboutChangesAndGoesOnAfterACancelledSaveAs) {
-    composeTwoSlides();
-    fake.dialogs.answers = {Answer::Cancel};
-    ctl<QAction>(w, "mnu_new")->trigger();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"P3"_s});
-    EXPECT_EQ(w->message().getTotalSlide(), 2);
-
-    fake.dialogs.answers = {Answer::Yes}; // then the save-as dialog is cancelled
-    w->mnu_new_Click();
-    EXPECT_EQ(fake.dialogs.modalRuns, 1);
-    EXPECT_TRUE(w->message().IsEmpty() && w->stripModel().count() == 0);
-    EXPECT_EQ(w->windowTitle(), u"I0 - I1[*]"_s);
-    EXPECT_FALSE(w->isModified());
-}
-
-TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
-    composeTwoSlides();
+TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopyAndAFailedOpenChangesNothing) {
+    compose();
     saveAs(u"trip"_s);
     w->mnu_new_Click();
     fake.dialogs.shown.clear();
@@ -109,11 +100,8 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     answerDialog(u"trip"_s, "cmdOpen");
     ctl<QAction>(w, "mnu_open")->trigger();
     EXPECT_TRUE(fake.dialogs.shown.empty()) << fake.dialogs.texts().join(u'|').toStdString();
-    EXPECT_EQ(strip(), u"A5s B3s"_s);
+    EXPECT_EQ(strip(), u"A5s B3s C3s"_s);
     EXPECT_NE(w->stripModel().thumbnail(1), blankThumbnail());
-    const QString workingCopy = home.file(u"UserData/MMS/temp/"_s);
-    EXPECT_TRUE(w->message().firstItem()->DataImgPath.startsWith(workingCopy));
-    EXPECT_TRUE(w->message().lastItem()->DataSoundPath.startsWith(workingCopy));
     EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), u"A"_s);
     EXPECT_FALSE(w->isModified());
     EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
@@ -121,12 +109,8 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopy) {
     EXPECT_EQ(ctl<QLabel>(w, "lblSoundName")->text(), u"trip-sound2.mid"_s);
 
     w->mnu_open_Click(); // cancelling the dialog changes nothing
-    EXPECT_EQ(strip(), u"A5s B3s"_s);
-    EXPECT_EQ(w->messageState().currentFile, u"trip"_s);
-}
-
-TEST_F(StoreTest, AMessageThatCannotBeOpenedChangesNothing) {
-    addSlides(u"X"_s);
+    EXPECT_EQ(strip(), u"A5s B3s C3s"_s);
+    typeText(u"!"_s);
     home.write(u"UserData/MMS/broken.mmt"_s, "\"subject\"\n3,I\n");
     QDir().mkpath(home.file(u"UserData/MMS/broken"_s));
     fake.dialogs.answers = {Answer::No}; // do not save the changes first
@@ -134,9 +118,76 @@ TEST_F(StoreTest, AMessageThatCannotBeOpenedChangesNothing) {
     w->mnu_open_Click();
     ASSERT_EQ(fake.dialogs.shown.size(), 2u);
     EXPECT_TRUE(fake.dialogs.shown[1].text.startsWith(u"E24"_s));
-    EXPECT_EQ(strip(), u"X3s"_s);
-    EXPECT_TRUE(w->messageState().currentFile.isEmpty());
+    EXPECT_EQ(strip(), u"A5s B!3s C3s"_s);
+    EXPECT_EQ(w->messageState().currentFile, u"trip"_s);
     EXPECT_TRUE(w->isModified());
+}
+
+// A killed composer runs none of its own shutdown: the draft it wrote while the user worked must be
+// enough. Here the first window is left as it is, never closed, while the next one starts.
+TEST_F(StoreTest, AnAbandonedComposerLeavesADraftToRestore) {
+    options.draftDelayMs = 20;
+    start();
+    w->messageState().currentFile = u"trip"_s;
+    w->messageState().txtsubject = u"Hi"_s;
+    compose();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return DraftStore(home.path()).exists(); }, 20000));
+    const std::unique_ptr<frmMMSMain> abandoned = std::move(w);
+    ASSERT_TRUE(QFile::remove(tune));
+
+    // The next start offers the draft; Yes gives the message back as it was, still unsaved, without
+    // the sound that went meanwhile, which is named.
+    start();
+    fake.dialogs.answers.push_back(Answer::Yes);
+    w->offerDraftRestore();
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{u"P12"_s, u"E38"_s}));
+    ASSERT_EQ(strip(), u"A5s B3s C3s"_s);
+    EXPECT_EQ(w->message().nodeAt(1)->DataImgPath, picture);
+    EXPECT_TRUE(w->message().nodeAt(2)->DataSoundPath.isEmpty());
+    EXPECT_NE(w->stripModel().thumbnail(1), w->stripModel().thumbnail(2)); // the picture's, a blank one
+    EXPECT_EQ(w->selectedSlide(), 2);
+    EXPECT_EQ(w->messageState().currentFile + w->messageState().txtsubject, u"tripHi"_s);
+    EXPECT_EQ(w->windowTitle(), u"I0 - trip[*]"_s);
+    EXPECT_TRUE(w->isModified() && w->isWindowModified());
+    EXPECT_EQ(w->history().count(), 0);
+}
+
+TEST_F(StoreTest, ChangesKeepADraftThatSavingNewAndClosingRemove) {
+    addSlides(u"A"_s);
+    ASSERT_TRUE(draftNow());
+    w->messageState().currentFile = u"kept"_s;
+    w->mnu_save_Click();
+    EXPECT_FALSE(draftNow());
+    typeText(u"!"_s);
+    ASSERT_TRUE(draftNow());
+    w->mnu_new_Click();
+    EXPECT_FALSE(draftNow());
+    addSlides(u"B"_s);
+    ASSERT_TRUE(draftNow());
+    bool cancel = false;
+    fake.dialogs.answers.push_back(Answer::No); // close without saving: the changes are given up
+    w->Form_QueryUnload(cancel);
+    EXPECT_FALSE(cancel || draftNow());
+
+    // A draft declined at start-up goes; nothing is written over one not yet offered.
+    const QByteArray left = encodeDraft(Draft{{}, {}, 0, {}});
+    ASSERT_TRUE(DraftStore(home.path()).write(left).isOk());
+    w.reset();
+    start();
+    addSlides(u"C"_s);
+    w->flushDraft();
+    EXPECT_EQ(TempDir::read(DraftStore(home.path()).path()), left);
+    fake.dialogs.answers.push_back(Answer::No);
+    w->offerDraftRestore();
+    EXPECT_FALSE(draftNow());
+
+    // A damaged draft is set aside with a message.
+    ASSERT_TRUE(DraftStore(home.path()).write("{ not a draft").isOk());
+    fake.dialogs.shown.clear();
+    w->offerDraftRestore();
+    ASSERT_EQ(fake.dialogs.texts(), QStringList{u"E35"_s});
+    EXPECT_FALSE(DraftStore(home.path()).exists());
+    EXPECT_EQ(TempDir::read(home.file(u"UserData/draft-damaged-20240517-143005.json"_s)), "{ not a draft");
 }
 
 } // namespace
