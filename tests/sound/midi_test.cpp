@@ -1,8 +1,13 @@
 #include "sound/midi_testfile.h"
+#include "sound/midicrop.h"
 #include "sound/mididecoder.h"
+#include "sound/midiwriter.h"
 #include "support/qtprint.h"
 #include "support/recordingsink.h"
+#include "support/tempdir.h"
 
+#include <QBuffer>
+#include <QFile>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -12,6 +17,14 @@ using namespace mms::test::midifile;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// A channel's bars as the decoder tabulated them, up to the first empty one.
+QStringList bars(const MidiDecoder& decoder, int channel) {
+    QStringList out;
+    for (int b = 0; b < MidiDecoder::kBars && !decoder.noteTable(channel, b).isEmpty(); ++b)
+        out << decoder.noteTable(channel, b);
+    return out;
+}
 
 class MidiDecoderTest : public ::testing::Test {
 protected:
@@ -24,14 +37,42 @@ protected:
     void decodeTrack(const Track& events, int numerator = 4, int power = 2) {
         decode(midiFile(480, {Track().tempo(500000).timeSig(numerator, power), events}));
     }
-    QStringList bars(int channel) const {
-        QStringList out;
-        for (int b = 0; b < MidiDecoder::kBars && !decoder.noteTable(channel, b).isEmpty(); ++b)
-            out << decoder.noteTable(channel, b);
-        return out;
-    }
+    QStringList bars(int channel) const { return ::bars(decoder, channel); }
     RecordingSink sink;
     MidiDecoder decoder;
+};
+
+QByteArray exported(MidiWriter& w, int bpm, int signature) {
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(w.ExportMidi(out, bpm, signature).isOk());
+    return out.data();
+}
+
+const CropTexts kTexts{u"err18"_s, u"err20"_s, u"err21"_s};
+
+// 120 bpm in 3/4. Channel 2 (program 40): C5 D5 as quarters, E5 a half, F5 G5 quarters. Channel 5
+// (program 12, own track): three seconds of rest, then C6.
+QByteArray tune() {
+    Track meta;
+    meta.tempo(500000).timeSig(3, 2).end();
+    Track lead;
+    lead.program(2, 40).note(0, 480, 2, 60).note(0, 480, 2, 62).note(0, 960, 2, 64).note(0, 480, 2, 65);
+    lead.note(0, 480, 2, 67).end();
+    Track late;
+    late.program(5, 12).note(2880, 480, 5, 72).end();
+    return midiFile(480, {meta, lead, late});
+}
+
+class MidiCropTest : public MidiDecoderTest {
+protected:
+    MidiCropTest() { in = dir.write(u"tune.mid"_s, tune()); }
+    bool crop(const char* start, const char* end) {
+        return cropMidi(decoder, in, out, QString::fromLatin1(start), QString::fromLatin1(end), kTexts, sink);
+    }
+    TempDir dir;
+    QString in;
+    QString out = dir.file(u"out.mid"_s);
 };
 
 } // namespace
@@ -188,4 +229,103 @@ TEST_F(MidiDecoderTest, TempoAndDivisionSurviveIntoTheNextDecode) {
     EXPECT_EQ(decoder.tempoBpm(), 120);
     EXPECT_EQ(decoder.timeSig(), (std::array<qint16, 2>{4, 4})); // the signature is reset by every decode
     EXPECT_DOUBLE_EQ(decoder.tuneLength(), 2.0);
+}
+
+TEST(MidiWriter, AcceptsExactlyTheDecoderTokens) {
+    MidiWriter w;
+    w.Init();
+    for (const char* text : {"_", "4C5", "1P,2P,4P,8P,16P,32P", "16F#4,32C#0,8G10,2A#3,4B9", "4C10"})
+        EXPECT_TRUE(w.ImportTrackNote(0, 0, QString::fromLatin1(text)).isOk()) << text;
+    for (const char* text :
+         {"",     "4C5,", ",4C5",  "4C5 ,8D5", " 4C5", "3C5", "64C5", "4H5", "4E#5",    "4Cb5",
+          "4C05", "4C11", "4G#10", "4c5",      "4P5",  "4",   "P",    "__",  "4C5;8D5", "4C-1"}) {
+        const Status s = w.ImportTrackNote(0, 0, QString::fromLatin1(text));
+        EXPECT_FALSE(s.isOk()) << text;
+        EXPECT_FALSE(s.message().isEmpty());
+    }
+    EXPECT_FALSE(w.ImportTrackNote(16, 0, u"4C5"_s).isOk() || w.ImportTrackNote(0, 1, u"4C5"_s).isOk());
+    EXPECT_FALSE(w.ImportTrackGM(0, 128).isOk() || w.ImportTrackGM(-1, 0).isOk());
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    EXPECT_FALSE(w.ExportMidi(out, 120, 5).isOk() || w.ExportMidi(out, 3, 2).isOk());
+    EXPECT_TRUE(out.data().isEmpty());
+}
+
+TEST(MidiWriter, WritesATempoTrackAndOneTrackPerChannelWithNotesThatDecodeBack) {
+    MidiWriter w;
+    w.Init();
+    ASSERT_TRUE(w.ImportTrackNote(1, 0, u"4P,8C5,2P"_s).isOk());
+    ASSERT_TRUE(w.ImportTrackGM(1, 5).isOk());
+    ASSERT_TRUE(w.ImportTrackNote(0, 0, u"_"_s).isOk());
+    ASSERT_TRUE(w.ImportTrackGM(0, 7).isOk());
+    const QByteArray expected =
+        QByteArray::fromHex("4d546864 00000006 0001 0002 01e0"
+                            "4d54726b 00000013 00ff5804 04021808 00ff5103 07a120 00ff2f00"
+                            "4d54726b 00000012 00c105 8360 913c64 8170 813c00 8740 ff2f00");
+    EXPECT_EQ(exported(w, 120, 2).toHex(' '), expected.toHex(' '));
+
+    // Every length, accidental and octave survives a reading by the decoder.
+    w.Init();
+    const QString melody = u"2P,4C5,8D5,8E5,16F#5,16G5,32A5,32B5,1C6"_s;
+    ASSERT_TRUE(w.ImportTrackNote(9, 0, melody).isOk());
+    ASSERT_TRUE(w.ImportTrackGM(9, 127).isOk());
+    ASSERT_TRUE(w.ImportTrackNote(3, 0, u"16C0,1G10"_s).isOk());
+    MidiDecoder decoder;
+    decoder.resetMidiTables();
+    decoder.decodeMidiData(exported(w, 90, 4));
+    ASSERT_TRUE(decoder.midiDecoded());
+    EXPECT_EQ(decoder.tempoBpm(), 90);
+    EXPECT_EQ(decoder.timeSignatureCode(), 4);
+    EXPECT_EQ(decoder.channelProgram(9), 127);
+    EXPECT_EQ(bars(decoder, 9).join(u' ').replace(u' ', u','), melody);
+    EXPECT_EQ(decoder.noteTable(3, 0), u"16C0 1G10"_s);
+}
+
+TEST_F(MidiCropTest, RefusesBadStretchesWithTheirTexts) {
+    for (const auto& [start, end] :
+         {std::pair{"2.0s", "1.0s"}, {"1.0s", "1.0s"}, {"-1.0s", "1.0s"}, {"0.0s", "3.1s"}})
+        EXPECT_FALSE(crop(start, end)) << start << end;
+    EXPECT_EQ(sink.texts(), (QStringList{u"err18"_s, u"err18"_s, u"err21"_s, u"err20"_s}));
+    sink.shown.clear();
+    in = dir.write(u"bad.mid"_s, "MThd garbage");
+    EXPECT_FALSE(crop("0.0s", "1.0s")); // a failed decode has nothing to add
+    EXPECT_TRUE(sink.shown.empty());
+    EXPECT_FALSE(QFile::exists(out));
+}
+
+TEST_F(MidiCropTest, OutputHoldsTheStretchWithItsProgramsTempoAndSignature) {
+    ASSERT_TRUE(crop("1.0s", "2.5s")) << sink.texts().join(QLatin1Char('\n')).toStdString();
+    MidiDecoder back;
+    back.resetMidiTables();
+    back.decodeMidiFile(out);
+    ASSERT_TRUE(back.midiDecoded());
+    EXPECT_EQ(back.tempoBpm(), 120);
+    EXPECT_EQ(back.timeSig(), (std::array<qint16, 2>{3, 4}));
+    EXPECT_EQ(back.noteTable(2, 0), u"2E5 4F5"_s);
+    EXPECT_EQ(back.channelProgram(2), 40);
+    EXPECT_EQ(back.channelProgram(5), 12); // its stretch holds only rests: no notes, but the program stays
+    EXPECT_TRUE(back.noteTable(5, 0).isEmpty());
+}
+
+TEST_F(MidiCropTest, ATuneWithoutTempoIsTimedAtTheLastTempoReadOrMidisDefault) {
+    Track plain; // one 4/4 bar of quarters, no tempo event
+    for (int key : {60, 62, 64, 65})
+        plain.note(0, 96, 0, key);
+    const QString noTempo = dir.write(u"plain.mid"_s, midiFile(96, {plain.end()}));
+    // A fresh run: MIDI's default of 120 beats a minute makes the bar two seconds long.
+    in = noTempo;
+    EXPECT_FALSE(crop("0.0s", "2.1s"));
+    EXPECT_TRUE(crop("0.0s", "2.0s"));
+    MidiDecoder written;
+    written.decodeMidiFile(out);
+    EXPECT_EQ(written.tempoBpm(), 120);
+
+    // Once a tune with its own tempo (60 beats a minute) was read, the plain one keeps that tempo.
+    Track slow;
+    slow.tempo(1000000).note(0, 96, 0, 60).end();
+    in = dir.write(u"slow.mid"_s, midiFile(96, {slow}));
+    EXPECT_FALSE(crop("0.0s", "5.0s"));
+    in = noTempo;
+    EXPECT_TRUE(crop("0.0s", "4.0s"));
+    EXPECT_EQ(sink.texts(), (QStringList{u"err20"_s, u"err20"_s}));
 }
