@@ -6,7 +6,6 @@
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
 #include "store/widgets/frmmmsfilesave.h"
-#include "support/recordingsink.h"
 
 #include <QLabel>
 #include <QTest>
