@@ -224,12 +224,10 @@ TEST(Drafts, RoundTripKeepsEverySlideRefusesAnythingElseAndTheStoreSetsADamagedO
     EXPECT_TRUE(store.remove().isOk());
 
     const QString kept = home.write(u"p.jpg"_s, "x");
-    Draft gone{{},
-               {},
-               1,
-               {SlideContent{{}, kept, {}, home.file(u"gone.mid"_s)},
-                SlideContent{{}, home.file(u"gone.mid"_s), {}, {}}}};
-    EXPECT_EQ(dropMissingMedia(gone), QStringList{home.file(u"gone.mid"_s)});
+    const QString lost = home.file(u"gone.mid"_s);
+    Draft gone;
+    gone.slides = {SlideContent{{}, kept, {}, lost}, SlideContent{{}, lost, {}, {}}};
+    EXPECT_EQ(dropMissingMedia(gone), QStringList{lost});
     EXPECT_EQ(gone.slides[0].picture, kept);
     EXPECT_TRUE(gone.slides[0].sound.isEmpty() && gone.slides[1].picture.isEmpty());
 }

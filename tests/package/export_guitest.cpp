@@ -3,14 +3,9 @@
 #include "package/archivereader.h"
 #include "package/messageexport.h"
 #include "package/widgets/frmmmspromptsubject.h"
-#include "support/controls.h"
-#include "support/recordingsink.h"
 
 #include <QClipboard>
 #include <QDir>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 
 using namespace mms;
 using namespace mms::test;
