@@ -32,8 +32,7 @@ protected:
                             {});
         slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd-tune"));
         ASSERT_TRUE(store.save(slides, u"beta"_s, u"Hello"_s).isOk());
-        CSlide none;
-        ASSERT_TRUE(store.save(none, u"Alpha"_s, u"Empty"_s).isOk());
+        ASSERT_TRUE(store.save(CSlide(), u"Alpha"_s, u"Empty"_s).isOk());
         ASSERT_TRUE(store.copyToWorkingCopy(u"Alpha"_s).isOk());
     }
     // %1 in `line` is the home folder, %2 the stored folder of beta.

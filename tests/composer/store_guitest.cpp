@@ -199,9 +199,8 @@ class NameDialogsTest : public StoreFixture {
 protected:
     void SetUp() override {
         texts.setTexts(numberedTexts());
-        CSlide none;
         for (const QString& name : {u"zeta"_s, u"Alpha"_s, u"current"_s})
-            ASSERT_TRUE(store.save(none, name, {}).isOk());
+            ASSERT_TRUE(store.save(CSlide(), name, {}).isOk());
         ASSERT_TRUE(store.copyToWorkingCopy(u"zeta"_s).isOk());
         state.currentFile = u"current"_s;
         state.isCancel = true;
