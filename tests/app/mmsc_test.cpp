@@ -32,8 +32,7 @@ protected:
                             {});
         slides.InsertAtBack(SlideDur::fromNumber(7), {}, {}, media(u"s.mid"_s, "MThd-tune"));
         ASSERT_TRUE(store.save(slides, u"beta"_s, u"Hello"_s).isOk());
-        CSlide none;
-        ASSERT_TRUE(store.save(none, u"Alpha"_s, u"Empty"_s).isOk());
+        ASSERT_TRUE(store.save(CSlide(), u"Alpha"_s, u"Empty"_s).isOk());
         ASSERT_TRUE(store.copyToWorkingCopy(u"Alpha"_s).isOk());
     }
     // %1 in `line` is the home folder, %2 the stored folder of beta.
@@ -151,32 +150,31 @@ TEST_F(MmscTest, ExportMmsAndRenderWriteWhatTheLibraryWritesAndDrawsForTheStored
 class MmscBuild : public ::testing::Test {
 protected:
     MmscBuild() {
-        media.write(u"photo.gif"_s, test::padded(test::tinyGif(), 1000));
+        media.write(u"photo.gif"_s, padded(tinyGif(), 1000));
         media.write(u"voice.amr"_s, QByteArray(300, 'a'));
     }
     // `line` split at spaces; %1 is the media folder, %2 a target archive in it.
-    test::MmscRun mmsc(QString line, std::function<void()> inChild = {},
-                       const QString& command = u"build"_s) {
+    MmscRun mmsc(QString line, std::function<void()> inChild = {}, const QString& command = u"build"_s) {
         line.replace(u"%1"_s, media.path()).replace(u"%2"_s, target);
-        return test::runMmsc({u"--home"_s, home.path(), command}, line, std::move(inChild));
+        return runMmsc({u"--home"_s, home.path(), command}, line, std::move(inChild));
     }
     QStringList homeEntries() const {
         return QDir(home.path())
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
     }
     QByteArray stored(const QString& file) const {
-        return test::TempDir::read(home.file(u"UserData/MMS/"_s + file));
+        return TempDir::read(home.file(u"UserData/MMS/"_s + file));
     }
 
-    test::TempDir home;
-    test::TempDir media;
+    TempDir home;
+    TempDir media;
     const QString target = media.file(u"out.tpl"_s);
     const QString twoSlides = u"--subject Hello --slide --pic %1/photo.gif --text Hi "
                               "--slide --dur 5 --sound %1/voice.amr "_s;
 };
 
 TEST_F(MmscBuild, SaveStoresTheSlidesAndExportWritesOnlyTheChosenFile) {
-    test::expectRun(mmsc(twoSlides + u"--save msg"_s), 0);
+    expectRun(mmsc(twoSlides + u"--save msg"_s), 0);
     EXPECT_EQ(QDir(home.file(u"UserData/MMS/msg"_s)).entryList(QDir::Files, QDir::Name).join(u' '),
               u"main.smil pic1.gif sound2.amr text1.txt texts.xml"_s);
     // The edited duration is a number and goes into the index bare; the new slide's stays quoted.
@@ -184,16 +182,16 @@ TEST_F(MmscBuild, SaveStoresTheSlidesAndExportWritesOnlyTheChosenFile) {
               QByteArray("Hello\r\n\"3\",\"I\",\"T\",\"N\"\r\n5,\"N\",\"N\",\"S\"\r\n"));
 
     media.write(u"out.tpl"_s, "old contents");
-    test::expectRun(mmsc(twoSlides + u"--export %2"_s), 0);
-    EXPECT_EQ(test::tarNames(target), u"main.smil texts.xml pic1.gif sound2.amr"_s);
+    expectRun(mmsc(twoSlides + u"--export %2"_s), 0);
+    EXPECT_EQ(tarNames(target), u"main.smil texts.xml pic1.gif sound2.amr"_s);
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
 }
 
 TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesAndBadInputWritesNothing) {
     media.write(u"text.jpg"_s, "not a picture");
     media.write(u"empty.gif"_s, "");
-    media.write(u"big.gif"_s, test::padded(test::tinyGif(), 102400));
-    media.write(u"noise.bmp"_s, test::encoded(test::noise(600, 600), "BMP"));
+    media.write(u"big.gif"_s, padded(tinyGif(), 102400));
+    media.write(u"noise.bmp"_s, encoded(noise(600, 600), "BMP"));
     media.write(u"long.amr"_s, QByteArray(102400, 'a'));
     for (const QString& line : {u"--slide --pic %1/photo.gif --slide --pic %1/text.jpg --save m"_s,
                                 u"--slide --pic %1/empty.gif --save m"_s,
@@ -216,25 +214,25 @@ TEST_F(MmscBuild, PicturesAndSoundsFollowTheComposersRulesAndBadInputWritesNothi
                                 u"--slide --export %1/no/dir/x.tpl"_s,
                                 u"--subject two\nlines --save m"_s}) {
         SCOPED_TRACE(line.toStdString());
-        test::expectRun(mmsc(line), 2);
+        expectRun(mmsc(line), 2);
     }
     // --info writes nothing either.
     const int size = 499 + 5 + 2 * 36 + (1000 + 41 + 27) + (2 + 2 + 42 + 28) + (300 + 30 + 37);
-    test::expectRun(mmsc(twoSlides + u"--info"_s), 0, u"slides: 2\nsize: %1\n"_s.arg(size));
-    test::expectRun(mmsc(u"--info"_s), 0, u"slides: 0\nsize: 0\n"_s);
+    expectRun(mmsc(twoSlides + u"--info"_s), 0, u"slides: 2\nsize: %1\n"_s.arg(size));
+    expectRun(mmsc(u"--info"_s), 0, u"slides: 0\nsize: 0\n"_s);
     EXPECT_TRUE(homeEntries().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(target));
     // A large picture is re-encoded as a JPEG of its size, --fit shrinks the one its JPEG could not fit
     // keeping its shape, and the scratch copies are gone.
-    media.write(u"large.bmp"_s, test::encoded(test::filled(300, 200, Qt::green), "BMP"));
-    test::expectRun(mmsc(u"--slide --pic %1/large.bmp --save m"_s), 0);
+    media.write(u"large.bmp"_s, encoded(filled(300, 200, Qt::green), "BMP"));
+    expectRun(mmsc(u"--slide --pic %1/large.bmp --save m"_s), 0);
     EXPECT_EQ(QImage::fromData(stored(u"m/pic1.jpg"_s), "JPEG").size(), QSize(300, 200));
-    test::expectRun(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s), 0);
+    expectRun(mmsc(u"--fit --slide --pic %1/noise.bmp --save f"_s), 0);
     const QImage fitted = QImage::fromData(stored(u"f/pic1.jpg"_s), "JPEG");
     EXPECT_TRUE(stored(u"f/pic1.jpg"_s).size() < 102400 && fitted.width() == fitted.height());
     EXPECT_EQ(homeEntries(), QStringList(u"UserData"_s));
     // --raw takes any file as it is.
-    test::expectRun(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s), 0);
+    expectRun(mmsc(u"--raw --slide --pic %1/text.jpg --sound %1/photo.gif --save r"_s), 0);
     EXPECT_EQ(stored(u"r/pic1.jpg"_s), QByteArray("not a picture"));
 }
 
@@ -248,28 +246,27 @@ TEST_F(MmscBuild, AFullDiskAndAReadOnlyFolderAreNamed) {
     };
     for (const char* line :
          {"--slide --sound %1/voice.amr --save m", "--slide --sound %1/voice.amr --export %2"}) {
-        const test::MmscRun r = mmsc(QString::fromLatin1(line), fullDisk);
-        test::expectRun(r, 2, {}, u"File too large"_s);
+        const MmscRun r = mmsc(QString::fromLatin1(line), fullDisk);
+        expectRun(r, 2, {}, u"File too large"_s);
         EXPECT_TRUE(r.err.contains(u"sound1.amr"_s)) << r.err.toStdString();
     }
-    test::expectRun(mmsc(u"--slide --sound %1/voice.amr --save m"_s), 0);
-    test::expectRun(mmsc(u"m %2"_s, fullDisk, u"mms"_s), 1, {}, u"File too large"_s);
+    expectRun(mmsc(u"--slide --sound %1/voice.amr --save m"_s), 0);
+    expectRun(mmsc(u"m %2"_s, fullDisk, u"mms"_s), 1, {}, u"File too large"_s);
     EXPECT_FALSE(QFileInfo::exists(target));
 
     // Without the power to override permissions, in a home folder that cannot be written.
-    test::TempDir readOnly;
+    TempDir readOnly;
     QFile::setPermissions(readOnly.path(), QFileDevice::Permissions(0x5555));
     QFile::setPermissions(media.path(), QFileDevice::Permissions(0x7755));
-    const test::MmscRun denied =
-        test::runMmsc({u"--home"_s, readOnly.path(), u"build"_s}, u"--slide --save m"_s, [] {
-            if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(3);
-        });
-    test::expectRun(denied, 2, {}, u"Permission denied"_s);
+    const MmscRun denied = runMmsc({u"--home"_s, readOnly.path(), u"build"_s}, u"--slide --save m"_s, [] {
+        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(3);
+    });
+    expectRun(denied, 2, {}, u"Permission denied"_s);
 }
 
 TEST(CommandLineTest, OptionsAndExitStatuses) {
-    const QString version = mms::programVersion();
-    const mms::test::TempDir dir;
+    const QString version = programVersion();
+    const TempDir dir;
     const QString home = dir.file(u"new/home"_s);
     const struct {
         QString program;
@@ -289,7 +286,7 @@ TEST(CommandLineTest, OptionsAndExitStatuses) {
         {u"mms-composer"_s, {u"--home"_s, home, u"--quit-after"_s, u"0"_s}, 0, {}},
     };
     for (const auto& c : cases) {
-        const auto r = mms::test::runProgram(c.program, c.args);
+        const auto r = runProgram(c.program, c.args);
         EXPECT_EQ(r.exitCode, c.status) << qPrintable(c.args.join(u' '));
         EXPECT_TRUE((r.out + r.err).contains(c.output)) << qPrintable(r.out + r.err);
     }

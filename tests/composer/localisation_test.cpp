@@ -93,7 +93,7 @@ TEST(LanguageChoice, FollowsTheTableExactlyAndTheSettingOfTheUserOverTheSystem) 
     test::TempDir user, system;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, user.path());
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, system.path());
-    const QString conf = QStringLiteral("Morvane.conf");
+    const QString conf = u"Morvane.conf"_s;
     EXPECT_EQ(readLanguageSetting(), QString());
     const std::tuple<const test::TempDir*, const char*, const char*> steps[] = {
         {&system, "ru", "ru"}, {&user, "fra", "fra"}, {&user, "it, sch", ""}, {&user, "@ByteArray(it)", ""}};
@@ -111,18 +111,17 @@ TEST(Localisation, LoadFailuresNameTheFileKeepTheTextsAndLookupsBeyondTheEndThro
     test::TempDir dir;
     Localisation loc;
     loc.setTexts(parsed(languageFile(kExample)));
-    EXPECT_TRUE(loc.readLangFile(5, dir.path()).message().endsWith(QLatin1String("Italian.lng is missing.")));
-    EXPECT_EQ(loc.helpFile(), dir.file(QStringLiteral("MorvaneIta.chm")));
-    dir.write(QStringLiteral("English.lng"), QByteArray());
+    EXPECT_TRUE(loc.readLangFile(5, dir.path()).message().endsWith(u"Italian.lng is missing."_s));
+    EXPECT_EQ(loc.helpFile(), dir.file(u"MorvaneIta.chm"_s));
+    dir.write(u"English.lng"_s, QByteArray());
     EXPECT_TRUE(loc.readLangFile(9, dir.path())
                     .message()
-                    .endsWith(QLatin1String("English.lng is not usable: the file is empty.")));
-    dir.write(QStringLiteral("English.lng"), languageFile(b("0\0a\0b") + kGroup + "c" + kGroup + "d"));
+                    .endsWith(u"English.lng is not usable: the file is empty."_s));
+    dir.write(u"English.lng"_s, languageFile(b("0\0a\0b") + kGroup + "c" + kGroup + "d"));
     const QString lacks = loc.readLangFile(0, dir.path()).message();
-    EXPECT_TRUE(lacks.contains(QLatin1String("lacks prompt string 3 (it holds 3"))) << lacks.toStdString();
+    EXPECT_TRUE(lacks.contains(u"lacks prompt string 3 (it holds 3"_s)) << lacks.toStdString();
 
-    EXPECT_EQ(loc.getMCrPromptStr(1) + loc.getMCrErrStr(0) + loc.getMCrInterfaceStr(1),
-              QStringLiteral("bce"));
+    EXPECT_EQ(loc.getMCrPromptStr(1) + loc.getMCrErrStr(0) + loc.getMCrInterfaceStr(1), u"bce"_s);
     try { // the start-up shows this text when a lookup fails
         (void)loc.getMCrInterfaceStr(2);
         FAIL();
@@ -205,8 +204,7 @@ TEST(LanguageSource, TranslationsMustMatchTheReferenceEntriesAndPlaceholders) {
     EXPECT_EQ(checkAgainstReference(tr, ref).message(),
               u"error.1: Test uses no placeholder where Test uses %1"_s);
     ASSERT_TRUE(parse(kMinimal, tr).isOk());
-    EXPECT_TRUE(checkAgainstReference(tr, ref).message().contains(
-        QLatin1String("has 1 error entries where Test has 2")));
+    EXPECT_TRUE(checkAgainstReference(tr, ref).message().contains(u"has 1 error entries where Test has 2"_s));
 }
 
 TEST(LanguageSource, BuildsFilesThatReadBackAndRefusesMarkerEndings) {
@@ -224,6 +222,6 @@ TEST(LanguageSource, BuildsFilesThatReadBackAndRefusesMarkerEndings) {
         ASSERT_TRUE(
             parse(kMinimal + u"prompt.1 = "_s + QString::fromUtf8(bad) + QLatin1Char('\n'), s).isOk());
         const Status st = buildLanguageFile(s, u"T.txt"_s, bytes);
-        EXPECT_TRUE(st.message().startsWith(QLatin1String("prompt.1 ends in"))) << st.message().toStdString();
+        EXPECT_TRUE(st.message().startsWith(u"prompt.1 ends in"_s)) << st.message().toStdString();
     }
 }

@@ -1,6 +1,7 @@
 #include "package/archivereader.h"
 #include "package/packagewriter.h"
 #include "package/tararchive.h"
+#include "package/utf8.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
 
@@ -169,4 +170,13 @@ TEST_F(PackageWriterTest, FailuresNameTheFileAndLeaveNothingHalfWritten) {
     ASSERT_TRUE(full.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     const Status s = writeTarArchive(full, {gif});
     EXPECT_TRUE(s.message().contains(u"No space left on device"_s)) << s.message().toStdString();
+}
+
+TEST(Utf8Text, NeitherAddsNorDropsAMarkAndReplacesWhatItCannotCarry) {
+    EXPECT_TRUE(toUtf8Bytes(QString()).isEmpty());
+    EXPECT_TRUE(fromUtf8Bytes(QByteArray()).isEmpty());
+    EXPECT_EQ(fromUtf8Bytes(QByteArray("\xEF\xBB\xBFok")), QString(QChar(0xFEFF)) + QStringLiteral("ok"));
+    // What UTF-8 cannot carry becomes U+FFFD either way.
+    EXPECT_EQ(fromUtf8Bytes(QByteArray("a\xFF")), QStringLiteral("a\uFFFD"));
+    EXPECT_EQ(toUtf8Bytes(QStringLiteral("a") + QChar(0xD800)), QByteArray("a\xEF\xBF\xBD"));
 }

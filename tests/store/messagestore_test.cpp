@@ -7,13 +7,13 @@
 
 using namespace mms;
 using namespace Qt::StringLiterals;
-using mms::test::TempDir;
+using namespace mms::test;
 
 namespace {
 
 const SlideDur kThree = SlideDur::fromText(u"3"_s);
 
-class MessageStoreTest : public mms::test::StoreFixture {
+class MessageStoreTest : public StoreFixture {
 protected:
     // Picture + text, sound only, picture + sound.
     MessageStoreTest() {
@@ -65,7 +65,7 @@ TEST_F(MessageStoreTest, AFailedSaveOrRemoveKeepsTheStoredCopyIntact) {
                                                             {folder(u"trip"_s), true, "read-only"}};
     for (const auto& [locked, remove, says] : locks) {
         QFile::setPermissions(locked, QFileDevice::Permissions(0x5555));
-        const auto failure = mms::test::runUnprivileged([&] {
+        const auto failure = runUnprivileged([&] {
             return (remove ? store.remove(u"trip"_s) : store.save(slides, u"trip"_s, u"new"_s)).message();
         });
         QFile::setPermissions(locked, QFileDevice::Permissions(0x7777));
@@ -196,25 +196,17 @@ TEST_F(MessageStoreTest, RoundTripThroughTheWorkingCopyKeepsEverySlide) {
     EXPECT_FALSE(QFileInfo::exists(work) || QFileInfo::exists(workspace::workingCopyIndex(tmp.path())));
 }
 
-// Two layouts side by side: a build folder (programs beside their language files) and an
-// installation (bin/ empty of them, share/mms-composer/ holding them).
-struct Layouts {
-    Layouts() {
-        dir.write(u"build/bin/English.lng"_s, "x");
-        dir.write(u"usr/share/mms-composer/English.lng"_s, "x");
-        QDir().mkpath(installedBin);
-    }
-    test::TempDir dir;
-    QString build = dir.file(u"build/bin"_s);
-    QString installedBin = dir.file(u"usr/bin"_s);
-    QString installedShare = dir.file(u"usr/share/mms-composer"_s);
-    QString data = dir.file(u"data"_s);
-};
-
 TEST(AppFolderTest, ChoosesWorkspaceAndLanguageFolders) {
-    const Layouts l;
-    const QString home = l.dir.file(u"home"_s);
-    const QString variable = l.dir.file(u"variable"_s);
+    // Two layouts side by side: a build folder (programs beside their language files) and an
+    // installation (bin/ empty of them, share/mms-composer/ holding them).
+    TempDir dir;
+    const QString build = QFileInfo(dir.write(u"build/bin/English.lng"_s, "x")).path();
+    const QString installedShare = QFileInfo(dir.write(u"usr/share/mms-composer/English.lng"_s, "x")).path();
+    const QString installedBin = dir.file(u"usr/bin"_s);
+    const QString data = dir.file(u"data"_s);
+    QDir().mkpath(installedBin);
+    const QString home = dir.file(u"home"_s);
+    const QString variable = dir.file(u"variable"_s);
     const QString relative = QDir::current().absoluteFilePath(u"rel"_s);
     struct Case {
         const char* what;
@@ -223,14 +215,14 @@ TEST(AppFolderTest, ChoosesWorkspaceAndLanguageFolders) {
         bool installed;
     };
     const Case cases[] = {
-        {"build folder", l.build, {}, {}, l.data, l.build, l.build, false},
-        {"installed", l.installedBin, {}, {}, l.data, l.data, l.installedShare, true},
-        {"--home, installed", l.installedBin, home, {}, l.data, home, l.installedShare, true},
-        {"variable, installed", l.installedBin, {}, variable, l.data, variable, l.installedShare, true},
-        {"--home beats the variable", l.installedBin, home, variable, l.data, home, l.installedShare, true},
-        {"installed without a data folder", l.installedBin, {}, {}, {}, {}, l.installedShare, true},
-        {"trailing separators and dots", l.build + u"/."_s, home + u"/"_s, {}, l.data, home, l.build, false},
-        {"relative --home", l.build, u"rel"_s, {}, l.data, relative, l.build, false},
+        {"build folder", build, {}, {}, data, build, build, false},
+        {"installed", installedBin, {}, {}, data, data, installedShare, true},
+        {"--home, installed", installedBin, home, {}, data, home, installedShare, true},
+        {"variable, installed", installedBin, {}, variable, data, variable, installedShare, true},
+        {"--home beats the variable", installedBin, home, variable, data, home, installedShare, true},
+        {"installed without a data folder", installedBin, {}, {}, {}, {}, installedShare, true},
+        {"trailing separators and dots", build + u"/."_s, home + u"/"_s, {}, data, home, build, false},
+        {"relative --home", build, u"rel"_s, {}, data, relative, build, false},
     };
     for (const Case& c : cases) {
         const ProgramFolders folders =
