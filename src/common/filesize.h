@@ -9,7 +9,7 @@ class Localisation;
 
 // A picture or sound file of this many bytes or more is too large to attach.
 constexpr qint64 kAttachmentLimit = 102400;
-inline bool isTooLarge(qint64 bytes) {
+constexpr bool isTooLarge(qint64 bytes) {
     return bytes >= kAttachmentLimit;
 }
 

@@ -27,6 +27,7 @@ struct FitResult {
 
 // The most an attached picture may take: one byte under the attachment limit.
 constexpr qint64 kFitMaxBytes = kAttachmentLimit - 1;
+static_assert(!isTooLarge(kFitMaxBytes) && isTooLarge(kFitMaxBytes + 1));
 
 // Converts a picture (GIF, JPEG, BMP or PNG; its content decides) to the largest JPEG of at most
 // maxBytes bytes. Its EXIF orientation is applied first: the result is upright and carries no
