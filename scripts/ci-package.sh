@@ -15,6 +15,8 @@ scratch=$(mktemp -d)
 mkdir -m 700 "$scratch/run"
 
 step() { echo "== $*"; }
+# Pipes end in `grep PATTERN >/dev/null`, not `grep -q`: grep -q stops reading at the first match, and
+# under pipefail the writer's SIGPIPE would fail the check now and then.
 removePackage() {
   $sudo env DEBIAN_FRONTEND=noninteractive apt-get remove -y -qq mms-composer >/dev/null || true
   rm -rf "$scratch"
@@ -23,7 +25,7 @@ removePackage() {
 step "cpack -G DEB"
 rm -f "$deb"
 (cd build && cpack -G DEB >/dev/null)
-dpkg-deb -f "$deb" Depends | grep -q "fluid-soundfont-gm" || { echo "fluid-soundfont-gm is not a dependency"; exit 1; }
+dpkg-deb -f "$deb" Depends | grep "fluid-soundfont-gm" >/dev/null || { echo "fluid-soundfont-gm is not a dependency"; exit 1; }
 
 step "lintian"
 lintian --allow-root --fail-on error "$deb"
@@ -40,7 +42,7 @@ run() {
 }
 [ "$(run /usr/bin/mmsc --version)" = "mmsc $version" ]
 [ "$(run /usr/bin/mms-composer --version)" = "mms-composer $version" ]
-run /usr/bin/mmsc --help | grep -q "^Commands:"
+run /usr/bin/mmsc --help | grep "^Commands:" >/dev/null
 run QT_QPA_PLATFORM=offscreen /usr/bin/mms-composer --quit-after 1
 workspace="$scratch/.local/share/Morvane/mms-composer"
 for folder in UserData/MMS UserData/Picture UserData/Sound Temp/tmpJPG Temp/tmpMID; do
