@@ -54,7 +54,8 @@ cp ./*.mid "$app/UserData/Sound/"
 
 Xvfb "$DISPLAY" -screen 0 1280x800x24 >/dev/null 2>&1 &
 xvfb=$!
-trap 'kill "$composer" "$xvfb" 2>/dev/null || true' EXIT
+composer=""
+trap 'kill $composer "$xvfb" 2>/dev/null || true' EXIT
 sleep 1
 "$bin/mms-composer" --home "$app" --language en >/dev/null 2>&1 &
 composer=$!
