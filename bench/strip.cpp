@@ -11,6 +11,7 @@
 #include "composer/widgets/frmmmsmain.h"
 #include "model/cslide.h"
 #include "ratioreporter.h"
+#include "sound/multimediadevice.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composer/slideedits.h"
+#include "model/slideedits.h"
 #include "model/status.h"
 
 #include <QByteArray>

@@ -1,10 +1,43 @@
 #include "composer/slidestripmodel.h"
 
 #include "composer/composertext.h"
+#include "composer/slidepicture.h"
 
 #include <algorithm>
 
 namespace mms {
+
+SlideStripModel::SlideStripModel(const MessageModel& message, QObject* parent)
+    : QAbstractListModel(parent), message_(message) {
+    connect(&message, &MessageModel::aboutToInsert, this,
+            [this](int p) { beginInsertRows(QModelIndex(), p - 1, p - 1); });
+    connect(&message, &MessageModel::inserted, this, [this](int p) {
+        adopt(p);
+        endInsertRows();
+        // Every slide after the new one is renumbered.
+        labelsChanged(p + 1, count());
+    });
+    connect(&message, &MessageModel::aboutToRemove, this,
+            [this](int p) { beginRemoveRows(QModelIndex(), p - 1, p - 1); });
+    connect(&message, &MessageModel::removed, this, [this](int p) {
+        endRemoveRows();
+        labelsChanged(p, count());
+    });
+    connect(&message, &MessageModel::aboutToMove, this, [this](int from, int to) {
+        // Qt counts the destination before the move: moving down lands in front of row `to`.
+        beginMoveRows(QModelIndex(), from - 1, from - 1, QModelIndex(), to > from ? to : to - 1);
+    });
+    connect(&message, &MessageModel::moved, this, [this](int from, int to) {
+        endMoveRows();
+        labelsChanged(std::min(from, to), std::max(from, to));
+    });
+    connect(&message, &MessageModel::aboutToReset, this, [this] { beginResetModel(); });
+    connect(&message, &MessageModel::reset, this, [this] {
+        thumbnails_.clear();
+        endResetModel();
+    });
+    connect(&message, &MessageModel::fieldChanged, this, &SlideStripModel::onFieldChanged);
+}
 
 int SlideStripModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
@@ -12,12 +45,11 @@ int SlideStripModel::rowCount(const QModelIndex& parent) const {
 
 QVariant SlideStripModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= count()) return {};
-    const Item& item = items_[static_cast<size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-        return stripLabel(index.row() + 1, item.duration.toString());
+        return label(index.row() + 1);
     case Qt::DecorationRole:
-        return item.thumbnail;
+        return thumbnail(index.row() + 1);
     default:
         return {};
     }
@@ -30,81 +62,53 @@ Qt::ItemFlags SlideStripModel::flags(const QModelIndex& index) const {
 }
 
 QString SlideStripModel::label(int position) const {
-    return valid(position)
-               ? stripLabel(position, items_[static_cast<size_t>(position - 1)].duration.toString())
-               : QString();
+    const CSlideNode* slide = message_.at(position);
+    return slide ? stripLabel(position, slide->DataSlideDur.toString()) : QString();
 }
 
 QImage SlideStripModel::thumbnail(int position) const {
-    return valid(position) ? items_[static_cast<size_t>(position - 1)].thumbnail : QImage();
-}
-
-void SlideStripModel::clear() {
-    if (items_.empty()) return;
-    beginResetModel();
-    items_.clear();
-    endResetModel();
-}
-
-void SlideStripModel::insertSlide(int position, const QImage& thumbnail, const SlideDur& duration) {
-    position = std::clamp(position, 1, count() + 1);
-    beginInsertRows(QModelIndex(), position - 1, position - 1);
-    items_.insert(items_.begin() + (position - 1), Item{thumbnail, duration});
-    endInsertRows();
-    // Every item after the new one is renumbered.
-    if (position < count()) labelsChangedFrom(position + 1, count());
-}
-
-void SlideStripModel::removeSlide(int position) {
-    if (!valid(position)) return;
-    beginRemoveRows(QModelIndex(), position - 1, position - 1);
-    items_.erase(items_.begin() + (position - 1));
-    endRemoveRows();
-    if (position <= count()) labelsChangedFrom(position, count());
-}
-
-void SlideStripModel::moveSlide(int from, int to) {
-    if (!valid(from) || !valid(to) || from == to) return;
-    // Qt counts the destination before the move: moving down lands in front of row to.
-    const int destination = to > from ? to : to - 1;
-    beginMoveRows(QModelIndex(), from - 1, from - 1, QModelIndex(), destination);
-    Item moved = std::move(items_[static_cast<size_t>(from - 1)]);
-    items_.erase(items_.begin() + (from - 1));
-    items_.insert(items_.begin() + (to - 1), std::move(moved));
-    endMoveRows();
-    labelsChangedFrom(std::min(from, to), std::max(from, to));
-}
-
-void SlideStripModel::setThumbnail(int position, const QImage& thumbnail) {
-    if (!valid(position)) return;
-    items_[static_cast<size_t>(position - 1)].thumbnail = thumbnail;
-    const QModelIndex i = index(position - 1);
-    emit dataChanged(i, i, {Qt::DecorationRole});
-}
-
-void SlideStripModel::setDuration(int position, const SlideDur& duration) {
-    if (!valid(position)) return;
-    Item& item = items_[static_cast<size_t>(position - 1)];
-    if (item.duration == duration) return;
-    item.duration = duration;
-    labelsChangedFrom(position, position);
-}
-
-void SlideStripModel::refreshLabels(const CSlide& slides) {
-    int first = 0, last = 0;
-    int position = 1;
-    for (const CSlideNode* node = slides.firstItem().get(); node && position <= count();
-         node = node->NextNode.get(), ++position) {
-        Item& item = items_[static_cast<size_t>(position - 1)];
-        if (item.duration == node->DataSlideDur) continue;
-        item.duration = node->DataSlideDur;
-        if (first == 0) first = position;
-        last = position;
+    const CSlideNode* slide = message_.at(position);
+    if (!slide) return {};
+    auto entry = thumbnails_.find(slide->id);
+    if (entry == thumbnails_.end()) entry = thumbnails_.insert(slide->id, Thumbnail{firstSource(*slide), {}});
+    if (entry->image.isNull()) {
+        const QImage picture = entry->source.isEmpty() ? QImage() : loadPicture(entry->source);
+        entry->image = picture.isNull() ? blankThumbnail() : fittedThumbnail(picture);
     }
-    if (first != 0) labelsChangedFrom(first, last);
+    return entry->image;
 }
 
-void SlideStripModel::labelsChangedFrom(int first, int last) {
+// A slide first seen shows its picture; a clip has no picture to show yet.
+QString SlideStripModel::firstSource(const CSlideNode& slide) {
+    return slide.DataImgPath.isEmpty() || isVideoClipPath(slide.DataImgPath) ? QString() : slide.DataImgPath;
+}
+
+void SlideStripModel::adopt(int position) {
+    const CSlideNode* slide = message_.at(position);
+    if (slide && !thumbnails_.contains(slide->id))
+        thumbnails_.insert(slide->id, Thumbnail{firstSource(*slide), {}});
+}
+
+void SlideStripModel::onFieldChanged(int position, SlideField field) {
+    const QModelIndex row = index(position - 1);
+    if (field == SlideField::Duration) {
+        emit dataChanged(row, row, {Qt::DisplayRole});
+        return;
+    }
+    const CSlideNode* slide = message_.at(position);
+    if (field != SlideField::Picture || !slide || isVideoClipPath(slide->DataImgPath)) return;
+    auto entry = thumbnails_.find(slide->id);
+    if (entry == thumbnails_.end()) entry = thumbnails_.insert(slide->id, {});
+    // A picture that cannot be loaded leaves the thumbnail as it was.
+    const QImage picture = slide->DataImgPath.isEmpty() ? QImage() : loadPicture(slide->DataImgPath);
+    if (!slide->DataImgPath.isEmpty() && picture.isNull()) return;
+    entry->source = slide->DataImgPath;
+    entry->image = picture.isNull() ? blankThumbnail() : fittedThumbnail(picture);
+    emit dataChanged(row, row, {Qt::DecorationRole});
+}
+
+void SlideStripModel::labelsChanged(int first, int last) {
+    if (first > last || first < 1) return;
     emit dataChanged(index(first - 1), index(last - 1), {Qt::DisplayRole});
 }
 

@@ -1,56 +1,45 @@
 #pragma once
 
-#include "model/cslide.h"
+#include "model/messagemodel.h"
 
 #include <QAbstractListModel>
+#include <QHash>
 #include <QImage>
-#include <vector>
 
 namespace mms {
 
-// The slide strip as an item model: row k-1 is strip item k, with its thumbnail (the image list of
-// the strip) and its label. The composer changes the slide list and this model in the same command,
-// so that items, thumbnails and list nodes stay equal in number and order. Labels are derived from
-// the row and a copy of the slide's duration, so a change in the middle costs one structural
-// signal plus one dataChanged over the rows whose label changed, never a rebuild of every item.
+// The slide strip as an item model over the message: row k-1 is slide k, labelled with its position
+// and duration and decorated with its thumbnail. It holds no slide of its own; the only thing it
+// keeps is the thumbnail cache, keyed by slide, made when a row is first shown. A thumbnail follows
+// the slide's picture, except that a video clip keeps the thumbnail the slide had before it.
 // Positions in this interface are 1-based, like the strip's.
 class SlideStripModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    explicit SlideStripModel(QObject* parent = nullptr) : QAbstractListModel(parent) {}
+    explicit SlideStripModel(const MessageModel& message, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    int count() const { return static_cast<int>(items_.size()); }
+    int count() const { return message_.count(); }
     QString label(int position) const;
     QImage thumbnail(int position) const;
 
-    void clear();
-    void insertSlide(int position, const QImage& thumbnail, const SlideDur& duration);
-    void appendSlide(const QImage& thumbnail, const SlideDur& duration) {
-        insertSlide(count() + 1, thumbnail, duration);
-    }
-    void removeSlide(int position);
-    // Moves the item at `from` so that it ends up at `to`.
-    void moveSlide(int from, int to);
-    void setThumbnail(int position, const QImage& thumbnail);
-    void setDuration(int position, const SlideDur& duration);
-    // Rebuilds the labels from the list (the list must have as many slides as the strip has items).
-    // Only rows whose label changed are reported.
-    void refreshLabels(const CSlide& slides);
-
 private:
-    struct Item {
-        QImage thumbnail;
-        SlideDur duration;
+    struct Thumbnail {
+        QString source; // the picture it shows; empty: the blank page
+        QImage image;   // made from source on first use
     };
-    bool valid(int position) const { return position >= 1 && position <= count(); }
-    void labelsChangedFrom(int first, int last);
+    void onFieldChanged(int position, SlideField field);
+    // The thumbnail entry of a slide that just appeared: one it had before (history) or a new one.
+    void adopt(int position);
+    static QString firstSource(const CSlideNode& slide);
+    void labelsChanged(int first, int last);
 
-    std::vector<Item> items_;
+    const MessageModel& message_;
+    mutable QHash<quint64, Thumbnail> thumbnails_;
 };
 
 } // namespace mms

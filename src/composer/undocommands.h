@@ -1,23 +1,21 @@
 #pragma once
 
-#include "composer/slideedits.h"
+#include "model/slideedits.h"
 
 #include <QDateTime>
-#include <QImage>
 #include <QUndoCommand>
 
 namespace mms {
 
-// A slide as the history keeps it: its content and the strip's thumbnail of it. The thumbnail is
-// kept rather than made again, because it need not follow from the content (a video clip keeps
-// the thumbnail of the picture before it).
+// A slide as the history keeps it: its content and its identity, so that a slide put back is the
+// same slide to the views that keep something per slide (the strip's thumbnail).
 struct SlideState {
     SlideContent content;
-    QImage thumbnail;
+    quint64 id = 0;
 };
 
-// What the history changes: the composer carries each step out on its list and its strip together,
-// then shows the slide the step leaves selected.
+// What the history changes: the document carries each step out on the message and then shows the
+// slide the step leaves selected.
 class SlideEditTarget {
 public:
     virtual void insertSlide(qint16 position, const SlideState& state) = 0;

@@ -26,6 +26,9 @@ public:
     QString DataSoundPath;
     // What the list's running size total holds for this slide; kept by CSlide.
     SizeShare share;
+    // Which slide this is, for views that keep something per slide (thumbnails). Copied with the
+    // node's values, so a slide keeps it through the moves to either end, which make a new node.
+    quint64 id = 0;
 };
 
 using NodePtr = std::shared_ptr<CSlideNode>;

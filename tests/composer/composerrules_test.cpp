@@ -9,10 +9,11 @@
 #include "composer/mnemonics.h"
 #include "composer/rememberedstate.h"
 #include "composer/sizelimit.h"
-#include "composer/slideedits.h"
 #include "composer/slidestripmodel.h"
 #include "composer/workspacefolders.h"
 #include "image/picturefiles.h"
+#include "model/messagemodel.h"
+#include "model/slideedits.h"
 #include "support/qtprint.h"
 #include "support/scratchsettings.h"
 #include "support/tempdir.h"
@@ -283,44 +284,51 @@ TEST(DropRules, PicturesAndSoundsByExtensionAnythingElseRefused) {
     EXPECT_EQ(dropKindOf(dir.path()), DropKind::Refused); // a folder
 }
 
-TEST(SlideStripModel, StaysAValidModelAndRenumbersOnlyTheRowsThatMoved) {
-    SlideStripModel model;
+TEST(SlideStripModel, FollowsTheMessageAndRenumbersOnlyTheRowsThatMoved) {
+    test::TempDir dir;
+    const QString red = dir.write(u"red.png"_s, test::encoded(test::filled(70, 70, Qt::red), "png"));
+    MessageModel message(nullptr);
+    SlideStripModel model(message);
     WithoutNumbers unnumbered;
     unnumbered.setSourceModel(&model);
     // A broken signal sequence aborts the test run with the tester's message.
     QAbstractItemModelTester tester(&unnumbered, QAbstractItemModelTester::FailureReportingMode::Fatal);
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     for (qint16 seconds : {1, 2, 3})
-        model.appendSlide(test::filled(4, 4, Qt::red), SlideDur::fromNumber(seconds));
+        message.addSlide(qint16(message.count()), SlideContent{SlideDur::fromNumber(seconds), red, {}, {}});
     EXPECT_TRUE(changed.isEmpty());
-    model.insertSlide(1, test::filled(4, 4, Qt::blue), SlideDur::fromNumber(9));
+    message.insertSlide(1, SlideContent{SlideDur::fromNumber(9), {}, {}, {}});
     EXPECT_EQ(items(model), u"1.9sb 2.1sr 3.2sr 4.3sr"_s);
     EXPECT_EQ(lastChange(changed), u"1-3"_s);
     QPersistentModelIndex moved = model.index(0); // the view's selection follows such indexes
-    model.moveSlide(1, 3);
+    message.moveSlide(1, 3);
     EXPECT_EQ(moved.row(), 2);
     EXPECT_EQ(items(model), u"1.1sr 2.2sr 3.9sb 4.3sr"_s);
     EXPECT_EQ(lastChange(changed), u"0-2"_s);
     moved = model.index(3);
-    model.moveSlide(4, 2);
-    EXPECT_EQ(moved.row(), 1);
-    EXPECT_EQ(items(model), u"1.1sr 2.3sr 3.2sr 4.9sb"_s);
-    EXPECT_EQ(lastChange(changed), u"1-3"_s);
-    model.removeSlide(1);
-    EXPECT_EQ(items(model), u"1.3sr 2.2sr 3.9sb"_s);
+    message.swapAtFront(4);
+    EXPECT_EQ(moved.row(), 0);
+    EXPECT_EQ(items(model), u"1.3sr 2.1sr 3.2sr 4.9sb"_s);
+    EXPECT_EQ(lastChange(changed), u"0-3"_s);
+    message.removeSlide(1);
+    EXPECT_EQ(items(model), u"1.1sr 2.2sr 3.9sb"_s);
     EXPECT_EQ(lastChange(changed), u"0-2"_s);
 
     changed.clear();
-    model.setDuration(2, SlideDur::fromNumber(2)); // unchanged: nothing to report
-    model.removeSlide(4);
-    model.moveSlide(1, 1);
+    message.setDuration(2, SlideDur::fromNumber(2)); // unchanged: nothing to report
+    message.setField(3, SlideField::Text, u"hi"_s);  // no part of the strip
     EXPECT_TRUE(changed.isEmpty());
-    CSlide slides;
-    for (qint16 seconds : {3, 7, 9})
-        slides.InsertAtBack(SlideDur::fromNumber(seconds), {}, {}, {});
-    model.refreshLabels(slides);
-    EXPECT_EQ(items(model), u"1.3sr 2.7sr 3.9sb"_s);
+    message.setDuration(2, SlideDur::fromNumber(7));
     EXPECT_EQ(lastChange(changed), u"1-1"_s);
-    model.clear();
+    // A clip keeps the thumbnail its slide had; a slide put back by the history keeps its own.
+    message.setField(1, SlideField::Picture, dir.write(u"clip.3gp"_s, "x"));
+    const quint64 id = message.at(1)->id;
+    const SlideContent clip = *message.contentAt(1);
+    message.removeSlide(1);
+    message.insertSlide(3, clip, id);
+    EXPECT_EQ(items(model), u"1.7sr 2.9sb 3.1sr"_s);
+    message.setField(3, SlideField::Picture, QString());
+    EXPECT_EQ(items(model), u"1.7sr 2.9sb 3.1sb"_s);
+    message.clear();
     EXPECT_EQ(model.rowCount(), 0);
 }

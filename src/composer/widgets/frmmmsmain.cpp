@@ -1,43 +1,33 @@
+// The composer window: construction and wiring, captions, start-up and shutdown, and the windows the
+// document asks for (the name dialogs, the subject prompt, the export chooser).
+
 #include "composer/widgets/frmmmsmain.h"
 
 #include "common/localisation.h"
 #include "common/workspace.h"
-#include "composer/composertext.h"
-#include "composer/draftstore.h"
+#include "composer/composertexts.h"
 #include "composer/qttranslations.h"
 #include "composer/sizelimit.h"
-#include "composer/slidepicture.h"
-#include "composer/slidestripmodel.h"
+#include "composer/widgets/composeractions.h"
 #include "composer/widgets/sizegauge.h"
+#include "composer/widgets/slideeditor.h"
+#include "composer/widgets/slidestrip.h"
 #include "composer/workspacefolders.h"
 #include "image/widgets/picturepanel.h"
+#include "package/widgets/frmmmspromptsubject.h"
 #include "sound/widgets/soundpanel.h"
+#include "store/widgets/frmmmsfiledelete.h"
+#include "store/widgets/frmmmsfileopen.h"
+#include "store/widgets/frmmmsfilesave.h"
 
-#include <QAbstractItemView>
 #include <QAction>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QDir>
-#include <QFontMetrics>
-#include <QFrame>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListView>
 #include <QMenuBar>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
-#include <QStackedWidget>
 #include <QTabWidget>
-#include <QThread>
-#include <QTimer>
-#include <QToolButton>
 #include <QUndoStack>
-#include <QVBoxLayout>
 #include <stdexcept>
 
 // Resources compiled into a static library must be registered by name, outside any namespace.
@@ -49,116 +39,166 @@ namespace mms {
 
 frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options options, QWidget* parent)
     : QMainWindow(parent), platform_(platform), loc_(localisation), options_(std::move(options)),
-      slides_(&platform.dialogs), qtTranslations_(std::make_unique<QtTranslations>()) {
+      qtTranslations_(std::make_unique<QtTranslations>()) {
     initComposerResources();
-    undoStack_ = new QUndoStack(this);
-    draftTimer_ = new QTimer(this);
-    draftTimer_->setSingleShot(true);
-    draftTimer_->setInterval(options_.draftDelayMs);
-    connect(draftTimer_, &QTimer::timeout, this, [this] { writeDraft(); });
-    draftWriter_.setMaxThreadCount(1);
+    DocumentWindows& windows = *this;
+    document_ = std::make_unique<ComposerDocument>(
+        platform.dialogs, platform.clock, loc_, windows,
+        ComposerDocument::Options{options_.appFolder, options_.draftDelayMs});
     if (!options_.settingsFile.isEmpty())
         settings_ = std::make_unique<QSettings>(options_.settingsFile, QSettings::IniFormat);
     setObjectName(QStringLiteral("frmMMSMain"));
     setWindowIcon(QIcon(QStringLiteral(":/icons/app.svg")));
-    playIcon_ = QIcon(QStringLiteral(":/icons/play.svg"));
-    stopIcon_ = QIcon(QStringLiteral(":/icons/stop.svg"));
     buildUi();
+    connectCommands();
+    connectDocument();
 }
 
 frmMMSMain::~frmMMSMain() {
-    if (hookInstalled_) platform_.device.setNotifyHandler({});
-    draftWriter_.waitForDone();
-    // The history clears itself as it goes, which must not reach a window that is no longer one.
-    disconnect(undoStack_, nullptr, this, nullptr);
+    // The views go before the message they show.
+    delete takeCentralWidget();
+}
+
+void frmMMSMain::buildUi() {
+    actions_ = new ComposerActions(loc_, *menuBar(), *this);
+    mainSplitter = new QSplitter(Qt::Horizontal, this);
+    mainSplitter->setObjectName(QStringLiteral("mainSplitter"));
+    mainSplitter->setChildrenCollapsible(false);
+    strip_ = new SlideStrip(*document_, loc_, platform_.dialogs, *actions_, mainSplitter);
+    editor_ = new SlideEditor(*document_, loc_, platform_, mainSplitter);
+    editor_->setCommands(actions_->add_slide, actions_->mnu_upload, actions_->mnu_removePicture,
+                         actions_->mnu_removeSound);
+    MenuTab = new QTabWidget(mainSplitter);
+    MenuTab->setObjectName(QStringLiteral("MenuTab"));
+    MenuTab->setDocumentMode(true);
+    picturePanel = new PicturePanel(loc_, platform_, options_.appFolder, MenuTab);
+    soundPanel = new SoundPanel(loc_, platform_, options_.appFolder, MenuTab);
+    MenuTab->addTab(picturePanel, QIcon(QStringLiteral(":/icons/picture.svg")), QString());
+    MenuTab->addTab(soundPanel, QIcon(QStringLiteral(":/icons/sound.svg")), QString());
+    for (QWidget* column :
+         {static_cast<QWidget*>(strip_), static_cast<QWidget*>(editor_), static_cast<QWidget*>(MenuTab)})
+        mainSplitter->addWidget(column);
+    mainSplitter->setStretchFactor(0, 0);
+    mainSplitter->setStretchFactor(1, 1);
+    mainSplitter->setStretchFactor(2, 1);
+    mainSplitter->setSizes({250, 380, 360});
+    setCentralWidget(mainSplitter);
+    resize(1020, 660);
+}
+
+void frmMMSMain::connectCommands() {
+    const auto on = [this](QAction* action, void (frmMMSMain::*handler)()) {
+        connect(action, &QAction::triggered, this, [this, handler] { (this->*handler)(); });
+    };
+    ComposerActions& a = *actions_;
+    on(a.mnu_new, &frmMMSMain::mnu_new_Click);
+    on(a.mnu_open, &frmMMSMain::mnu_open_Click);
+    on(a.mnu_save, &frmMMSMain::mnu_save_Click);
+    on(a.mnu_saveAs, &frmMMSMain::mnu_saveAs_Click);
+    on(a.mnu_delete, &frmMMSMain::mnu_delete_Click);
+    on(a.mnu_upload, &frmMMSMain::mnu_upload_Click);
+    on(a.mnu_exportMms, &frmMMSMain::mnu_exportMms_Click);
+    on(a.mnu_exit, &frmMMSMain::mnu_exit_Click);
+    on(a.mnu_undo, &frmMMSMain::mnu_undo_Click);
+    on(a.mnu_redo, &frmMMSMain::mnu_redo_Click);
+    on(a.add_slide, &frmMMSMain::add_slide_Click);
+    on(a.rm_slide, &frmMMSMain::rm_slide_Click);
+    on(a.sendfront, &frmMMSMain::sendfront_Click);
+    on(a.sendfwd, &frmMMSMain::sendfwd_Click);
+    on(a.sendbwd, &frmMMSMain::sendbwd_Click);
+    on(a.sendback, &frmMMSMain::sendback_Click);
+    on(a.mnu_play, &frmMMSMain::mnu_play_Click);
+    on(a.mnu_about, &frmMMSMain::mnu_about_Click);
+    on(a.mnu_removePicture, &frmMMSMain::mnu_removePicture_Click);
+    on(a.mnu_removeSound, &frmMMSMain::mnu_removeSound_Click);
+
+    connect(strip_, &SlideStrip::slidePicked, this, [this](qint16 position) {
+        document_->setCurrent(position);
+        lstSlide_ItemClick();
+    });
+    connect(strip_, &SlideStrip::slideDragged, this, &frmMMSMain::lstSlide_DragDrop);
+    connect(strip_, &SlideStrip::filesDropped, this, &frmMMSMain::dropFiles);
+    connect(editor_, &SlideEditor::filesDropped, this,
+            [this](const QStringList& paths) { dropFiles(paths); });
+    connect(picturePanel, &PicturePanel::pictureChosen, this,
+            [this](const QString& path) { attachToCurrentSlide(QStringLiteral("imgPath"), path); });
+    connect(soundPanel, &SoundPanel::soundChosen, this,
+            [this](const QString& path) { attachToCurrentSlide(QStringLiteral("soundPath"), path); });
+}
+
+void frmMMSMain::connectDocument() {
+    ComposerDocument& d = *document_;
+    connect(&d, &ComposerDocument::showSlide, this, &frmMMSMain::showSlide);
+    connect(&d, &ComposerDocument::replaced, this, [this] {
+        strip_->resetIconSize();
+        refreshSlidePanel();
+    });
+    connect(&d, &ComposerDocument::titleChanged, this, &frmMMSMain::updateCaption);
+    connect(&d, &ComposerDocument::historyReplayed, editor_, &SlideEditor::afterReplay);
+    connect(&d, &ComposerDocument::remembered, this, &frmMMSMain::rememberRecent);
+    connect(&d, &ComposerDocument::forgotten, this, &frmMMSMain::forgetRecent);
+    // Whether a command can run follows the message, its current slide and its history.
+    const MessageModel& m = d.message();
+    const auto followCount = [this] {
+        editor_->followMessage();
+        updateCommands();
+    };
+    connect(&m, &MessageModel::inserted, this, followCount);
+    connect(&m, &MessageModel::removed, this, followCount);
+    connect(&m, &MessageModel::reset, this, followCount);
+    connect(&m, &MessageModel::moved, this, &frmMMSMain::updateCommands);
+    connect(&m, &MessageModel::fieldChanged, this, &frmMMSMain::updateCommands);
+    connect(&d.history(), &QUndoStack::indexChanged, this, &frmMMSMain::updateCommands);
+    connect(&d.history(), &QUndoStack::cleanChanged, this, &frmMMSMain::updateCommands);
+}
+
+void frmMMSMain::updateCommands() {
+    actions_->update(*document_);
 }
 
 Status frmMMSMain::applyLanguage(int langIndex) {
     if (!options_.languageFolder.isEmpty()) {
         if (Status s = loc_.readLangFile(langIndex, options_.languageFolder); !s) return s;
     }
-    const auto I = [this](int n) { return loc_.getMCrInterfaceStr(n); };
     try {
-        setWindowTitle(I(0) + QStringLiteral(" - ") + I(1));
-        file->setTitle(I(2));
-        mnu_new->setText(I(3));
-        mnu_open->setText(I(4));
-        mnu_save->setText(I(5));
-        mnu_saveAs->setText(I(6));
-        mnu_delete->setText(I(7));
-        mnu_exit->setText(I(8));
-        slide->setTitle(I(9));
-        add_slide->setText(I(10));
-        rm_slide->setText(I(11));
-        sendfront->setText(I(12));
-        sendback->setText(I(13));
-        sendfwd->setText(I(14));
-        sendbwd->setText(I(15));
-        mnu_upload->setText(I(63));
-        MenuTab->setTabText(0, I(17));
-        MenuTab->setTabText(1, I(18));
+        actions_->applyLanguage();
+        MenuTab->setTabText(0, loc_.getMCrInterfaceStr(composertext::kPicturesTab));
+        MenuTab->setTabText(1, loc_.getMCrInterfaceStr(composertext::kSoundsTab));
         picturePanel->applyLanguage();
         soundPanel->applyLanguage();
-        sizeGauge->applyLanguage();
-        createCmd->setText(I(63));
-        Frame1->setTitle(I(24));
-        Frame2->setTitle(I(25));
-        frameSlide->setTitle(I(9));
-        soundPlayCmd->setToolTip(I(28));
-        ffCmd->setToolTip(I(12));
-        fCmd->setToolTip(I(14));
-        addCmd->setToolTip(I(10));
-        removeCmd->setToolTip(I(11));
-        rCmd->setToolTip(I(15));
-        rrCmd->setToolTip(I(13));
-        txtSlideDur->setToolTip(I(61));
-        // Beyond the captions of the original window: the second add button, the MMS export.
-        addBigCmd->setText(I(10));
-        mnu_exportMms->setText(I(64));
-        applyPlayerLanguage();
+        strip_->applyLanguage();
+        editor_->applyLanguage();
+        updateCommands();
+        actions_->applyMnemonics();
     } catch (const std::out_of_range& e) {
         return Status::failure(QString::fromUtf8(e.what()));
     }
+    // Without Qt's translations installed its own texts stay English; that is no reason to stop.
+    qtTranslations_->install(langIndex);
     return Status::ok();
 }
 
 void frmMMSMain::updateCaption() {
-    const QString name = state_.currentFile.isEmpty() ? loc_.getMCrInterfaceStr(1) : state_.currentFile;
+    const MessageState& state = document_->state();
+    QString name =
+        state.currentFile.isEmpty() ? loc_.getMCrInterfaceStr(composertext::kUntitled) : state.currentFile;
     // "[*]" shows where the unsaved-changes marker goes; a name's own "[*]" is doubled to stay text.
-    QString shown = name;
-    shown.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
-    setWindowTitle(loc_.getMCrInterfaceStr(0) + QStringLiteral(" - ") + shown + QStringLiteral("[*]"));
-    setWindowModified(state_.isModified);
-}
-
-void frmMMSMain::setModified(bool modified) {
-    state_.isModified = modified;
-    setWindowModified(modified);
+    name.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    setWindowTitle(loc_.getMCrInterfaceStr(composertext::kAppTitle) + QStringLiteral(" - ") + name +
+                   QStringLiteral("[*]"));
+    setWindowModified(state.isModified);
 }
 
 Status frmMMSMain::Form_Load() {
-    state_ = MessageState{};
-
+    document_->state() = MessageState{};
     const QString code = options_.languageCode.isEmpty() ? readLanguageSetting() : options_.languageCode;
-    const int langIndex = langIndexForCode(code);
-    if (Status s = applyLanguage(langIndex); !s) return s;
-    if (Status s = applySessionCaptions(langIndex); !s) return s;
-
+    if (Status s = applyLanguage(langIndexForCode(code)); !s) return s;
     if (Status s = createWorkspaceFolders(options_.appFolder); !s) return s;
-    sizeGauge->setLimit(readSizeLimitSetting());
+    document_->setSizeLimit(readSizeLimitSetting());
+    strip_->gauge().setLimit(document_->sizeLimit());
 
     // The random source is seeded from the clock where it is made (SystemRandom).
-    slides_.Destory();
-    stripModel_->clear();
-
-    ffCmd->setEnabled(false);
-    fCmd->setEnabled(false);
-    rCmd->setEnabled(false);
-    rrCmd->setEnabled(false);
-    add_slide->setEnabled(true);
-    for (QAction* action : {rm_slide, sendback, sendbwd, sendfront, sendfwd, mnu_upload})
-        action->setEnabled(false);
-
+    document_->message().clear();
     try {
         refreshSlidePanel();
         picturePanel->clearThumbnails();
@@ -172,63 +212,25 @@ Status frmMMSMain::Form_Load() {
     } catch (const std::out_of_range& e) {
         return Status::failure(QString::fromUtf8(e.what()));
     }
-
-    isPlaying_ = false;
-    platform_.device.setNotifyHandler([this](MultimediaDevice::Notify result) {
-        if (QThread::currentThread() == thread()) {
-            onPreviewNotify(result);
-        } else {
-            QMetaObject::invokeMethod(
-                this, [this, result] { onPreviewNotify(result); }, Qt::QueuedConnection);
-        }
-    });
-    hookInstalled_ = true;
-
+    editor_->installPreviewHook();
     restoreRememberedState();
-    draftHeld_ = DraftStore(options_.appFolder).exists();
+    document_->holdDraft();
     updateCaption();
     return Status::ok();
 }
 
 void frmMMSMain::Form_QueryUnload(bool& cancel) {
-    const auto question = [this](int prompt, Buttons buttons) {
-        return platform_.dialogs.show(Message{loc_.getMCrPromptStr(prompt), loc_.getMCrInterfaceStr(0),
-                                              buttons, Icon::Question, Answer::Yes});
-    };
-    if (state_.isModified) {
-        switch (question(2, Buttons::YesNoCancel)) {
-        case Answer::Yes:
-            mnu_save_Click();
-            if (state_.isModified) {
-                cancel = true;
-                return;
-            }
-            break;
-        case Answer::No:
-            break;
-        default:
-            cancel = true;
-            return;
-        }
-    } else if (question(4, Buttons::YesNo) != Answer::Yes) {
-        cancel = true;
-        return;
-    }
-    // A step that fails ends the clean-up quietly; the window closes all the same.
-    (void)cleanUpWorkspace(options_.appFolder);
-    // The close was confirmed: whatever was not saved was given up on purpose.
-    removeDraft();
+    cancel = !document_->queryClose();
 }
 
 void frmMMSMain::Form_Unload() {
     if (unloaded_) return;
     unloaded_ = true;
     // A tune must not play on after its window has gone.
-    stopSoundPreview();
-    if (hookInstalled_) platform_.device.setNotifyHandler({});
-    hookInstalled_ = false;
+    editor_->stopSoundPreview();
+    editor_->removePreviewHook();
     keepRememberedState();
-    draftWriter_.waitForDone();
+    document_->flushDraft();
 }
 
 void frmMMSMain::closeEvent(QCloseEvent* event) {
@@ -246,24 +248,41 @@ void frmMMSMain::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void frmMMSMain::mnu_exit_Click() {
-    close();
+// The window comes back to the front: a library file may have been edited meanwhile.
+void frmMMSMain::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) document_->remeasure();
+    QMainWindow::changeEvent(event);
 }
 
-bool frmMMSMain::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == txtSlideDur) {
-        if (event->type() == QEvent::FocusIn) txtSlideDur_GotFocus();
-        if (event->type() == QEvent::KeyPress) {
-            const auto* key = static_cast<QKeyEvent*>(event);
-            if (!txtSlideDur_KeyPress(key->key(), key->text())) return true;
-        }
-    } else if (watched == txtText->viewport() && event->type() == QEvent::MouseButtonPress) {
-        txtText_Click();
-    } else if (watched == txtText && event->type() == QEvent::FocusIn) {
-        // Tabbing into the box behaves like clicking into it: the hint makes way for typing.
-        txtText_Click();
+bool frmMMSMain::runNameDialog(NameDialog which) {
+    const MessageStore messages(options_.appFolder);
+    MessageState& state = document_->state();
+    std::unique_ptr<QDialog> dialog;
+    switch (which) {
+    case NameDialog::Save:
+        dialog = std::make_unique<frmMMSFileSave>(this, loc_, platform_.dialogs, messages, state);
+        break;
+    case NameDialog::Open:
+        dialog = std::make_unique<frmMMSFileOpen>(this, loc_, platform_.dialogs, messages, state);
+        break;
+    case NameDialog::Delete:
+        dialog = std::make_unique<frmMMSFileDelete>(this, loc_, platform_.dialogs, messages, state);
+        break;
     }
-    return QMainWindow::eventFilter(watched, event);
+    if (!removeCloseCommand(*dialog)) return false;
+    platform_.dialogs.runModal(*dialog);
+    return true;
+}
+
+bool frmMMSMain::promptSubject(bool forMms, QStringList* recipients) {
+    frmMMSPromptSubject prompt(loc_, platform_.dialogs, document_->state(), this, forMms);
+    platform_.dialogs.runModal(prompt);
+    if (recipients) *recipients = prompt.recipients;
+    return prompt.validflag;
+}
+
+QString frmMMSMain::chooseSaveFile(const QString& title, const QString& initDir, const QString& filter) {
+    return platform_.dialogs.chooseSaveFile(this, title, initDir, filter);
 }
 
 } // namespace mms

@@ -1,4 +1,4 @@
-#include "composer/slideedits.h"
+#include "model/slideedits.h"
 
 namespace mms {
 

@@ -3,10 +3,10 @@
 // the last change, by a worker thread, through a safe write that never leaves half a file. A save,
 // New, Open or a confirmed close removes it; the next start offers to restore one that is left.
 
-#include "common/desktoptexts.h"
 #include "common/localisation.h"
+#include "composer/composerdocument.h"
+#include "composer/composertexts.h"
 #include "composer/draftstore.h"
-#include "composer/widgets/frmmmsmain.h"
 #include "store/messagestore.h"
 
 #include <QCoreApplication>
@@ -16,18 +16,22 @@
 
 namespace mms {
 
-void frmMMSMain::scheduleDraft() {
+void ComposerDocument::holdDraft() {
+    draftHeld_ = DraftStore(options_.appFolder).exists();
+}
+
+void ComposerDocument::scheduleDraft() {
     if (!draftHeld_) draftTimer_->start();
 }
 
-Draft frmMMSMain::currentDraft() const {
-    Draft draft{state_.currentFile, state_.txtsubject, selectedSlide(), {}};
-    for (NodePtr node = slides_.firstItem(); node; node = node->NextNode)
+Draft ComposerDocument::currentDraft() const {
+    Draft draft{state_.currentFile, state_.txtsubject, current_, {}};
+    for (const CSlideNode* node = message_.slides().firstItem().get(); node; node = node->NextNode.get())
         draft.slides.append(contentOf(*node));
     return draft;
 }
 
-void frmMMSMain::writeDraft() {
+void ComposerDocument::writeDraft() {
     draftTimer_->stop();
     if (draftHeld_) return;
     if (!state_.isModified) {
@@ -44,7 +48,7 @@ void frmMMSMain::writeDraft() {
     });
 }
 
-void frmMMSMain::onDraftWritten(const Status& status) {
+void ComposerDocument::onDraftWritten(const Status& status) {
     if (status) {
         draftWarned_ = false;
         return;
@@ -52,12 +56,11 @@ void frmMMSMain::onDraftWritten(const Status& status) {
     // Said once, not at every pause, until a draft can be written again.
     if (draftWarned_) return;
     draftWarned_ = true;
-    const QString text =
-        loc_.getMCrErrStr(desktoptext::kErrDraftNotWritten).replace(QStringLiteral("%1"), status.message());
-    platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
+    showWarning(
+        loc_.getMCrErrStr(composertext::kErrDraftNotWritten).replace(QStringLiteral("%1"), status.message()));
 }
 
-void frmMMSMain::removeDraft() {
+void ComposerDocument::removeDraft() {
     draftTimer_->stop();
     if (draftHeld_) return;
     const QString folder = options_.appFolder;
@@ -65,24 +68,13 @@ void frmMMSMain::removeDraft() {
     draftWriter_.start([folder] { (void)DraftStore(folder).remove(); });
 }
 
-void frmMMSMain::flushDraft() {
+void ComposerDocument::flushDraft() {
     if (draftTimer_->isActive()) writeDraft();
     draftWriter_.waitForDone();
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
-void frmMMSMain::messageStored() {
-    rememberRecent(state_.currentFile);
-    undoStack_->setClean();
-    removeDraft();
-}
-
-void frmMMSMain::messageReplaced() {
-    undoStack_->clear();
-    removeDraft();
-}
-
-void frmMMSMain::offerDraftRestore() {
+void ComposerDocument::offerDraftRestore() {
     const DraftStore drafts(options_.appFolder);
     if (!drafts.exists()) {
         draftHeld_ = false;
@@ -99,18 +91,16 @@ void frmMMSMain::offerDraftRestore() {
     if (!draft) {
         // Kept for whoever wants to look at it, but never offered again nor written over.
         Status moved = Status::ok();
-        const QString aside = drafts.setAside(platform_.clock.now(), moved);
+        const QString aside = drafts.setAside(clock_.now(), moved);
         draftHeld_ = !moved;
         const QString where = QDir::toNativeSeparators(moved ? aside : drafts.path());
-        const QString text =
-            loc_.getMCrErrStr(desktoptext::kErrDraftDamaged)
-                .replace(QStringLiteral("%1"), where + QStringLiteral("\n(") + problem + u')');
-        platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
+        showWarning(loc_.getMCrErrStr(composertext::kErrDraftDamaged)
+                        .replace(QStringLiteral("%1"), where + QStringLiteral("\n(") + problem + u')'));
         return;
     }
-    const Answer answer = platform_.dialogs.show(
-        Message{loc_.getMCrPromptStr(desktoptext::kPromptRestoreDraft), loc_.getMCrInterfaceStr(0),
-                Buttons::YesNo, Icon::Question, Answer::Yes});
+    const Answer answer = sink_.show(Message{loc_.getMCrPromptStr(composertext::kPromptRestoreDraft),
+                                             loc_.getMCrInterfaceStr(composertext::kAppTitle), Buttons::YesNo,
+                                             Icon::Question, Answer::Yes});
     draftHeld_ = false;
     if (answer != Answer::Yes) {
         removeDraft();
@@ -119,30 +109,24 @@ void frmMMSMain::offerDraftRestore() {
     restoreDraft(std::move(*draft));
 }
 
-void frmMMSMain::restoreDraft(Draft draft) {
+void ComposerDocument::restoreDraft(Draft draft) {
     QStringList missing = dropMissingMedia(draft);
-    clearMessage();
+    clear();
     LoadedMessage loaded;
     loaded.subject = draft.subject;
     for (const SlideContent& s : draft.slides)
         loaded.slides.push_back(LoadedSlide{s.duration, s.picture, s.text, s.sound});
     state_.currentFile = draft.currentFile;
-    loadMessage(loaded);
-    if (draft.current > 1 && draft.current <= stripCount()) {
-        selectSlide(draft.current);
-        lstSlide_ItemClick();
-    }
-    undoStack_->clear();
+    load(loaded, draft.current);
+    history_->clear();
     // The restored message was never saved in this form.
     setModified(true);
-    updateCaption();
     scheduleDraft();
     if (missing.isEmpty()) return;
     for (QString& path : missing)
         path = QDir::toNativeSeparators(path);
-    const QString text = loc_.getMCrErrStr(desktoptext::kErrDraftFilesMissing)
-                             .replace(QStringLiteral("%1"), missing.join(QLatin1Char('\n')));
-    platform_.dialogs.show(Message{text, applicationTitle(), Buttons::Ok, Icon::Warning});
+    showWarning(loc_.getMCrErrStr(composertext::kErrDraftFilesMissing)
+                    .replace(QStringLiteral("%1"), missing.join(QLatin1Char('\n'))));
 }
 
 } // namespace mms
