@@ -33,7 +33,6 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
-#include <QThread>
 #include <QTimer>
 #include <QToolButton>
 #include <QUndoStack>
@@ -67,7 +66,7 @@ frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options o
 }
 
 frmMMSMain::~frmMMSMain() {
-    if (hookInstalled_) platform_.device.setNotifyHandler({});
+    if (hookInstalled_) disconnect(&platform_.device, &MultimediaDevice::playbackEnded, this, nullptr);
     draftWriter_.waitForDone();
     // The history clears itself as it goes, which must not reach a window that is no longer one.
     disconnect(undoStack_, nullptr, this, nullptr);
@@ -174,14 +173,9 @@ Status frmMMSMain::Form_Load() {
     }
 
     isPlaying_ = false;
-    platform_.device.setNotifyHandler([this](MultimediaDevice::Notify result) {
-        if (QThread::currentThread() == thread()) {
-            onPreviewNotify(result);
-        } else {
-            QMetaObject::invokeMethod(
-                this, [this, result] { onPreviewNotify(result); }, Qt::QueuedConnection);
-        }
-    });
+    // A play ended on another thread is handled on the window's.
+    connect(&platform_.device, &MultimediaDevice::playbackEnded, this, &frmMMSMain::onPreviewNotify,
+            Qt::UniqueConnection);
     hookInstalled_ = true;
 
     restoreRememberedState();
@@ -225,7 +219,7 @@ void frmMMSMain::Form_Unload() {
     unloaded_ = true;
     // A tune must not play on after its window has gone.
     stopSoundPreview();
-    if (hookInstalled_) platform_.device.setNotifyHandler({});
+    if (hookInstalled_) disconnect(&platform_.device, &MultimediaDevice::playbackEnded, this, nullptr);
     hookInstalled_ = false;
     keepRememberedState();
     draftWriter_.waitForDone();

@@ -161,7 +161,6 @@ public:
     void selectSlide(qint16 position);
     // Sets isModified and the unsaved-changes marker of the title.
     void setModified(bool modified);
-    int sendPreviewCommand(const QString& command);
     // Puts a picture or sound the panels chose on the selected slide (field "imgPath" or
     // "soundPath"), adding a first slide when there is none, and shows the slide again.
     void attachToCurrentSlide(const QString& field, const QString& path);

@@ -273,8 +273,8 @@ void frmMMSMain::attachToCurrentSlide(const QString& field, const QString& path)
     setModified(true);
     // A new sound ends the preview of the old one for good.
     if (field == QLatin1String("soundPath")) {
-        sendPreviewCommand(QStringLiteral("stop music"));
-        sendPreviewCommand(QStringLiteral("close music"));
+        platform_.device.stop();
+        platform_.device.close();
     }
 }
 

@@ -1,5 +1,5 @@
 // The sound preview of MIDI and AMR sounds: the play/stop toggle, its state switch and the
-// end-of-playback notification. Playing means the device alias "music" is open and playing and the button
+// end-of-playback notification. Playing means the device has the sound open and playing and the button
 // shows "stop".
 
 #include "common/localisation.h"
@@ -11,15 +11,6 @@
 #include <QToolButton>
 
 namespace mms {
-
-namespace {
-const QString kStop = QStringLiteral("stop music");
-const QString kClose = QStringLiteral("close music");
-} // namespace
-
-int frmMMSMain::sendPreviewCommand(const QString& command) {
-    return platform_.device.sendString(command);
-}
 
 void frmMMSMain::soundPlayCmd_Click() {
     // Besides MIDI tunes, AMR sounds that decode are played; anything else is refused before the
@@ -41,8 +32,8 @@ void frmMMSMain::soundPlayCmd_Click() {
     if (!node) return;
     // The device's answers are not examined: a tune that cannot be opened still shows "stop", and
     // the next click returns to "play".
-    sendPreviewCommand(QStringLiteral("open \"%1\" Alias music").arg(node->DataSoundPath));
-    sendPreviewCommand(QStringLiteral("play music from 0 notify"));
+    platform_.device.open(node->DataSoundPath);
+    platform_.device.play();
     switchMCICtrl();
 }
 
@@ -53,8 +44,8 @@ void frmMMSMain::switchMCICtrl() {
         isPlaying_ = true;
     } else {
         soundPlayCmd->setIcon(playIcon_);
-        sendPreviewCommand(kStop);
-        sendPreviewCommand(kClose);
+        platform_.device.stop();
+        platform_.device.close();
         soundPlayCmd->setToolTip(loc_.getMCrInterfaceStr(28));
         isPlaying_ = false;
     }
@@ -62,8 +53,8 @@ void frmMMSMain::switchMCICtrl() {
 
 void frmMMSMain::stopSoundPreview() {
     if (!isPlaying_) return;
-    sendPreviewCommand(kStop);
-    sendPreviewCommand(kClose);
+    platform_.device.stop();
+    platform_.device.close();
     switchMCICtrl();
 }
 
