@@ -37,7 +37,14 @@ public:
 
 class NullDevice final : public mms::MultimediaDevice {
 public:
-    int sendString(const QString&) override { return 0; }
+    Result open(const QString&) override { return Result::Ok; }
+    Result play() override { return Result::Ok; }
+    void pause() override {}
+    void resume() override {}
+    void stop() override {}
+    void close() override {}
+    qint64 position() const override { return 0; }
+    bool isOpen() const override { return false; }
 };
 
 struct Composer {

@@ -75,11 +75,11 @@ void SlideShow::togglePause() {
     } else if (paused_) {
         paused_ = false;
         runningSince_ = clock_.now();
-        if (soundOpen_) device_.sendString(QStringLiteral("resume music"));
+        if (soundOpen_) device_.resume();
     } else {
         playedMs_ = elapsed();
         paused_ = true;
-        if (soundOpen_) device_.sendString(QStringLiteral("pause music"));
+        if (soundOpen_) device_.pause();
     }
 }
 
@@ -109,23 +109,21 @@ void SlideShow::advance() {
 void SlideShow::startSound() {
     const ShowSlide& s = slide();
     if (s.soundPath.isEmpty() || s.seconds == 0) return;
-    const auto failed = [this](int result) {
-        if (result == MultimediaDevice::kNoSound) {
+    const auto failed = [this](MultimediaDevice::Result result) {
+        if (result == MultimediaDevice::Result::NoSound) {
             silent_ = true;
         } else {
             const QString name = CSlide::extractFileName(slide().soundPath);
             if (!failed_.contains(name)) failed_ << name;
         }
     };
-    const int opened = device_.sendString(QStringLiteral("open \"%1\" Alias music").arg(s.soundPath));
-    if (opened != MultimediaDevice::kOk) {
+    if (const auto opened = device_.open(s.soundPath); opened != MultimediaDevice::Result::Ok) {
         failed(opened);
         return;
     }
     soundOpen_ = true;
     // The notification is not needed here: the slide's end stops the sound anyway.
-    if (const int played = device_.sendString(QStringLiteral("play music from 0 notify"));
-        played != MultimediaDevice::kOk) {
+    if (const auto played = device_.play(); played != MultimediaDevice::Result::Ok) {
         failed(played);
         stopSound();
     }
@@ -134,8 +132,8 @@ void SlideShow::startSound() {
 void SlideShow::stopSound() {
     if (!soundOpen_) return;
     soundOpen_ = false;
-    device_.sendString(QStringLiteral("stop music"));
-    device_.sendString(QStringLiteral("close music"));
+    device_.stop();
+    device_.close();
 }
 
 } // namespace mms

@@ -27,7 +27,7 @@ std::vector<ShowSlide> showSlides(const std::vector<LoadedSlide>& message);
 // The message played slide after slide, as a phone shows it: each slide stays for its duration,
 // its sound starts with it and is stopped when it ends (a shorter sound is not repeated). Time
 // comes from the clock; nothing happens between calls, so its owner calls tick() often (a timer,
-// or a test after moving its clock). Sounds go to the multimedia device under its alias "music";
+// or a test after moving its clock). Sounds go to the multimedia device, one at a time;
 // a sound the device cannot play is skipped and listed, and when the device has no audio output at
 // all the show goes on silently and says so through silent().
 class SlideShow {

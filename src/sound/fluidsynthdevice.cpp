@@ -3,21 +3,9 @@
 #include "sound/fluidsynthengine.h"
 #include "sound/midiplayer.h"
 
-#include <QRegularExpression>
-#include <QStringList>
 #include <functional>
 
 namespace mms {
-
-namespace {
-
-const QString kPlay = QStringLiteral("play music from 0 notify");
-const QString kStop = QStringLiteral("stop music");
-const QString kClose = QStringLiteral("close music");
-const QString kPause = QStringLiteral("pause music");
-const QString kResume = QStringLiteral("resume music");
-
-} // namespace
 
 struct FluidSynthDevice::Impl {
     // The engine is made on first use, so a composer that never previews never opens the audio output.
@@ -25,7 +13,7 @@ struct FluidSynthDevice::Impl {
     std::unique_ptr<ElapsedClock> clock;
     std::unique_ptr<MidiPlayer> player;
     bool isOpen = false;
-    bool notifyPending = false; // a "play ... notify" whose outcome is still to be reported
+    bool notifyPending = false; // a play whose outcome is still to be reported
 };
 
 FluidSynthDevice::FluidSynthDevice(const QString& soundfont) : impl_(std::make_unique<Impl>()) {
@@ -42,78 +30,86 @@ FluidSynthDevice::FluidSynthDevice(std::unique_ptr<SynthEngine> engine, std::uni
 
 FluidSynthDevice::~FluidSynthDevice() = default; // the player stops its tune; no notification is sent
 
-int FluidSynthDevice::sendString(const QString& command) {
-    static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
-    const QRegularExpressionMatch open = openCommand.match(command);
-    static const QStringList kCommands{kPlay, kStop, kClose, kPause, kResume};
-    if (!open.hasMatch() && !kCommands.contains(command)) return kUnknownCommand;
-
+void FluidSynthDevice::makePlayer() {
     Impl& d = *impl_;
-    if (!d.player) {
-        d.player = std::make_unique<MidiPlayer>(d.makeEngine(), std::move(d.clock));
-        // The player's timer runs on this thread, so the notification reaches the GUI thread.
-        QObject::connect(d.player.get(), &PlayerControl::finished, d.player.get(), [this] {
-            if (!impl_->notifyPending) return;
-            impl_->notifyPending = false;
-            notify(Notify::Successful);
-        });
-    }
-    if (const QString reason = d.player->unavailableReason(); !reason.isEmpty()) {
-        reportSilenceOnce(reason);
-        return kNoSound;
-    }
-
-    if (open.hasMatch()) {
-        if (d.isOpen) return kAlreadyOpen;
-        if (!d.player->open(open.captured(1))) return kCannotOpen;
-        if (!d.player->isAudible()) {
-            d.player->close(); // a tune that cannot be heard is not played on the clock here
-            return kNoSound;
-        }
-        d.isOpen = true;
-        return kOk;
-    }
-    if (!d.isOpen) return kNotOpen;
-    return controlOpenTune(command);
+    if (d.player) return;
+    d.player = std::make_unique<MidiPlayer>(d.makeEngine(), std::move(d.clock));
+    // The player's timer runs on this thread, so the notification reaches the GUI thread.
+    QObject::connect(d.player.get(), &PlayerControl::finished, d.player.get(), [this] {
+        if (!impl_->notifyPending) return;
+        impl_->notifyPending = false;
+        emit playbackEnded(Notify::Successful);
+    });
 }
 
-int FluidSynthDevice::controlOpenTune(const QString& command) {
+MultimediaDevice::Result FluidSynthDevice::open(const QString& path) {
+    makePlayer();
     Impl& d = *impl_;
-    if (command == kPlay) {
-        endPending(Notify::Superseded);
-        d.player->setFrom(0);
-        if (!d.player->play() || !d.player->isAudible()) {
-            d.player->stop();
-            return kNoSound;
-        }
-        d.notifyPending = true;
-        return kOk;
+    if (const QString reason = d.player->unavailableReason(); !reason.isEmpty()) {
+        reportSilenceOnce(reason);
+        return Result::NoSound;
     }
-    // A paused tune keeps its place and its pending notification.
-    if (command == kPause) {
+    if (d.isOpen) return Result::AlreadyOpen;
+    if (!d.player->open(path)) return Result::CannotOpen;
+    if (!d.player->isAudible()) {
+        d.player->close(); // a tune that cannot be heard is not played on the clock here
+        return Result::NoSound;
+    }
+    d.isOpen = true;
+    return Result::Ok;
+}
+
+MultimediaDevice::Result FluidSynthDevice::play() {
+    Impl& d = *impl_;
+    if (!d.isOpen) return Result::NotOpen;
+    endPending(Notify::Superseded);
+    d.player->setFrom(0);
+    if (!d.player->play() || !d.player->isAudible()) {
         d.player->stop();
-        return kOk;
+        return Result::NoSound;
     }
-    if (command == kResume) {
-        if (!d.notifyPending || d.player->isPlaying()) return kOk;
-        return d.player->play() ? kOk : kNoSound;
-    }
-    if (command == kStop) {
-        d.player->stop();
-        endPending(Notify::Aborted);
-        return kOk;
-    }
+    d.notifyPending = true;
+    return Result::Ok;
+}
+
+// A paused tune keeps its place and its pending notification.
+void FluidSynthDevice::pause() {
+    if (impl_->isOpen) impl_->player->stop();
+}
+
+void FluidSynthDevice::resume() {
+    Impl& d = *impl_;
+    if (!d.isOpen || !d.notifyPending || d.player->isPlaying()) return;
+    (void)d.player->play(); // it goes on from where it was paused, which lies within the tune
+}
+
+void FluidSynthDevice::stop() {
+    if (!impl_->isOpen) return;
+    impl_->player->stop();
+    endPending(Notify::Aborted);
+}
+
+void FluidSynthDevice::close() {
+    Impl& d = *impl_;
+    if (!d.isOpen) return;
     d.player->close();
     d.isOpen = false;
     endPending(Notify::Aborted);
-    return kOk;
 }
 
-// A pending notification is answered before a command takes effect, as the old play ends there.
+qint64 FluidSynthDevice::position() const {
+    return impl_->isOpen ? impl_->player->position() : 0;
+}
+
+bool FluidSynthDevice::isOpen() const {
+    return impl_->isOpen;
+}
+
+// A pending notification is answered before a call takes effect, as the old play ends there.
 void FluidSynthDevice::endPending(Notify how) {
     if (!impl_->notifyPending) return;
     impl_->notifyPending = false;
-    notify(how);
+    emit playbackEnded(how);
 }
 
 } // namespace mms

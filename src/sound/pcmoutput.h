@@ -22,6 +22,8 @@ public:
     virtual void pause() = 0;
     virtual void resume() = 0;
     virtual void stop() = 0;
+    // Milliseconds of the started sound played so far; 0 once stopped or finished.
+    virtual qint64 positionMs() const = 0;
 };
 
 // The system's default audio output, through Qt Multimedia.

@@ -79,6 +79,8 @@ public:
         sink_ = nullptr;
     }
 
+    qint64 positionMs() const override { return sink_ ? sink_->processedUSecs() / 1000 : 0; }
+
 private:
     QAudioSink* sink_ = nullptr;
     bool starting_ = false;

@@ -4,82 +4,104 @@
 #include "sound/fluidsynthdevice.h"
 #include "sound/synthengine.h"
 
-#include <QRegularExpression>
-
 namespace mms {
 
 SoundDevice::SoundDevice() : SoundDevice(std::make_unique<FluidSynthDevice>(), makeSystemPcmOutput()) {}
 
 SoundDevice::SoundDevice(std::unique_ptr<MultimediaDevice> midi, std::unique_ptr<PcmOutput> pcm)
     : midi_(std::move(midi)), pcm_(std::move(pcm)) {
-    midi_->setNotifyHandler([this](Notify how) { notify(how); });
+    connect(midi_.get(), &MultimediaDevice::playbackEnded, this, &MultimediaDevice::playbackEnded);
 }
 
 SoundDevice::~SoundDevice() {
     pcm_->stop();
-    midi_->setNotifyHandler({});
+    midi_->disconnect(this);
 }
 
-int SoundDevice::sendString(const QString& command) {
-    static const QRegularExpression openCommand(QStringLiteral("\\Aopen \"([^\"]+)\" Alias music\\z"));
-    const QRegularExpressionMatch match = openCommand.match(command);
-    if (!match.hasMatch()) {
-        if (open_ == Open::Amr) return sendAmr(command);
-        const int result = midi_->sendString(command);
-        if (command == QLatin1String("close music")) open_ = Open::None;
-        return result;
-    }
-    if (open_ != Open::None) return kAlreadyOpen;
-    const QString path = match.captured(1);
+MultimediaDevice::Result SoundDevice::open(const QString& path) {
+    if (open_ != Open::None) return Result::AlreadyOpen;
     if (path.endsWith(QLatin1String(".mid"), Qt::CaseInsensitive)) {
-        const int result = midi_->sendString(command);
-        if (result == kOk) open_ = Open::Midi;
+        const Result result = midi_->open(path);
+        if (result == Result::Ok) open_ = Open::Midi;
         return result;
     }
     if (const QString reason = pcm_->unavailableReason(); !reason.isEmpty()) {
         reportSilenceOnce(reason);
-        return kNoSound;
+        return Result::NoSound;
     }
-    if (!decodeAmrFile(path, samples_)) return kCannotOpen;
+    if (!decodeAmrFile(path, samples_)) return Result::CannotOpen;
     open_ = Open::Amr;
-    return kOk;
+    amrPositionMs_ = 0;
+    return Result::Ok;
 }
 
-int SoundDevice::sendAmr(const QString& command) {
-    if (command == QLatin1String("play music from 0 notify")) {
-        endPending(Notify::Superseded);
-        if (!pcm_->start(samples_, kAmrSampleRate, [this] {
-                notifyPending_ = false;
-                notify(Notify::Successful);
-            }))
-            return kNoSound;
-        notifyPending_ = true;
-        return kOk;
-    }
-    if (command == QLatin1String("pause music")) {
+// Anything but an open AMR sound is the MIDI device's to answer.
+MultimediaDevice::Result SoundDevice::play() {
+    if (open_ != Open::Amr) return midi_->play();
+    endPending(Notify::Superseded);
+    amrPositionMs_ = 0;
+    if (!pcm_->start(samples_, kAmrSampleRate, [this] {
+            notifyPending_ = false;
+            amrPositionMs_ = qint64(samples_.size()) * 1000 / kAmrSampleRate;
+            emit playbackEnded(Notify::Successful);
+        }))
+        return Result::NoSound;
+    notifyPending_ = true;
+    return Result::Ok;
+}
+
+void SoundDevice::pause() {
+    if (open_ == Open::Amr)
         pcm_->pause();
-        return kOk;
-    }
-    if (command == QLatin1String("resume music")) {
+    else
+        midi_->pause();
+}
+
+void SoundDevice::resume() {
+    if (open_ == Open::Amr)
         pcm_->resume();
-        return kOk;
+    else
+        midi_->resume();
+}
+
+void SoundDevice::stop() {
+    if (open_ != Open::Amr) {
+        midi_->stop();
+        return;
     }
-    if (command == QLatin1String("stop music") || command == QLatin1String("close music")) {
+    amrPositionMs_ = position();
+    pcm_->stop();
+    endPending(Notify::Aborted);
+}
+
+void SoundDevice::close() {
+    if (open_ == Open::Amr) {
         pcm_->stop();
         endPending(Notify::Aborted);
-        if (command == QLatin1String("close music")) {
-            open_ = Open::None;
-            samples_.clear();
-        }
-        return kOk;
+        samples_.clear();
+    } else {
+        midi_->close();
     }
-    return kUnknownCommand;
+    open_ = Open::None;
+    amrPositionMs_ = 0;
+}
+
+qint64 SoundDevice::position() const {
+    switch (open_) {
+    case Open::None:
+        return 0;
+    case Open::Midi:
+        return midi_->position();
+    case Open::Amr:
+        return notifyPending_ ? pcm_->positionMs() : amrPositionMs_;
+    }
+    return 0;
 }
 
 void SoundDevice::endPending(Notify how) {
     if (!notifyPending_) return;
     notifyPending_ = false;
-    notify(how);
+    emit playbackEnded(how);
 }
 
 } // namespace mms

@@ -15,17 +15,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kPlay = u"play music from 0 notify"_s;
-const QStringList kStopClose = {u"stop music"_s, u"close music"_s};
+const QString kPlay = u"play"_s;
+const QStringList kStopClose = {u"stop"_s, u"close"_s};
 
-QString openCommand(const QString& sound) {
-    return u"open \"%1\" Alias music"_s.arg(sound);
+QString openCall(const QString& sound) {
+    return u"open "_s + sound;
 }
 QStringList starts(const QString& sound) {
-    return {openCommand(sound), kPlay};
+    return {openCall(sound), kPlay};
 }
 
-// The player on scripted seams: the test moves the clock and reads what the device was sent.
+// The player on scripted seams: the test moves the clock and reads what the device was asked.
 class PlayerTest : public ::testing::Test {
 protected:
     PlayerTest() {
@@ -45,8 +45,8 @@ protected:
     }
     void key(int k) { pressKey(player.get(), k); }
     QString shown(const char* label) const { return ctl<QLabel>(player, label)->text(); }
-    // What the device was sent since the last call.
-    QStringList sent() { return std::exchange(fake.device.sent, {}); }
+    // What the device was asked since the last call.
+    QStringList sent() { return std::exchange(fake.device.calls, {}); }
 
     FakePlatform fake;
     Localisation loc;
@@ -86,7 +86,7 @@ TEST_F(PlayerTest, SpaceHoldsTheSlideAndItsSoundAndTheArrowsAndHomeStep) {
               u"1 / 3 0:02 I72"_s);
     key(Qt::Key_Space);
     after(2000);
-    EXPECT_EQ(sent(), QStringList({u"pause music"_s, u"resume music"_s}) + kStopClose + starts(u"b.amr"_s));
+    EXPECT_EQ(sent(), QStringList({u"pause"_s, u"resume"_s}) + kStopClose + starts(u"b.amr"_s));
     const std::pair<int, QStringList> steps[] = {
         {Qt::Key_Right, kStopClose},                      // to slide 3, no sound
         {Qt::Key_Right, {}},                              // past the last: the end
@@ -103,9 +103,9 @@ TEST_F(PlayerTest, SpaceHoldsTheSlideAndItsSoundAndTheArrowsAndHomeStep) {
 }
 
 TEST_F(PlayerTest, SoundsThatCannotBePlayedAreSkippedAndListedInOneMessageAfterThePlayback) {
-    fake.device.resultFor[openCommand(u"a.mid"_s)] = MultimediaDevice::kNoSound;
-    fake.device.resultFor[openCommand(u"b.amr"_s)] = MultimediaDevice::kCannotOpen;
-    fake.device.resultFor[openCommand(u"/x/c.amr"_s)] = MultimediaDevice::kCannotOpen;
+    fake.device.resultFor[openCall(u"a.mid"_s)] = MultimediaDevice::Result::NoSound;
+    fake.device.resultFor[openCall(u"b.amr"_s)] = MultimediaDevice::Result::CannotOpen;
+    fake.device.resultFor[openCall(u"/x/c.amr"_s)] = MultimediaDevice::Result::CannotOpen;
     play({{1, u"a.mid"_s}, {1, u"b.amr"_s}, {1, u"/x/c.amr"_s}, {1, u"b.amr"_s}});
     EXPECT_EQ(shown("lblStatus"), u"I74"_s) << "said at once when nothing can be heard";
     for (int slide = 1; slide <= 4; ++slide) {
@@ -114,11 +114,11 @@ TEST_F(PlayerTest, SoundsThatCannotBePlayedAreSkippedAndListedInOneMessageAfterT
     }
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"skipped:b.amr\nc.amr"_s});
     EXPECT_EQ(shown("lblStatus"), u"I73\nI74"_s);
-    EXPECT_FALSE(fake.device.sent.contains(kPlay)) << "nothing was played";
+    EXPECT_FALSE(fake.device.calls.contains(kPlay)) << "nothing was played";
 }
 
 TEST_F(PlayerTest, ClosingMidSlideStopsTheSoundAtOnceAndReportsWhatWasSkipped) {
-    fake.device.resultFor[openCommand(u"b.amr"_s)] = MultimediaDevice::kCannotOpen;
+    fake.device.resultFor[openCall(u"b.amr"_s)] = MultimediaDevice::Result::CannotOpen;
     play({{2, u"b.amr"_s}, {5, u"a.mid"_s}});
     after(3000);
     sent();
@@ -154,11 +154,11 @@ protected:
     void SetUp() override {
         ComposerTest::SetUp();
         compose();
-        fake.device.sent.clear();
+        fake.device.calls.clear();
         play = ctl<QToolButton>(w, "soundPlayCmd");
         play->click();
     }
-    QStringList sent() { return std::exchange(fake.device.sent, {}); }
+    QStringList sent() { return std::exchange(fake.device.calls, {}); }
     void expectStopped() {
         EXPECT_FALSE(w->isPlaying());
         EXPECT_EQ(play->toolTip(), u"I28"_s);
@@ -170,12 +170,12 @@ TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
     EXPECT_TRUE(w->isPlaying());
     EXPECT_EQ(play->toolTip(), u"I27"_s);
     EXPECT_EQ(sent(), starts(tune));
-    fake.device.emitNotify(MultimediaDevice::Notify::Superseded);
-    fake.device.emitNotify(MultimediaDevice::Notify::Failure);
+    fake.device.emitPlaybackEnded(MultimediaDevice::Notify::Superseded);
+    fake.device.emitPlaybackEnded(MultimediaDevice::Notify::Failure);
     EXPECT_TRUE(w->isPlaying());
     // The successful end is reported on the player's thread and handled on the window's.
     std::unique_ptr<QThread> player(
-        QThread::create([this] { fake.device.emitNotify(MultimediaDevice::Notify::Successful); }));
+        QThread::create([this] { fake.device.emitPlaybackEnded(MultimediaDevice::Notify::Successful); }));
     player->start();
     player->wait();
     EXPECT_TRUE(w->isPlaying());
@@ -188,7 +188,7 @@ TEST_F(PreviewTest, OnlyTheEndOfThePlayOrTheStopButtonReturnsTheButtonToPlay) {
     play->click();
     // The stop makes the device report an aborted playback, and a late end report may follow.
     for (auto late : {MultimediaDevice::Notify::Aborted, MultimediaDevice::Notify::Successful}) {
-        fake.device.emitNotify(late);
+        fake.device.emitPlaybackEnded(late);
         expectStopped();
     }
     EXPECT_EQ(sent(), kStopClose);
@@ -216,7 +216,7 @@ TEST_F(PreviewTest, ShowingAnotherSlideOrClosingStopsThePreviewAndOnlyAnAmrSound
     ASSERT_TRUE(w->close());
     EXPECT_EQ(sent().mid(0, 2), kStopClose);
     w.reset();
-    fake.device.emitNotify(MultimediaDevice::Notify::Successful); // nobody listens any more
+    fake.device.emitPlaybackEnded(MultimediaDevice::Notify::Successful); // nobody listens any more
 }
 
 } // namespace

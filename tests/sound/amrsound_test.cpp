@@ -66,63 +66,102 @@ struct ScriptedPcm final : PcmOutput {
         log << u"stop"_s;
         finished = nullptr;
     }
+    qint64 positionMs() const override { return finished ? played : 0; }
     QString unavailable;
     QStringList log;
     std::function<void()> finished;
+    qint64 played = 0;
 };
 
+// The MIDI side, recording each call as a line.
 struct LoggingDevice final : MultimediaDevice {
-    int sendString(const QString& command) override {
-        sent << command;
-        return kOk;
+    Result open(const QString& path) override { return log(u"open "_s + path); }
+    Result play() override { return log(u"play"_s); }
+    void pause() override { log(u"pause"_s); }
+    void resume() override { log(u"resume"_s); }
+    void stop() override { log(u"stop"_s); }
+    void close() override { log(u"close"_s); }
+    qint64 position() const override { return 0; }
+    bool isOpen() const override { return false; }
+    void emitPlaybackEnded(Notify how) { emit playbackEnded(how); }
+    Result log(const QString& call) {
+        calls << call;
+        return Result::Ok;
     }
-    void emitNotify(Notify how) { notify(how); }
-    QStringList sent;
+    QStringList calls;
 };
+
+using Notify = MultimediaDevice::Notify;
+using Result = MultimediaDevice::Result;
 
 class SoundDeviceTest : public ::testing::Test {
 protected:
     SoundDeviceTest() {
-        device.setNotifyHandler([this](MultimediaDevice::Notify n) { notes.push_back(n); });
+        QObject::connect(&device, &MultimediaDevice::playbackEnded, &device,
+                         [this](Notify n) { notes.push_back(n); });
     }
-    static QString open(const QString& path) { return u"open \"%1\" Alias music"_s.arg(path); }
-    int send(const QString& command) { return device.sendString(command); }
 
     TempDir dir;
     LoggingDevice* midi = new LoggingDevice; // both owned by the device
     ScriptedPcm* pcm = new ScriptedPcm;
     SoundDevice device{std::unique_ptr<MultimediaDevice>(midi), std::unique_ptr<PcmOutput>(pcm)};
-    std::vector<MultimediaDevice::Notify> notes;
+    std::vector<Notify> notes;
 };
 
 TEST_F(SoundDeviceTest, MidiGoesToTheSynthesizerAndAmrIsDecodedOntoThePcmOutput) {
-    using Notify = MultimediaDevice::Notify;
-    const QStringList midiCommands{open(u"/x/Tune.MID"_s), u"play music from 0 notify"_s, u"stop music"_s,
-                                   u"close music"_s};
-    for (const QString& c : midiCommands)
-        EXPECT_EQ(send(c), MultimediaDevice::kOk);
-    midi->emitNotify(Notify::Successful);
-    EXPECT_EQ(midi->sent, midiCommands);
+    const QStringList midiCalls{u"open /x/Tune.MID"_s, u"play"_s, u"stop"_s, u"close"_s};
+    EXPECT_EQ(device.open(u"/x/Tune.MID"_s), Result::Ok);
+    EXPECT_EQ(device.play(), Result::Ok);
+    device.stop();
+    device.close();
+    midi->emitPlaybackEnded(Notify::Successful);
+    EXPECT_EQ(midi->calls, midiCalls);
 
-    ASSERT_EQ(send(open(dir.write(u"v.amr"_s, amrTone(25)))), MultimediaDevice::kOk);
-    EXPECT_EQ(send(open(u"/x/t.mid"_s)), MultimediaDevice::kAlreadyOpen);
-    for (const char* c : {"play music from 0 notify", "pause music", "resume music"})
-        send(QString::fromLatin1(c));
+    ASSERT_EQ(device.open(dir.write(u"v.amr"_s, amrTone(25))), Result::Ok);
+    EXPECT_EQ(device.open(u"/x/t.mid"_s), Result::AlreadyOpen);
+    device.play();
+    device.pause();
+    device.resume();
     pcm->finished(); // heard to its end
-    send(u"play music from 0 notify"_s);
-    send(u"close music"_s);
-    EXPECT_EQ(midi->sent, midiCommands) << "the synthesizer never hears of the AMR sound";
+    device.play();
+    device.close();
+    EXPECT_EQ(midi->calls, midiCalls) << "the synthesizer never hears of the AMR sound";
     EXPECT_EQ(pcm->log, (QStringList{u"start 4000 samples at 8000 Hz"_s, u"pause"_s, u"resume"_s,
                                      u"start 4000 samples at 8000 Hz"_s, u"stop"_s}));
     EXPECT_EQ(notes, (std::vector<Notify>{Notify::Successful, Notify::Successful, Notify::Aborted}));
 }
 
 TEST_F(SoundDeviceTest, AnAmrSoundThatCannotBeDecodedOrHeardIsNotOpened) {
-    EXPECT_EQ(send(open(dir.write(u"fake.amr"_s, "MThd"))), MultimediaDevice::kCannotOpen);
+    EXPECT_EQ(device.open(dir.write(u"fake.amr"_s, "MThd")), Result::CannotOpen);
     pcm->unavailable = u"no audio output"_s;
-    EXPECT_EQ(send(open(dir.write(u"v.amr"_s, amrTone(2)))), MultimediaDevice::kNoSound);
+    EXPECT_EQ(device.open(dir.write(u"v.amr"_s, amrTone(2))), Result::NoSound);
     EXPECT_TRUE(pcm->log.isEmpty());
-    EXPECT_EQ(send(open(u"/x/t.mid"_s)), MultimediaDevice::kOk) << "nothing was left open";
+    EXPECT_FALSE(device.isOpen());
+    EXPECT_EQ(device.open(u"/x/t.mid"_s), Result::Ok) << "nothing was left open";
+}
+
+// A name with quotes, spaces and non-ASCII letters opens either kind of sound. An AMR sound's
+// position is the output's while it plays, its length once heard, kept by a stop, 0 once closed.
+TEST_F(SoundDeviceTest, AnyPathOpensAndTheAmrPositionFollowsTheOutput) {
+    const QString name = u"\"Salut\" d’été ♪"_s;
+    ASSERT_EQ(device.open(u"/x/"_s + name + u".mid"_s), Result::Ok);
+    device.close();
+    EXPECT_EQ(midi->calls, (QStringList{u"open /x/"_s + name + u".mid"_s, u"close"_s}));
+
+    ASSERT_EQ(device.open(dir.write(name + u".amr"_s, amrTone(25))), Result::Ok);
+    EXPECT_EQ(device.position(), 0);
+    ASSERT_EQ(device.play(), Result::Ok);
+    pcm->played = 120;
+    EXPECT_EQ(device.position(), 120);
+    pcm->finished();
+    EXPECT_EQ(device.position(), 500) << "25 frames of 20 ms";
+    device.play();
+    pcm->played = 260;
+    device.stop();
+    EXPECT_EQ(device.position(), 260);
+    device.close();
+    EXPECT_EQ(device.position(), 0);
+    EXPECT_EQ(notes, (std::vector<Notify>{Notify::Successful, Notify::Aborted}));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <QSignalSpy>
 #include <QTest>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -86,27 +87,19 @@ QByteArray oneTrack(const QByteArray& body) {
 }
 
 using Notify = MultimediaDevice::Notify;
-const QString kPlay = u"play music from 0 notify"_s;
-const QString kStop = u"stop music"_s;
-const QString kClose = u"close music"_s;
+using Result = MultimediaDevice::Result;
 
 class DeviceTest : public ::testing::Test {
 protected:
     DeviceTest() {
-        device.setNotifyHandler([this](Notify n) { notes.push_back(n); });
-    }
-    // '1' for each command the device accepts, '0' for each it refuses.
-    std::string outcomes(std::initializer_list<QString> commands) {
-        std::string out;
-        for (const QString& c : commands)
-            out += device.sendString(c) == 0 ? '1' : '0';
-        return out;
+        QObject::connect(&device, &MultimediaDevice::playbackEnded, &device,
+                         [this](Notify n) { notes.push_back(n); });
     }
     EngineScript engine;
     qint64 now = 0;
     FluidSynthDevice device{std::make_unique<FakeEngine>(engine), std::make_unique<FakeClock>(now)};
     TempDir dir;
-    QString open = u"open \"%1\" Alias music"_s.arg(dir.write(u"a.mid"_s, threeTempoTune()));
+    QString tune = dir.write(u"a.mid"_s, threeTempoTune());
     std::vector<Notify> notes;
 };
 
@@ -258,47 +251,100 @@ TEST(TempoMap, MalformedFilesFailWithAClearMessage) {
     EXPECT_DOUBLE_EQ(parsed(tolerated + QByteArray(2, 0)).lengthMs(), 500.0);
 }
 
-TEST_F(DeviceTest, AcceptsExactlyItsSixCommands) {
-    for (const char* wrong :
-         {"", "Open \"x\" Alias music", "open \"\" Alias music", "open x Alias music", "play music",
-          "play music from 0 notify ", "stop", "pause", "seek music to start"})
-        EXPECT_NE(device.sendString(QString::fromUtf8(wrong)), 0) << wrong;
-    const QString gone = u"open \"%1\" Alias music"_s.arg(dir.file(u"gone.mid"_s));
-    // Nothing open yet, a missing file, then open, the alias taken, play; one second in a pause and
-    // a resume, then stop, close, and nothing left.
-    EXPECT_EQ(outcomes({kPlay, gone, open, open, kPlay}), "00101");
+TEST_F(DeviceTest, HoldsOneTuneAndControlsOnlyAnOpenOne) {
+    // Nothing open yet, a missing file, no file at all, then open, the device taken, play.
+    EXPECT_EQ(device.play(), Result::NotOpen);
+    EXPECT_EQ(device.open(dir.file(u"gone.mid"_s)), Result::CannotOpen);
+    EXPECT_EQ(device.open(QString()), Result::CannotOpen);
+    EXPECT_FALSE(device.isOpen());
+    ASSERT_EQ(device.open(tune), Result::Ok);
+    EXPECT_EQ(device.open(tune), Result::AlreadyOpen);
+    EXPECT_EQ(device.play(), Result::Ok);
+    // One second in a pause and a resume, then stop and close; after that nothing is left to control.
     engine.tick = 192;
-    EXPECT_EQ(outcomes({u"pause music"_s, u"resume music"_s, kStop, kClose, kStop, kClose}), "111100");
+    device.pause();
+    device.resume();
     EXPECT_EQ(engine.plays, (std::vector<qint64>{0, 192})) << "resumed where it was paused";
+    device.stop();
+    device.close();
+    EXPECT_FALSE(device.isOpen());
+    device.stop();
+    device.close();
+    device.resume();
+    EXPECT_EQ(device.play(), Result::NotOpen);
+    EXPECT_EQ(engine.unloads, 1);
+    EXPECT_EQ(engine.plays.size(), 2u);
+    EXPECT_EQ(notes, std::vector<Notify>{Notify::Aborted});
 }
 
 TEST_F(DeviceTest, EveryPlayEndsWithOneNotification) {
     // A second play supersedes the first; a second stop has nothing left to abort.
-    EXPECT_EQ(outcomes({open, kPlay, kPlay, kStop, kStop, kPlay}), "111111");
+    ASSERT_EQ(device.open(tune), Result::Ok);
+    EXPECT_EQ(device.play(), Result::Ok);
+    EXPECT_EQ(device.play(), Result::Ok);
+    device.stop();
+    device.stop();
+    EXPECT_EQ(device.play(), Result::Ok);
     EXPECT_EQ(notes, (std::vector<Notify>{Notify::Superseded, Notify::Aborted}));
     engine.tick = 768; // the end of the tune
     ASSERT_TRUE(QTest::qWaitFor([&] { return notes.size() == 3; }, 5000));
     EXPECT_EQ(notes.back(), Notify::Successful);
-    outcomes({kStop, kPlay, kClose}); // the composer's answer notifies nothing more
+    device.stop(); // the composer's answer notifies nothing more
+    device.play();
+    device.close();
     EXPECT_EQ(notes.size(), 4u);
     EXPECT_EQ(notes.back(), Notify::Aborted);
     now += 10000;
     EXPECT_FALSE(QTest::qWaitFor([&] { return notes.size() > 4; }, 200)) << "no late success";
 }
 
-TEST_F(DeviceTest, WithoutSoundEveryCommandFailsAndTheReasonIsSaidOnce) {
+TEST_F(DeviceTest, WithoutSoundNothingOpensOrPlaysAndTheReasonIsSaidOnce) {
     engine.unavailable = u"no synthesizer output"_s; // said once a process: a reason no other test gives
     testing::internal::CaptureStderr();
-    const std::string results = outcomes({open, kPlay, kStop, kClose, open, kPlay});
+    const Result opened = device.open(tune), played = device.play();
+    device.stop();
+    device.close();
+    const Result reopened = device.open(tune), replayed = device.play();
     const QString said = QString::fromStdString(testing::internal::GetCapturedStderr());
-    EXPECT_EQ(results, "000000");
+    EXPECT_EQ((std::vector<Result>{opened, played, reopened, replayed}),
+              (std::vector<Result>{Result::NoSound, Result::NotOpen, Result::NoSound, Result::NotOpen}));
     EXPECT_EQ(said.count(engine.unavailable), 1);
     // A tune the engine refuses is not played on the clock either: no success is ever sent.
     engine.unavailable.clear();
     engine.acceptTunes = false;
-    EXPECT_EQ(outcomes({open, kPlay}), "00");
+    EXPECT_EQ(device.open(tune), Result::NoSound);
+    EXPECT_EQ(device.play(), Result::NotOpen);
+    EXPECT_FALSE(device.isOpen());
     now += 10000;
     EXPECT_FALSE(QTest::qWaitFor([&] { return !notes.empty(); }, 100));
+}
+
+// Any file name reaches the synthesizer: quotes, spaces, non-ASCII letters. The position follows
+// the tune and is 0 once it is closed.
+TEST_F(DeviceTest, AnyPathOpensAndPlaysAndThePositionFollowsTheTune) {
+    QSignalSpy ended(&device, &MultimediaDevice::playbackEnded);
+    for (const QString& name : {u"say \"hi\".mid"_s, u"Chanson d’été n° 2 — ♪.MID"_s}) {
+        SCOPED_TRACE(name.toStdString());
+        ended.clear();
+        engine.tick.reset();
+        const QString path = dir.write(name, threeTempoTune());
+        EXPECT_EQ(device.position(), 0);
+        ASSERT_EQ(device.open(path), Result::Ok);
+        EXPECT_TRUE(device.isOpen());
+        ASSERT_EQ(device.play(), Result::Ok);
+        EXPECT_EQ(device.position(), 0);
+        engine.tick = 192; // 1 s at 120 bpm
+        EXPECT_EQ(device.position(), 1000);
+        engine.tick = 768;
+        ASSERT_TRUE(ended.wait(5000)) << "the end of the tune is reported";
+        EXPECT_EQ(ended.takeFirst().at(0).value<Notify>(), Notify::Successful);
+        EXPECT_EQ(device.position(), 5500);
+        device.close();
+        EXPECT_FALSE(device.isOpen());
+        EXPECT_EQ(device.position(), 0);
+        EXPECT_TRUE(ended.isEmpty()) << "nothing was pending any more";
+    }
+    EXPECT_EQ(engine.loads, 2);
 }
 
 TEST_F(PlayerTest, ConvertsWithTheTempoMapAndStopsExactlyAtTo) {

@@ -20,7 +20,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QThread>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <exception>
@@ -73,9 +72,6 @@ protected:
                typed == QKeySequence(Qt::CTRL | Qt::Key_Y);
     }
 };
-
-const QString kStop = QStringLiteral("stop music");
-const QString kClose = QStringLiteral("close music");
 
 } // namespace
 
@@ -430,12 +426,8 @@ void SlideEditor::afterReplay() {
     if (txtText->hasFocus() && !document_.message().isEmpty()) txtText_Click();
 }
 
-// --- The sound preview of MIDI and AMR sounds: playing means the device alias "music" is open and
+// --- The sound preview of MIDI and AMR sounds: playing means the device has the sound open and
 // playing and the button shows "stop".
-
-int SlideEditor::sendPreviewCommand(const QString& command) {
-    return platform_.device.sendString(command);
-}
 
 void SlideEditor::soundPlayCmd_Click() {
     const CSlideNode* node = document_.message().at(document_.current());
@@ -455,8 +447,8 @@ void SlideEditor::soundPlayCmd_Click() {
     if (!node) return;
     // The device's answers are not examined: a tune that cannot be opened still shows "stop", and
     // the next click returns to "play".
-    sendPreviewCommand(QStringLiteral("open \"%1\" Alias music").arg(node->DataSoundPath));
-    sendPreviewCommand(QStringLiteral("play music from 0 notify"));
+    platform_.device.open(node->DataSoundPath);
+    platform_.device.play();
     switchMCICtrl();
 }
 
@@ -467,8 +459,8 @@ void SlideEditor::switchMCICtrl() {
         isPlaying_ = true;
     } else {
         soundPlayCmd->setIcon(playIcon_);
-        sendPreviewCommand(kStop);
-        sendPreviewCommand(kClose);
+        platform_.device.stop();
+        platform_.device.close();
         soundPlayCmd->setToolTip(loc_.getMCrInterfaceStr(composertext::kPlaySound));
         isPlaying_ = false;
     }
@@ -476,32 +468,24 @@ void SlideEditor::switchMCICtrl() {
 
 void SlideEditor::stopSoundPreview() {
     if (!isPlaying_) return;
-    sendPreviewCommand(kStop);
-    sendPreviewCommand(kClose);
+    platform_.device.stop();
+    platform_.device.close();
     switchMCICtrl();
 }
 
 void SlideEditor::closeSoundPreview() {
-    sendPreviewCommand(kStop);
-    sendPreviewCommand(kClose);
+    platform_.device.stop();
+    platform_.device.close();
 }
 
 void SlideEditor::installPreviewHook() {
     isPlaying_ = false;
-    platform_.device.setNotifyHandler([this](MultimediaDevice::Notify result) {
-        if (QThread::currentThread() == thread()) {
-            onPreviewNotify(result);
-        } else {
-            QMetaObject::invokeMethod(
-                this, [this, result] { onPreviewNotify(result); }, Qt::QueuedConnection);
-        }
-    });
-    hookInstalled_ = true;
+    connect(&platform_.device, &MultimediaDevice::playbackEnded, this, &SlideEditor::onPreviewNotify,
+            Qt::UniqueConnection);
 }
 
 void SlideEditor::removePreviewHook() {
-    if (hookInstalled_) platform_.device.setNotifyHandler({});
-    hookInstalled_ = false;
+    disconnect(&platform_.device, &MultimediaDevice::playbackEnded, this, &SlideEditor::onPreviewNotify);
 }
 
 void SlideEditor::onPreviewNotify(MultimediaDevice::Notify result) {

@@ -86,7 +86,6 @@ private:
     void styleTextHint();
     QString textHint() const;
     void onPreviewNotify(MultimediaDevice::Notify result);
-    int sendPreviewCommand(const QString& command);
 
     QStackedWidget* slideStack = nullptr;
     QPushButton* addBigCmd = nullptr;
@@ -107,7 +106,6 @@ private:
     QString durTextAtFocus_;
     bool isPlaying_ = false;
     bool textHintStyled_ = false;
-    bool hookInstalled_ = false;
 };
 
 } // namespace mms
