@@ -1,5 +1,6 @@
 #include "image/thumbnailloader.h"
 
+#include "common/mediakind.h"
 #include "image/imageprobe.h"
 
 #include <QCollator>
@@ -14,7 +15,7 @@ namespace mms {
 namespace {
 
 // The panel's type table, in listing order.
-constexpr const char* kTypeExtensions[] = {"gif", "jpg", "bmp"};
+constexpr MediaKind kTypeKinds[] = {MediaKind::Gif, MediaKind::Jpeg, MediaKind::Bmp};
 
 QImage composeOn(const QImage& scaled, const QSize& box, const QColor& background) {
     QImage out(box, background.alpha() == 255 ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
@@ -41,11 +42,12 @@ QStringList pictureCandidates(const QString& folder, int typeEntry) {
     QCollator collator(locale);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
+    const QStringList names = dir.entryList(QDir::Files | QDir::Readable, QDir::NoSort);
     for (int k = 1; k <= 3; ++k) {
         if (typeEntry != 0 && typeEntry != k) continue;
-        const QString pattern = QStringLiteral("*.") + QLatin1String(kTypeExtensions[k - 1]);
-        // Name filters match without regard to case.
-        QStringList ofType = dir.entryList({pattern}, QDir::Files | QDir::Readable, QDir::NoSort);
+        QStringList ofType;
+        for (const QString& name : names)
+            if (mediaKindOf(name) == kTypeKinds[k - 1]) ofType << name;
         std::sort(ofType.begin(), ofType.end(), [&collator](const QString& a, const QString& b) {
             const int order = collator.compare(a, b);
             return order != 0 ? order < 0 : a < b; // names differing only in case keep a fixed order

@@ -1,5 +1,6 @@
 #include "sound/sounddevice.h"
 
+#include "common/mediakind.h"
 #include "sound/amrdecoder.h"
 #include "sound/fluidsynthdevice.h"
 #include "sound/synthengine.h"
@@ -31,7 +32,7 @@ int SoundDevice::sendString(const QString& command) {
     }
     if (open_ != Open::None) return kAlreadyOpen;
     const QString path = match.captured(1);
-    if (path.endsWith(QLatin1String(".mid"), Qt::CaseInsensitive)) {
+    if (mediaKindOf(path) == MediaKind::Midi) {
         const int result = midi_->sendString(command);
         if (result == kOk) open_ = Open::Midi;
         return result;

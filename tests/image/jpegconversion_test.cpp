@@ -219,13 +219,11 @@ TEST_F(PictureImportTest, OnlyFilesUnderTheLimitAreUsedAsTheyAre) {
     EXPECT_EQ(scratchCount(), 1);
 }
 
-TEST_F(PictureImportTest, LargeGifsByTheirTwoPatternsAndConversionsStillTooLargeAreRefused) {
-    for (const char* name : {"big.gif", "BIG.GIF"})
+TEST_F(PictureImportTest, LargeGifsInAnyCaseAndConversionsStillTooLargeAreRefused) {
+    for (const char* name : {"big.gif", "BIG.GIF", "mixed.Gif"})
         EXPECT_EQ(import(library(QLatin1String(name), test::tinyGif(), 150000)).errorNumber,
                   kErrPictureTooLarge);
     EXPECT_EQ(scratchCount(), 0);
-    const PictureImport mixed = import(library(QStringLiteral("mixed.Gif"), test::tinyGif(), 150000));
-    EXPECT_GT(QImage(mixed.picturePath).pixelColor(0, 0).red(), 180);
     // A conversion still too large stays in the scratch folder.
     const PictureImport result =
         import(library(QStringLiteral("noise.bmp"), test::encoded(test::noise(600, 600), "BMP")));

@@ -3,6 +3,7 @@
 // shows "stop".
 
 #include "common/localisation.h"
+#include "common/mediakind.h"
 #include "common/playbacktexts.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "sound/amrdecoder.h"
@@ -24,7 +25,7 @@ int frmMMSMain::sendPreviewCommand(const QString& command) {
 void frmMMSMain::soundPlayCmd_Click() {
     // Besides MIDI tunes, AMR sounds that decode are played; anything else is refused before the
     // device hears of it.
-    if (!isPlaying_ && !lblSoundName->text().toLower().endsWith(QLatin1String(".mid"))) {
+    if (!isPlaying_ && mediaKindOf(lblSoundName->text()) != MediaKind::Midi) {
         const NodePtr shown = slides_.nodeAt(selectedSlide());
         std::vector<qint16> samples;
         if (!shown || !decodeAmrFile(shown->DataSoundPath, samples)) {

@@ -3,6 +3,7 @@
 #include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
+#include "common/mediakind.h"
 #include "common/widgets/browsefolder.h"
 #include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"
@@ -208,8 +209,8 @@ void PicturePanel::addThumbnail(int row, const QString& fileName, const QImage& 
     if (row != lstPicView->count()) return;
     auto* item = new QListWidgetItem(QIcon(QPixmap::fromImage(thumbnail)), fileName);
     // The tooltip shows the whole name, where the grid elides it, and says what a large file meets.
-    const int tip =
-        matchesGifPattern(fileName) ? sizetext::kTooLargeToUse : sizetext::kPictureWillBeConverted;
+    const int tip = mediaKindOf(fileName) == MediaKind::Gif ? sizetext::kTooLargeToUse
+                                                            : sizetext::kPictureWillBeConverted;
     showFileSize(*item, loc_, QFileInfo(QDir(listedFolder_), fileName).size(), loc_.getMCrInterfaceStr(tip));
     lstPicView->addItem(item);
 }
