@@ -3,6 +3,7 @@
 #include "image/picturefit.h"
 
 #include "common/fileio.h"
+#include "common/mediakind.h"
 #include "common/workspace.h"
 #include "image/imageprobe.h"
 #include "image/pictureimport.h"
@@ -19,8 +20,7 @@ QString shown(const QString& path) {
 }
 
 QString checkSound(const QString& path) {
-    const QString type = CSlide::extractFileType(path).toLower();
-    if (type != QLatin1String("amr") && type != QLatin1String("mid"))
+    if (!isSound(path))
         return QStringLiteral("'%1' is not an AMR or MIDI sound (.amr or .mid)").arg(shown(path));
     const qint64 size = QFileInfo(path).size();
     if (isTooLarge(size))
@@ -66,7 +66,7 @@ QString AttachRules::applyPicture(QString& path) {
     if (!probe.answer) return QStringLiteral("'%1' is not a GIF, JPEG, BMP or PNG picture").arg(shown(path));
     const qint64 size = QFileInfo(path).size();
     QString scratch = home_;
-    if (isTooLarge(size) && !matchesGifPattern(QFileInfo(path).fileName())) {
+    if (isTooLarge(size) && !matchesGifPattern(path)) {
         QString problem;
         scratch = scratchFolder(problem);
         if (!problem.isEmpty()) return problem;

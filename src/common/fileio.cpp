@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 #include <filesystem>
 #include <system_error>
 
@@ -15,6 +16,10 @@ QString native(const QString& path) {
 
 std::filesystem::path fsPath(const QString& path) {
     return std::filesystem::path(QFile::encodeName(path).toStdString());
+}
+
+Status cannotWrite(const QString& path, const QString& reason) {
+    return Status::failure(QStringLiteral("Cannot write \"%1\": %2").arg(native(path), reason));
 }
 
 Status cannotCreate(const QString& path, const std::error_code& error) {
@@ -63,17 +68,39 @@ Status copyFile(const QString& from, const QString& to) {
         return Status::failure(
             QStringLiteral("Cannot read \"%1\": %2").arg(native(from), source.errorString()));
     QFile target(to);
-    if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return Status::failure(
-            QStringLiteral("Cannot write \"%1\": %2").arg(native(to), target.errorString()));
+    if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return cannotWrite(to, target.errorString());
     if (!writeWhole(target, bytes) || !flushWhole(target)) {
         const QString why = target.errorString();
         target.close();
         target.remove();
-        return Status::failure(QStringLiteral("Cannot write \"%1\": %2").arg(native(to), why));
+        return cannotWrite(to, why);
     }
     target.close();
     target.setPermissions(source.permissions());
+    return Status::ok();
+}
+
+Status writeFileSafely(const QString& path, QByteArrayView bytes) {
+    return writeFileSafely(path, [bytes](QIODevice& device) {
+        return writeWhole(device, bytes) ? Status::ok() : Status::failure(device.errorString());
+    });
+}
+
+// Every file the program replaces is written here, so this is the one place to watch its writes.
+Status writeFileSafely(const QString& path, const DeviceWriter& write, QIODevice::OpenMode mode) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly | mode)) return cannotWrite(path, file.errorString());
+    if (const Status written = write(file); !written) {
+        file.cancelWriting();
+        return cannotWrite(path, written.message());
+    }
+    // A failed flush inside commit() would only say "Unknown error"; flushing first keeps the reason.
+    if (!flushWhole(file)) {
+        const QString why = file.errorString();
+        file.cancelWriting();
+        return cannotWrite(path, why);
+    }
+    if (!file.commit()) return cannotWrite(path, file.errorString());
     return Status::ok();
 }
 

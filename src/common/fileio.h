@@ -6,6 +6,7 @@
 #include <QFileDevice>
 #include <QIODevice>
 #include <QString>
+#include <functional>
 
 // File steps that say why they failed in the system's words ("No space left on device",
 // "Permission denied", "No such file or directory") where Qt alone would report "Unknown error" or
@@ -26,5 +27,15 @@ Status createPath(const QString& path);
 // Copies the file `from` to the new file `to` (which must not exist), with its permissions; a
 // failure names the file that could not be read or written and why, and leaves no partial copy.
 Status copyFile(const QString& from, const QString& to);
+
+// Writes a file whole or not at all: the bytes go to a temporary file beside `path`, which replaces
+// the old file only once everything is on disk, so a failure leaves an existing file untouched and no
+// partial one behind. A failure reads `Cannot write "<path>": <reason>`, the reason in the system's
+// words or, when the writer gave up, the writer's message.
+Status writeFileSafely(const QString& path, QByteArrayView bytes);
+// The same for writers that stream: `write` fills the device it is handed. `mode` adds open flags
+// (QIODevice::Unbuffered for writers that hand over whole blocks).
+using DeviceWriter = std::function<Status(QIODevice& device)>;
+Status writeFileSafely(const QString& path, const DeviceWriter& write, QIODevice::OpenMode mode = {});
 
 } // namespace mms::fileio

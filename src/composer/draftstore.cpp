@@ -1,5 +1,6 @@
 #include "composer/draftstore.h"
 
+#include "common/fileio.h"
 #include "common/workspace.h"
 #include "model/cslide.h"
 
@@ -9,7 +10,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <cmath>
 
 namespace mms {
@@ -128,10 +128,7 @@ bool DraftStore::exists() const {
 
 Status DraftStore::write(const QByteArray& bytes) const {
     QDir().mkpath(workspace::userData(appFolder_));
-    QSaveFile file(path());
-    if (!file.open(QIODevice::WriteOnly)) return fileError(path(), file.errorString());
-    if (file.write(bytes) != bytes.size() || !file.commit()) return fileError(path(), file.errorString());
-    return Status::ok();
+    return fileio::writeFileSafely(path(), bytes);
 }
 
 Status DraftStore::read(QByteArray& bytes) const {

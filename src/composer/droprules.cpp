@@ -1,5 +1,7 @@
 #include "composer/droprules.h"
 
+#include "common/mediakind.h"
+
 #include <QFileInfo>
 
 namespace mms {
@@ -7,11 +9,8 @@ namespace mms {
 DropKind dropKindOf(const QString& path) {
     const QFileInfo info(path);
     if (!info.isFile()) return DropKind::Refused;
-    const QString type = info.suffix().toLower();
-    if (type == QLatin1String("gif") || type == QLatin1String("jpg") || type == QLatin1String("jpeg") ||
-        type == QLatin1String("bmp") || type == QLatin1String("3gp"))
-        return DropKind::Picture;
-    if (type == QLatin1String("amr") || type == QLatin1String("mid")) return DropKind::Sound;
+    if (isPicture(path) || isVideoClip(path)) return DropKind::Picture;
+    if (isSound(path)) return DropKind::Sound;
     return DropKind::Refused;
 }
 

@@ -47,10 +47,6 @@ QImage fitToPhoneScreen(const QImage& picture) {
     return picture.scaled(kPhonePictureSize, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-bool isVideoClipPath(const QString& path) {
-    return path.endsWith(QLatin1String(".3gp"));
-}
-
 QImage loadPicture(const QString& path) {
     if (path.isEmpty()) return {};
     QImageReader reader(path);

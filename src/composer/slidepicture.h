@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/mediakind.h"
+
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -18,8 +20,10 @@ QImage fittedThumbnail(const QImage& picture, QSize size = kStripThumbnailSize);
 // `picture` scaled down to fit the phone's image region (never enlarged), aspect ratio kept.
 QImage fitToPhoneScreen(const QImage& picture);
 
-// Whether `path` names a video clip rather than a picture (".3gp", exact case).
-bool isVideoClipPath(const QString& path);
+// Whether `path` names a video clip rather than a picture.
+inline bool isVideoClipPath(const QString& path) {
+    return matchesClipPattern(path);
+}
 // Loads a picture file (GIF, JPEG, BMP, PNG); a null image when it cannot be read.
 QImage loadPicture(const QString& path);
 

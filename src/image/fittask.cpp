@@ -17,12 +17,14 @@ void FitTask::start(const QString& source, const QString& target, qint64 maxByte
     auto cancelled = std::make_shared<std::atomic<bool>>(false);
     cancelled_ = cancelled;
     running_ = true;
+    ++working_;
     const quint64 generation = ++generation_;
     pool_.start([this, cancelled, generation, source, target, maxBytes] {
         FitResult result = fitPictureToFile(source, target, maxBytes, cancelled.get());
         QMetaObject::invokeMethod(
             this,
             [this, generation, target, result = std::move(result)] {
+                --working_;
                 // A fit cancelled or replaced since reports nothing.
                 if (generation != generation_ || !running_) return;
                 running_ = false;

@@ -22,6 +22,9 @@ public:
     void start(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
     void cancel();
     bool isRunning() const { return running_; }
+    // Whether any fit, a cancelled one too, still works or has its outcome on the way: until then
+    // a cancelled fit may still write its target.
+    bool isWorking() const { return working_ > 0; }
 
 signals:
     void finished(const mms::FitResult& result, const QString& target);
@@ -31,6 +34,7 @@ private:
     std::shared_ptr<std::atomic<bool>> cancelled_;
     quint64 generation_ = 0;
     bool running_ = false;
+    int working_ = 0;
 };
 
 } // namespace mms

@@ -7,10 +7,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QSaveFile>
 #include <limits>
 #include <memory>
 #include <turbojpeg.h>
+#if __has_include(<jconfig.h>)
+#include <jconfig.h>
+#endif
 
 namespace mms {
 
@@ -89,6 +91,15 @@ Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg) {
                     TJFLAG_BOTTOMUP, quality, jpeg);
 }
 
+LibraryInfo jpegLibrary() {
+    QString version;
+#ifdef LIBJPEG_TURBO_VERSION_NUMBER
+    const int v = LIBJPEG_TURBO_VERSION_NUMBER; // 2001005 is 2.1.5
+    version = QStringLiteral("%1.%2.%3").arg(v / 1000000).arg(v / 1000 % 1000).arg(v % 1000);
+#endif
+    return {QStringLiteral("libjpeg-turbo"), version, QStringLiteral("IJG, BSD 3-Clause, zlib")};
+}
+
 Status encodeJpeg(const QImage& picture, int quality, QByteArray& jpeg) {
     if (picture.isNull() || picture.format() != QImage::Format_RGB32)
         return Status::failure(QStringLiteral("There is no picture to encode."));
@@ -98,23 +109,10 @@ Status encodeJpeg(const QImage& picture, int quality, QByteArray& jpeg) {
                     TJPF_BGRX, 0, quality, jpeg);
 }
 
-Status writeWholeFile(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
-    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file)) {
-        const QString why = file.errorString();
-        file.cancelWriting();
-        return Status::failure(QStringLiteral("%1: %2").arg(shown(path), why));
-    }
-    if (!file.commit()) return Status::failure(QStringLiteral("%1: %2").arg(shown(path), file.errorString()));
-    return Status::ok();
-}
-
 Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality) {
     QByteArray jpeg;
     if (Status encoded = encodeJpeg(dib, quality, jpeg); !encoded) return encoded;
-    return writeWholeFile(path, jpeg);
+    return fileio::writeFileSafely(path, jpeg);
 }
 
 Status reencodeAsJpeg(const QString& source, const QString& target, int quality) {

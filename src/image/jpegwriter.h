@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/libraryinfo.h"
 #include "image/cdibsection.h"
 #include "model/status.h"
 
@@ -12,16 +13,16 @@ namespace mms {
 // The quality every conversion of the program uses.
 constexpr int kJpegQuality = 35;
 
+// The JPEG library the encoder and decoder run on, in the version built against: it has no call
+// that tells the version in use.
+LibraryInfo jpegLibrary();
+
 // Encodes the bitmap as a baseline JPEG of the same width and height: three colour components
 // (YCbCr), chroma halved both ways (4:2:0), quality 1..100.
 Status encodeJpeg(const cDIBSection& dib, int quality, QByteArray& jpeg);
 
 // The same encoding of a picture in QImage::Format_RGB32 (anything else fails).
 Status encodeJpeg(const QImage& picture, int quality, QByteArray& jpeg);
-
-// Writes bytes to path whole or not at all: on failure nothing is left under that name and an
-// existing file there is untouched. The failure names the file.
-Status writeWholeFile(const QString& path, const QByteArray& bytes);
 
 // Encodes and writes the JPEG to path. The file appears only when complete: on failure nothing is
 // left under that name and an existing file there is untouched.

@@ -6,6 +6,7 @@
 
 #include "image/picturefit.h"
 
+#include "common/fileio.h"
 #include "image/jpegwriter.h"
 #include "image/uprightdecode.h"
 
@@ -209,7 +210,7 @@ FitResult fitPictureToFile(const QString& source, const QString& target, qint64 
                            const std::atomic<bool>* cancel) {
     FitResult result = fitPictureToLimit(source, maxBytes, cancel);
     if (!result.fitted()) return result;
-    if (Status written = writeWholeFile(target, result.jpeg); !written) {
+    if (Status written = fileio::writeFileSafely(target, result.jpeg); !written) {
         result.outcome = FitResult::Outcome::Failed;
         result.message = written.message();
     }

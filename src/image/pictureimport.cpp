@@ -1,5 +1,6 @@
 #include "image/pictureimport.h"
 
+#include "common/mediakind.h"
 #include "common/workspace.h"
 #include "image/jpegwriter.h"
 
@@ -36,10 +37,6 @@ PictureImport attached(QString path, QString convertedPath = QString()) {
 }
 
 } // namespace
-
-bool matchesGifPattern(const QString& fileName) {
-    return fileName.endsWith(QLatin1String(".gif")) || fileName.endsWith(QLatin1String(".GIF"));
-}
 
 QString conversionStamp(const QDateTime& when) {
     const QDate d = when.date();
@@ -92,7 +89,7 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
         length = source.size();
     }
     if (!listHasItems || !isTooLarge(length)) return attached(sourcePath);
-    if (matchesGifPattern(QFileInfo(sourcePath).fileName())) return refused(kErrPictureTooLarge, QString());
+    if (matchesGifPattern(sourcePath)) return refused(kErrPictureTooLarge, QString());
 
     QString target;
     if (Status named = freshConversionPath(appFolder, clock, random, target); !named)

@@ -14,9 +14,6 @@ constexpr int kErrPictureTooLarge = 0;
 constexpr int kErrPictureNotConverted = 27; // "...could not be converted to JPEG...\n%1"
 constexpr int kErrPictureNotLoaded = 31;    // "The picture could not be loaded.\n%1"
 
-// A large GIF is refused only when its name ends in ".gif" or ".GIF"; mixed case is converted.
-bool matchesGifPattern(const QString& fileName);
-
 // Year, month, day, hour and minute as decimal numbers in a row, without zero padding:
 // 7 March 2024 09:05 gives "20243795".
 QString conversionStamp(const QDateTime& when);

@@ -13,7 +13,8 @@ namespace mms {
 
 namespace {
 
-// The panel's type table, in listing order.
+// The panel's type table, in listing order: its name patterns, not every name a kind has (a ".jpeg"
+// is taken when dropped but not listed).
 constexpr const char* kTypeExtensions[] = {"gif", "jpg", "bmp"};
 
 QImage composeOn(const QImage& scaled, const QSize& box, const QColor& background) {

@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QTemporaryDir>
 #include <filesystem>
 
@@ -42,11 +41,7 @@ Status moveArchive(const QString& archive, const QString& destination) {
         return Status::failure(
             QStringLiteral("Cannot read \"%1\": %2").arg(native(archive), in.errorString()));
     in.close();
-    QSaveFile out(destination);
-    if (!out.open(QIODevice::WriteOnly) || !fileio::writeWhole(out, bytes) || !fileio::flushWhole(out) ||
-        !out.commit())
-        return Status::failure(
-            QStringLiteral("Cannot write \"%1\": %2").arg(native(destination), out.errorString()));
+    if (Status s = fileio::writeFileSafely(destination, bytes); !s) return s;
     // The copy is complete; an archive left behind is replaced by the next export.
     QFile::remove(archive);
     return Status::ok();

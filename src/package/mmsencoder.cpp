@@ -1,10 +1,10 @@
 #include "package/mmsencoder.h"
 
 #include "common/fileio.h"
+#include "common/mediakind.h"
 #include "package/packagemembers.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <limits>
 
 namespace mms {
@@ -34,19 +34,31 @@ const char* sniffedType(const QString& path) {
 }
 
 // The content type of a part (without its value length), by the extension of `source`.
-QByteArray contentType(const QString& type, const QByteArray& name, const QString& source) {
+QByteArray contentType(MediaKind kind, const QByteArray& name, const QString& source) {
     const QByteArray nameParameter = QByteArrayLiteral("\x85") + name + '\0';
     auto byText = [&](const char* mime) { return QByteArray(mime) + '\0' + nameParameter; };
-    if (type == QLatin1String("gif")) return QByteArrayLiteral("\x9D") + nameParameter;
-    if (type == QLatin1String("jpg") || type == QLatin1String("jpeg") || type == QLatin1String("jpe"))
+    switch (kind) {
+    case MediaKind::Gif:
+        return QByteArrayLiteral("\x9D") + nameParameter;
+    case MediaKind::Jpeg:
         return byText("image/jpeg");
-    if (type == QLatin1String("bmp")) return byText("image/bmp");
-    if (type == QLatin1String("png")) return byText("image/png");
-    if (type == QLatin1String("amr")) return byText("audio/amr");
-    if (type == QLatin1String("mid")) return byText("audio/midi");
-    if (type == QLatin1String("3gp")) return byText("video/3gpp");
-    if (type == QLatin1String("txt")) return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
-    if (type == QLatin1String("smil")) return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
+    case MediaKind::Bmp:
+        return byText("image/bmp");
+    case MediaKind::Png:
+        return byText("image/png");
+    case MediaKind::Amr:
+        return byText("audio/amr");
+    case MediaKind::Midi:
+        return byText("audio/midi");
+    case MediaKind::Video3gp:
+        return byText("video/3gpp");
+    case MediaKind::Text:
+        return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
+    case MediaKind::Smil:
+        return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
+    case MediaKind::Other:
+        break;
+    }
     return byText(sniffedType(source));
 }
 
@@ -139,12 +151,12 @@ qint32 MmsEncoder::writeHeader(QIODevice& out, quint32 parts, const QString& sub
 
 qint32 MmsEncoder::generateMsgElement(QIODevice& out, const QString& source, qint32 pos) {
     const QString fileName = CSlide::extractFileName(source);
-    const QString type = CSlide::extractFileType(source).toLower();
+    const MediaKind kind = mediaKindOf(source);
     const QByteArray name = fileName.toUtf8();
-    const bool smil = type == QLatin1String("smil");
+    const bool smil = kind == MediaKind::Smil;
     const QString failed = fileName + QStringLiteral(": Error");
 
-    const QByteArray inner = contentType(type, name, source);
+    const QByteArray inner = contentType(kind, name, source);
     QByteArray headers = valueLength(inner.size(), smil) + inner;
     headers += QByteArrayLiteral("\xC0\x22<") + (smil ? kStartId : name) + ">" + '\0';
     if (!smil) headers += '\x8E' + name + '\0';
@@ -237,16 +249,9 @@ Status writeSendRequest(const CSlide& slides, const QString& packageFolder, cons
 
 Status writeSendRequest(const CSlide& slides, const QString& packageFolder, const QString& subject,
                         const QString& outPath, MessageSink* sink, const MmsRecipients& recipients) {
-    QSaveFile file(outPath);
-    if (!file.open(QIODevice::WriteOnly))
-        return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
-    if (Status s = writeSendRequest(slides, packageFolder, subject, file, sink, recipients); !s) {
-        file.cancelWriting();
-        return s;
-    }
-    if (!fileio::flushWhole(file) || !file.commit())
-        return Status::failure(outPath + QStringLiteral(": ") + file.errorString());
-    return Status::ok();
+    return fileio::writeFileSafely(outPath, [&](QIODevice& out) {
+        return writeSendRequest(slides, packageFolder, subject, out, sink, recipients);
+    });
 }
 
 } // namespace mms

@@ -1,5 +1,6 @@
 #include "package/packagemembers.h"
 
+#include "common/mediakind.h"
 #include "model/cslide.h"
 
 namespace mms {
@@ -18,11 +19,8 @@ bool isPlainSuffix(const QString& suffix) {
 } // namespace
 
 PictureMember pictureMember(const QString& path, int n) {
-    const QString type = CSlide::extractFileType(path).toLower();
     const QString number = QString::number(n);
-    if (type == QLatin1String("gif") || type == QLatin1String("jpg") || type == QLatin1String("bmp"))
-        return {QStringLiteral("pic") + number + QLatin1Char('.') + type};
-    if (type == QLatin1String("3gp")) return {QStringLiteral("vdo") + number + QStringLiteral(".3gp"), true};
+    if (isVideoClip(path)) return {QStringLiteral("vdo") + number + QStringLiteral(".3gp"), true};
     const QString fileName = CSlide::extractFileName(path);
     const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
     QString suffix = dot < 0 ? QString() : fileName.mid(dot + 1).toLower();
@@ -31,7 +29,7 @@ PictureMember pictureMember(const QString& path, int n) {
 }
 
 QString soundMember(const QString& path, int n) {
-    const bool midi = CSlide::extractFileType(path).toLower() == QLatin1String("mid");
+    const bool midi = mediaKindOf(path) == MediaKind::Midi;
     return QStringLiteral("sound") + QString::number(n) +
            (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
 }

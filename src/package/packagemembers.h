@@ -11,11 +11,10 @@ struct PictureMember {
     bool video = false;
 };
 
-// gif, jpg and bmp keep their kind, a 3GP clip becomes "vdo" + N + ".3gp". Any other picture (a .png
-// or .jpeg the picture panel would not offer, or a file without extension) is still packaged rather
-// than dropped: it becomes "pic" + N + "." + its lower-cased extension, so that opening the message,
-// which looks for "pic" + N + ".*", finds it again. An extension that is not plain letters and
-// digits (or none at all) is replaced by "bin". A member name maps to itself.
+// A 3GP clip becomes "vdo" + N + ".3gp", any other picture "pic" + N + "." + its lower-cased
+// extension (a .png or a file without extension is still packaged rather than dropped), so that
+// opening the message, which looks for "pic" + N + ".*", finds it again. An extension that is not
+// plain letters and digits (or none at all) is replaced by "bin". A member name maps to itself.
 PictureMember pictureMember(const QString& path, int n);
 
 // "sound" + N + ".mid" for a MIDI file, "sound" + N + ".amr" for every other sound.

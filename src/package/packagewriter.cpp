@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <vector>
 
 namespace mms {
@@ -158,12 +157,7 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
         if (!result) break;
         result = writeFile(folder + QLatin1Char('/') + fileName, bytes);
     }
-    if (result) {
-        QSaveFile index(indexPath);
-        if (!index.open(QIODevice::WriteOnly) || !fileio::writeWhole(index, p.index) ||
-            !fileio::flushWhole(index) || !index.commit())
-            result = cannotWrite(indexPath, index.errorString());
-    }
+    if (result) result = fileio::writeFileSafely(indexPath, p.index);
     if (!result) QDir(folder).removeRecursively();
     return result;
 }

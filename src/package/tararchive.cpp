@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <archive.h>
 #include <archive_entry.h>
 #include <memory>
@@ -49,6 +48,13 @@ QString archiveError(archive* a, const Sink& sink) {
 
 } // namespace
 
+LibraryInfo tarLibrary() {
+    // "libarchive 3.6.2"
+    return {QStringLiteral("libarchive"),
+            QString::fromLatin1(archive_version_string()).section(QLatin1Char(' '), 1),
+            QStringLiteral("BSD 2-Clause")};
+}
+
 Status writeTarArchive(QIODevice& device, const std::vector<TarMember>& members) {
     std::unique_ptr<archive, ArchiveDeleter> a(archive_write_new());
     if (!a || archive_write_set_format_ustar(a.get()) != ARCHIVE_OK ||
@@ -83,22 +89,11 @@ Status writeTarArchive(QIODevice& device, const std::vector<TarMember>& members)
 }
 
 Status writeTarArchive(const QString& archivePath, const std::vector<TarMember>& members) {
-    QSaveFile file(archivePath);
     // libarchive hands over whole blocks already; unbuffered, a failed write keeps the system's
     // reason (a full disk) instead of losing it in a later flush.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return Status::failure(
-            QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
-    const Status written = writeTarArchive(file, members);
-    if (!written) {
-        file.cancelWriting();
-        return Status::failure(
-            QStringLiteral("%1 (while writing \"%2\")").arg(written.message(), native(archivePath)));
-    }
-    if (!fileio::flushWhole(file) || !file.commit())
-        return Status::failure(
-            QStringLiteral("Cannot write \"%1\": %2").arg(native(archivePath), file.errorString()));
-    return Status::ok();
+    return fileio::writeFileSafely(
+        archivePath, [&](QIODevice& device) { return writeTarArchive(device, members); },
+        QIODevice::Unbuffered);
 }
 
 namespace {

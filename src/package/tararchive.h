@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/libraryinfo.h"
 #include "model/status.h"
 
 #include <QByteArray>
@@ -17,6 +18,9 @@ struct TarMember {
     QByteArray bytes;
     qint64 mtime = 0;
 };
+
+// The archive library the writer runs on.
+LibraryInfo tarLibrary();
 
 // Writes a plain tar (ustar) archive of `members`, in that order, with their bytes unchanged.
 Status writeTarArchive(QIODevice& device, const std::vector<TarMember>& members);

@@ -25,6 +25,11 @@ struct DecoderDeleter {
 
 } // namespace
 
+LibraryInfo amrLibrary() {
+    return {QStringLiteral("opencore-amr"), QStringLiteral(MMS_OPENCORE_AMR_VERSION),
+            QStringLiteral("Apache 2.0")};
+}
+
 Status decodeAmr(const QByteArray& bytes, std::vector<qint16>& samples) {
     samples.clear();
     if (bytes.startsWith("#!AMR-WB")) return Status::failure(QStringLiteral("it is wide band AMR"));

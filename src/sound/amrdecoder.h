@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/libraryinfo.h"
 #include "model/status.h"
 
 #include <QByteArray>
@@ -12,6 +13,10 @@ namespace mms {
 // AMR narrow band sounds in the single-channel storage format phones record ("#!AMR\n", then one
 // frame per 20 ms), decoded with opencore-amr into 16-bit mono samples at 8 kHz.
 inline constexpr int kAmrSampleRate = 8000;
+
+// The AMR library the decoder runs on, in the version built against: it has no call that tells the
+// version in use.
+LibraryInfo amrLibrary();
 
 // Decodes the bytes of an AMR file into `samples` (replacing what it held). Fails, saying what is
 // wrong, on anything else: another header (wide band, multi-channel), a frame type narrow band AMR

@@ -103,6 +103,11 @@ private:
 
 } // namespace
 
+LibraryInfo synthLibrary() {
+    return {QStringLiteral("FluidSynth"), QString::fromLatin1(fluid_version_str()),
+            QStringLiteral("GNU LGPL 2.1 or later")};
+}
+
 struct FluidSynthEngine::Impl {
     Output output;
     QString reason;

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "common/libraryinfo.h"
 #include "sound/synthengine.h"
 
 #include <memory>
 
 namespace mms {
+
+// The synthesiser library the engine runs on.
+LibraryInfo synthLibrary();
 
 // A SynthEngine on FluidSynth with a General MIDI soundfont. Each loaded tune gets its own
 // FluidSynth player and audio driver: FluidSynth must not delete a player while a driver renders,

@@ -1,6 +1,7 @@
 #include "sound/midiwriter.h"
 
-#include <QSaveFile>
+#include "common/fileio.h"
+
 #include <QStringList>
 #include <cmath>
 
@@ -171,20 +172,13 @@ Status MidiWriter::ExportMidi(QIODevice& out, int beatsPerMinute, int timeSignat
     putChunk(file, "MThd", header);
     for (const QByteArray& track : tracks)
         putChunk(file, "MTrk", track);
-    if (out.write(file) != file.size()) return Status::failure(out.errorString());
+    if (!fileio::writeWhole(out, file)) return Status::failure(out.errorString());
     return Status::ok();
 }
 
 Status MidiWriter::ExportMidi(const QString& outPath, int beatsPerMinute, int timeSignatureCode) const {
-    QSaveFile file(outPath);
-    if (!file.open(QIODevice::WriteOnly))
-        return Status::failure(QStringLiteral("%1: %2").arg(outPath, file.errorString()));
-    if (Status s = ExportMidi(file, beatsPerMinute, timeSignatureCode); !s) {
-        file.cancelWriting();
-        return Status::failure(QStringLiteral("%1: %2").arg(outPath, s.message()));
-    }
-    if (!file.commit()) return Status::failure(QStringLiteral("%1: %2").arg(outPath, file.errorString()));
-    return Status::ok();
+    return fileio::writeFileSafely(
+        outPath, [&](QIODevice& out) { return ExportMidi(out, beatsPerMinute, timeSignatureCode); });
 }
 
 } // namespace mms

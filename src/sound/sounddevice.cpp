@@ -1,5 +1,7 @@
 #include "sound/sounddevice.h"
 
+#include "common/mediakind.h"
+
 #include "sound/amrdecoder.h"
 #include "sound/fluidsynthdevice.h"
 #include "sound/synthengine.h"
@@ -20,7 +22,7 @@ SoundDevice::~SoundDevice() {
 
 MultimediaDevice::Result SoundDevice::open(const QString& path) {
     if (open_ != Open::None) return Result::AlreadyOpen;
-    if (path.endsWith(QLatin1String(".mid"), Qt::CaseInsensitive)) {
+    if (mediaKindOf(path) == MediaKind::Midi) {
         const Result result = midi_->open(path);
         if (result == Result::Ok) open_ = Open::Midi;
         return result;

@@ -1,6 +1,7 @@
 #include "store/messagestore.h"
 
 #include "common/fileio.h"
+#include "common/mediakind.h"
 #include "common/workspace.h"
 #include "package/packagewriter.h"
 #include "store/messageindex.h"
@@ -235,10 +236,10 @@ Status MessageStore::load(const QString& name, const QString& folder, LoadedMess
         slide.duration = line.duration;
         if (line.hasPicture) {
             const QString picture = files.value(QStringLiteral("pic") + number);
-            const QString clip = QStringLiteral("vdo") + number + QStringLiteral(".3gp");
+            const QString clip = files.value(QStringLiteral("vdo") + number);
             if (!picture.isEmpty())
                 slide.picturePath = pathOf(picture);
-            else if (QFileInfo(pathOf(clip)).isFile())
+            else if (isVideoClip(clip))
                 slide.picturePath = pathOf(clip);
             else
                 result.missingFiles << QStringLiteral("pic") + number + QStringLiteral(".*");

@@ -3,6 +3,7 @@
 
 #include "common/localisation.h"
 #include "composer/composertexts.h"
+#include "composer/usedlibraries.h"
 #include "composer/widgets/composeractions.h"
 #include "composer/widgets/frmmmsmain.h"
 #include "image/widgets/picturepanel.h"
@@ -17,27 +18,9 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QTabWidget>
-#include <archive.h>
-#include <fluidsynth.h>
 #include <stdexcept>
-#if __has_include(<jconfig.h>)
-#include <jconfig.h>
-#endif
 
 namespace mms {
-
-namespace {
-
-QString jpegLibraryVersion() {
-#ifdef LIBJPEG_TURBO_VERSION_NUMBER
-    const int v = LIBJPEG_TURBO_VERSION_NUMBER; // 2001005 is 2.1.5
-    return QStringLiteral("%1.%2.%3").arg(v / 1000000).arg(v / 1000 % 1000).arg(v % 1000);
-#else
-    return QString();
-#endif
-}
-
-} // namespace
 
 void frmMMSMain::restoreRememberedState() {
     if (settings_) remembered_ = loadRememberedState(*settings_);
@@ -94,25 +77,11 @@ void frmMMSMain::fillRecentMenu() {
 
 void frmMMSMain::mnu_about_Click() {
     const auto I = [this](int n) { return loc_.getMCrInterfaceStr(n); };
-    struct Part {
-        QString name;
-        QString version;
-        const char* licence;
-    };
-    const Part parts[] = {
-        {QStringLiteral("Qt"), QString::fromLatin1(qVersion()), "GNU LGPL 3.0"},
-        {QStringLiteral("libarchive"),
-         QString::fromLatin1(archive_version_string()).section(QLatin1Char(' '), 1), "BSD 2-Clause"},
-        {QStringLiteral("libjpeg-turbo"), jpegLibraryVersion(), "IJG, BSD 3-Clause, zlib"},
-        {QStringLiteral("FluidSynth"), QString::fromLatin1(fluid_version_str()), "GNU LGPL 2.1 or later"},
-        {I(composertext::kAboutSoundFont).replace(QStringLiteral("%1"), QStringLiteral("FluidR3_GM")),
-         QString(), "MIT"},
-    };
     QString rows;
-    for (const Part& part : parts) {
+    for (const LibraryInfo& part : usedLibraries(loc_)) {
         rows +=
             QStringLiteral("<tr><td>%1 %2</td><td>&nbsp;&nbsp;%3</td></tr>")
-                .arg(part.name.toHtmlEscaped(), part.version.toHtmlEscaped(), QLatin1String(part.licence));
+                .arg(part.name.toHtmlEscaped(), part.version.toHtmlEscaped(), part.licence.toHtmlEscaped());
     }
     const QString text = QStringLiteral("<p><b>%1</b><br>%2</p><p>%3</p><table>%4</table>")
                              .arg(I(composertext::kAppTitle).toHtmlEscaped(),

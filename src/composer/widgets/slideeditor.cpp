@@ -1,6 +1,7 @@
 #include "composer/widgets/slideeditor.h"
 
 #include "common/localisation.h"
+#include "common/mediakind.h"
 #include "composer/composerdocument.h"
 #include "composer/composertext.h"
 #include "composer/composertexts.h"
@@ -433,7 +434,7 @@ void SlideEditor::soundPlayCmd_Click() {
     const CSlideNode* node = document_.message().at(document_.current());
     // Besides MIDI tunes, AMR sounds that decode are played; anything else is refused before the
     // device hears of it.
-    if (!isPlaying_ && !lblSoundName->text().toLower().endsWith(QLatin1String(".mid"))) {
+    if (!isPlaying_ && mediaKindOf(lblSoundName->text()) != MediaKind::Midi) {
         std::vector<qint16> samples;
         if (!node || !decodeAmrFile(node->DataSoundPath, samples)) {
             platform_.dialogs.inform(loc_.getMCrErrStr(composertext::kSoundNotPlayable));

@@ -3,6 +3,7 @@
 #include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
+#include "common/mediakind.h"
 #include "common/widgets/browsefolder.h"
 #include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"

@@ -3,6 +3,7 @@
 #include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
+#include "common/mediakind.h"
 #include "common/widgets/browsefolder.h"
 #include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"
@@ -151,11 +152,6 @@ bool SoundPanel::setFileListFolder(const QString& folder) {
     return refreshFileList();
 }
 
-void SoundPanel::setFileListPattern(const QString& pattern) {
-    filePattern_ = pattern;
-    refreshFileList(true);
-}
-
 bool SoundPanel::refreshFileList(bool keepSelection) {
     const QString kept = keepSelection ? selectedFileName() : QString();
     const QSignalBlocker quiet(fileBoxSound);
@@ -163,10 +159,10 @@ bool SoundPanel::refreshFileList(bool keepSelection) {
     if (fileFolder_.isEmpty()) return true;
     const QFileInfo info(fileFolder_);
     if (!info.isDir() || !info.isReadable()) return false;
-    const QStringList patterns = filePattern_.split(QLatin1Char(';'), Qt::SkipEmptyParts);
-    // Without QDir::CaseSensitive the patterns match in any case, so "*.mid" lists TUNE.MID.
-    const QStringList names =
-        QDir(fileFolder_).entryList(patterns, QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+    QStringList names;
+    for (const QString& name :
+         QDir(fileFolder_).entryList(QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase))
+        if (listedKind_ ? mediaKindOf(name) == *listedKind_ : isSound(name)) names << name;
     const QIcon icon = listIcon(*fileBoxSound);
     const QDir dir(fileFolder_);
     const QString tooLarge = loc_.getMCrInterfaceStr(sizetext::kTooLargeToUse);
@@ -229,13 +225,13 @@ void SoundPanel::SoundChgDirBrowse_Click() {
 void SoundPanel::soundTypeCombo_Click() {
     switch (soundTypeCombo->currentIndex()) {
     case 0:
-        filePattern_ = QStringLiteral("*.amr;*.mid");
+        listedKind_.reset();
         break;
     case 1:
-        filePattern_ = QStringLiteral("*.amr");
+        listedKind_ = MediaKind::Amr;
         break;
     default:
-        filePattern_ = QStringLiteral("*.mid");
+        listedKind_ = MediaKind::Midi;
         break;
     }
     showFolderOrNothing(soundDirPath->text(), true);
@@ -245,7 +241,7 @@ void SoundPanel::soundTypeCombo_Click() {
 void SoundPanel::fileBoxSound_Click() {
     const QString name = selectedFileName();
     chgSoundCmd->setEnabled(!name.isEmpty());
-    cropCmd->setEnabled(name.toLower().endsWith(QLatin1String(".mid")));
+    cropCmd->setEnabled(mediaKindOf(name) == MediaKind::Midi);
 }
 
 void SoundPanel::chgSoundCmd_Click() {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "common/mediakind.h"
+
 #include <QString>
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 class QComboBox;
 class QLineEdit;
@@ -39,11 +42,10 @@ public:
     QString libraryFolder() const;
     void fillTypeCombo();
 
-    // The file list fileBoxSound: a folder, a pattern ("*.amr;*.mid") and the matching names,
+    // The file list fileBoxSound: a folder, the sound kind the type box picks and the matching names,
     // sorted without regard to case. Setting a folder that is not a readable folder fails and
     // leaves the list empty.
     bool setFileListFolder(const QString& folder);
-    void setFileListPattern(const QString& pattern);
     QString fileListFolder() const { return fileFolder_; }
     // The selected file name (no folder), empty when nothing is selected.
     QString selectedFileName() const;
@@ -91,7 +93,7 @@ private:
     // The crop window's decoder, kept for the whole run as the decoding rules want it.
     std::unique_ptr<MidiDecoder> cropDecoder_;
     QString fileFolder_;
-    QString filePattern_;
+    std::optional<MediaKind> listedKind_; // none: every sound
 };
 
 } // namespace mms
