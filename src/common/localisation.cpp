@@ -1,9 +1,13 @@
 #include "common/localisation.h"
 
+#include "common/commontexts.h"
 #include "common/desktoptexts.h"
 #include "common/filesize.h"
+#include "common/imagetexts.h"
+#include "common/packagetexts.h"
 #include "common/playbacktexts.h"
-#include "common/sendtexts.h"
+#include "common/soundtexts.h"
+#include "common/storetexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +15,8 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <initializer_list>
+#include <span>
 #include <stdexcept>
 
 namespace mms {
@@ -57,10 +63,13 @@ QString entryAt(const QStringList& list, int index, int group) {
     return list.at(index);
 }
 
-QList<int> range(int first, int last) {
+// The entries of every area, ascending; an entry two areas name counts once.
+QList<int> usedNumbers(std::initializer_list<std::span<const int>> areas) {
     QList<int> numbers;
-    for (int n = first; n <= last; ++n)
-        numbers.append(n);
+    for (const std::span<const int> area : areas)
+        numbers.append(QList<int>(area.begin(), area.end()));
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
 }
 
@@ -147,41 +156,19 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1,
-            2,
-            3,
-            4,
-            7,
-            8,
-            9,
-            10,
-            11,
-            desktoptext::kPromptRestoreDraft,
-            sizetext::kPromptShrinkToFit,
-            sizetext::kPromptExportOverLimit};
+    return usedNumbers({desktoptext::kUsedPrompts, storetext::kUsedPrompts, sizetext::kUsedPrompts});
 }
 
 QList<int> usedErrorNumbers() {
-    QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
-    numbers.append(range(10, 31));
-    numbers.append(sendtexts::kNotAnAddress);
-    numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
-    numbers.append(range(desktoptext::kFirstError, desktoptext::kLastError));
-    numbers.append(sizetext::kErrPictureCannotFit);
-    return numbers;
+    return usedNumbers({desktoptext::kUsedErrors, storetext::kUsedErrors, packagetext::kUsedErrors,
+                        imagetext::kUsedErrors, soundtext::kUsedErrors, playbacktext::kUsedErrors,
+                        sizetext::kUsedErrors});
 }
 
 QList<int> usedInterfaceNumbers() {
-    QList<int> numbers = range(0, 69);
-    numbers.removeAll(16);
-    numbers.removeAll(46);
-    numbers.removeAll(47);
-    numbers.removeAll(59);
-    numbers.append(sendtexts::kRecipientsLabel);
-    numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
-    numbers.append(range(desktoptext::kFirstInterface, desktoptext::kLastInterface));
-    numbers.append(range(sizetext::kFirstInterface, sizetext::kLastInterface));
-    return numbers;
+    return usedNumbers({commontext::kUsedInterface, desktoptext::kUsedInterface, storetext::kUsedInterface,
+                        packagetext::kUsedInterface, imagetext::kUsedInterface, soundtext::kUsedInterface,
+                        playbacktext::kUsedInterface, sizetext::kUsedInterface});
 }
 
 Status checkUsedEntries(const LanguageTexts& texts) {
