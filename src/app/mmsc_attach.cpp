@@ -76,7 +76,7 @@ QString AttachRules::applyPicture(QString& path) {
         path = import.picturePath;
         return {};
     }
-    if (import.errorNumber != kErrPictureTooLarge)
+    if (import.errorNumber != imagetext::kErrPictureTooLarge)
         return QStringLiteral("'%1' could not be converted to JPEG: %2").arg(shown(path), import.detail);
     const QString limit = QStringLiteral("a picture must be smaller than %1 bytes").arg(kAttachmentLimit);
     if (import.convertedPath.isEmpty())

@@ -1,6 +1,7 @@
 #include "app/mmsc.h"
 
 #include "common/localisation.h"
+#include "common/soundtexts.h"
 #include "sound/midicrop.h"
 
 #include <QFileInfo>
@@ -20,7 +21,9 @@ QString secondsText(const QString& arg) {
 CropTexts cropTexts(const QString& languageFolder) {
     Localisation language;
     if (!language.readLangFile(0, languageFolder)) return CropTexts::english();
-    return {language.getMCrErrStr(18), language.getMCrErrStr(20), language.getMCrErrStr(21)};
+    return {language.getMCrErrStr(soundtext::kErrCropEndNotAfterStart),
+            language.getMCrErrStr(soundtext::kErrCropEndBeyondTune),
+            language.getMCrErrStr(soundtext::kErrCropStartBeforeTune)};
 }
 
 int crop(Context& context, const QStringList& args) {

@@ -5,6 +5,7 @@ namespace mms::commontext {
 
 // Interface strings.
 inline constexpr int kAppTitle = 0;         // window captions and message box titles
+inline constexpr int kSave = 5;             // File menu and the Save As dialog's button
 inline constexpr int kChooseFolderTip = 19; // the folder buttons of the picture and sound tabs
 inline constexpr int kRefresh = 20;         // both library tabs
 inline constexpr int kStopSound = 27;       // sound preview and crop window, while playing
@@ -15,5 +16,9 @@ inline constexpr int kYes = 66;             // message box buttons
 inline constexpr int kNo = 67;
 inline constexpr int kOk = 68;
 inline constexpr int kCancel = 69;
+
+inline constexpr int kUsedInterface[] = {kAppTitle,  kSave,         kChooseFolderTip, kRefresh, kStopSound,
+                                         kPlaySound, kChooseFolder, kExport,          kYes,     kNo,
+                                         kOk,        kCancel};
 
 } // namespace mms::commontext

@@ -21,7 +21,6 @@ inline constexpr int kErrCannotMoveLater = 3;
 inline constexpr int kErrCannotMoveEarlier = 4;
 inline constexpr int kErrSlideNotRemoved = 5;
 inline constexpr int kErrSlideNotShown = 6;
-inline constexpr int kErrAlreadyOpen = 14;
 inline constexpr int kErrNotSaved = 23;           // %1: what failed
 inline constexpr int kErrNotOpened = 24;          // %1: what failed
 inline constexpr int kErrStoredFilesMissing = 25; // %1: the missing files, one a line
@@ -39,7 +38,6 @@ inline constexpr int kUntitled = 1; // caption of a message never saved
 inline constexpr int kMenuFile = 2;
 inline constexpr int kNew = 3;
 inline constexpr int kOpen = 4;
-inline constexpr int kSave = 5;
 inline constexpr int kSaveAs = 6;
 inline constexpr int kDelete = 7; // also the title of the delete question
 inline constexpr int kExit = 8;
@@ -80,10 +78,6 @@ inline constexpr int kAbout = 95;        // menu item and box title
 inline constexpr int kAboutVersion = 96; // %1: the version
 inline constexpr int kAboutLibraries = 97;
 inline constexpr int kAboutSoundFont = 98; // %1: the sound font's name
-inline constexpr int kFirstError = kErrDraftDamaged;
-inline constexpr int kLastError = kErrDraftNotWritten;
-inline constexpr int kFirstInterface = kMenuEdit;
-inline constexpr int kLastInterface = kAboutSoundFont;
 
 // The Slide menu's commands as the names of their steps.
 inline constexpr int kStepAddSlide = kAddSlide;
@@ -92,5 +86,56 @@ inline constexpr int kStepToFront = kMoveToStart;
 inline constexpr int kStepToBack = kMoveToEnd;
 inline constexpr int kStepForward = kMoveEarlier;
 inline constexpr int kStepBackward = kMoveLater;
+
+inline constexpr int kUsedPrompts[] = {kPromptDeleteMessage, kPromptSaveBeforeExit, kPromptSaveFirst,
+                                       kPromptExit,          kPromptDeleted,        kPromptSaved,
+                                       kPromptExported,      kPromptMmsWritten,     kPromptRestoreDraft};
+inline constexpr int kUsedErrors[] = {kErrCannotMoveLater,    kErrCannotMoveEarlier, kErrSlideNotRemoved,
+                                      kErrSlideNotShown,      kErrNotSaved,          kErrNotOpened,
+                                      kErrStoredFilesMissing, kErrNotDeleted,        kErrMmsNotWritten,
+                                      kErrNotExported,        kErrDraftDamaged,      kErrRecentMissing,
+                                      kErrDropRefused,        kErrDraftFilesMissing, kErrDraftNotWritten};
+inline constexpr int kUsedInterface[] = {kUntitled,
+                                         kMenuFile,
+                                         kNew,
+                                         kOpen,
+                                         kSaveAs,
+                                         kDelete,
+                                         kExit,
+                                         kSlide,
+                                         kAddSlide,
+                                         kRemoveSlide,
+                                         kMoveToStart,
+                                         kMoveToEnd,
+                                         kMoveEarlier,
+                                         kMoveLater,
+                                         kPicturesTab,
+                                         kSoundsTab,
+                                         kSlidesFrame,
+                                         kMessageSizeFrame,
+                                         kTotal,
+                                         kTextHint,
+                                         kDurationTip,
+                                         kExportMms,
+                                         kMmsFileType,
+                                         kMenuEdit,
+                                         kUndo,
+                                         kRedo,
+                                         kUndoNamed,
+                                         kRedoNamed,
+                                         kStepDuration,
+                                         kStepText,
+                                         kStepAttachPicture,
+                                         kRemovePicture,
+                                         kStepAttachSound,
+                                         kRemoveSound,
+                                         kStepAttachCrop,
+                                         kStepMoveSlide,
+                                         kMenuOpenRecent,
+                                         kMenuHelp,
+                                         kAbout,
+                                         kAboutVersion,
+                                         kAboutLibraries,
+                                         kAboutSoundFont};
 
 } // namespace mms::desktoptext

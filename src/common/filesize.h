@@ -28,7 +28,17 @@ constexpr int kLimitInKilobytes = 104;       // label of the custom limit box
 constexpr int kPictureWillBeConverted = 105; // tooltip of a large picture in the library
 constexpr int kTooLargeToUse = 106;          // tooltip of a large sound or GIF in the library
 constexpr int kMegabytes = 107;              // "%1 MB"
-constexpr int kFirstInterface = kShrinking, kLastInterface = kMegabytes;
+inline constexpr int kUsedPrompts[] = {kPromptShrinkToFit, kPromptExportOverLimit};
+inline constexpr int kUsedErrors[] = {kErrPictureCannotFit};
+inline constexpr int kUsedInterface[] = {kShrinking,
+                                         kKilobytes,
+                                         kGaugeTip,
+                                         kSizeLimit,
+                                         kCustomLimit,
+                                         kLimitInKilobytes,
+                                         kPictureWillBeConverted,
+                                         kTooLargeToUse,
+                                         kMegabytes};
 } // namespace sizetext
 
 // Whole kilobytes of 1024 bytes, rounded down so that a file under the 100 KB attachment limit never

@@ -1,9 +1,13 @@
 #include "common/localisation.h"
 
+#include "common/commontexts.h"
 #include "common/desktoptexts.h"
 #include "common/filesize.h"
+#include "common/imagetexts.h"
+#include "common/packagetexts.h"
 #include "common/playbacktexts.h"
-#include "common/sendtexts.h"
+#include "common/soundtexts.h"
+#include "common/storetexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,21 +15,43 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <initializer_list>
+#include <iterator>
+#include <span>
 #include <stdexcept>
 
 namespace mms {
 
 namespace {
 
-struct LanguageEntry {
-    const char16_t* code;
-    int index;
+// Everything known about one language.
+struct Language {
+    int index;                // langIndex
+    const char16_t* code;     // the Language setting; empty for English, which any unknown code gives
+    const char16_t* fileName; // the language file
+    const char16_t* helpFile;
+    const char16_t* qtLocale; // Qt's own texts; empty for English, which needs none
 };
 
-// The order in which a setting is compared; the first exact match wins.
-constexpr LanguageEntry kLanguages[] = {
-    {u"it", 5}, {u"sch", 1}, {u"tch", 2}, {u"ru", 7}, {u"spa", 6}, {u"ger", 4}, {u"fra", 3},
+// In the order a setting is compared (the first exact match wins); English, the fallback, last.
+constexpr Language kLanguages[] = {
+    {5, u"it", u"Italian.lng", u"MorvaneIta.chm", u"it"},
+    {1, u"sch", u"SimplifiedChinese.lng", u"MorvaneSim.chm", u"zh_CN"},
+    {2, u"tch", u"TraditionalChinese.lng", u"MorvaneChi.chm", u"zh_TW"},
+    {7, u"ru", u"Russian.lng", u"Morvane.chm", u"ru"},
+    {6, u"spa", u"Spanish.lng", u"Morvane.chm", u"es"},
+    {4, u"ger", u"German.lng", u"Morvane.chm", u"de"},
+    {3, u"fra", u"French.lng", u"Morvane.chm", u"fr"},
+    {0, u"", u"English.lng", u"Morvane.chm", u""},
 };
+constexpr const Language& kEnglish = kLanguages[std::size(kLanguages) - 1];
+
+const Language& language(int langIndex) {
+    for (const Language& entry : kLanguages) {
+        if (entry.index == langIndex) return entry;
+    }
+    return kEnglish;
+}
 
 // Markers end in U+0000, which no string can hold, so a cut never falls inside a string.
 QString sectionMarker() {
@@ -57,61 +83,43 @@ QString entryAt(const QStringList& list, int index, int group) {
     return list.at(index);
 }
 
-QList<int> range(int first, int last) {
+// The entries of every area, ascending; an entry two areas name counts once.
+QList<int> usedNumbers(std::initializer_list<std::span<const int>> areas) {
     QList<int> numbers;
-    for (int n = first; n <= last; ++n)
-        numbers.append(n);
+    for (const std::span<const int> area : areas)
+        numbers.append(QList<int>(area.begin(), area.end()));
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
 }
 
 } // namespace
 
 int langIndexForCode(const QString& code) {
-    for (const auto& entry : kLanguages) {
-        if (code == QStringView(entry.code)) return entry.index;
+    for (const Language& entry : kLanguages) {
+        if (&entry != &kEnglish && code == QStringView(entry.code)) return entry.index;
     }
-    return 0;
+    return kEnglish.index;
 }
 
 QStringList languageCodes() {
     QStringList codes;
-    for (const auto& entry : kLanguages)
-        codes.append(QStringView(entry.code).toString());
+    for (const Language& entry : kLanguages) {
+        if (&entry != &kEnglish) codes.append(QStringView(entry.code).toString());
+    }
     return codes;
 }
 
 QString languageFileName(int langIndex) {
-    switch (langIndex) {
-    case 1:
-        return QStringLiteral("SimplifiedChinese.lng");
-    case 2:
-        return QStringLiteral("TraditionalChinese.lng");
-    case 3:
-        return QStringLiteral("French.lng");
-    case 4:
-        return QStringLiteral("German.lng");
-    case 5:
-        return QStringLiteral("Italian.lng");
-    case 6:
-        return QStringLiteral("Spanish.lng");
-    case 7:
-        return QStringLiteral("Russian.lng");
-    default:
-        return QStringLiteral("English.lng");
-    }
+    return QStringView(language(langIndex).fileName).toString();
 }
 
 QString helpFileName(int langIndex) {
-    switch (langIndex) {
-    case 1:
-        return QStringLiteral("MorvaneSim.chm");
-    case 2:
-        return QStringLiteral("MorvaneChi.chm");
-    case 5:
-        return QStringLiteral("MorvaneIta.chm");
-    default:
-        return QStringLiteral("Morvane.chm");
-    }
+    return QStringView(language(langIndex).helpFile).toString();
+}
+
+QString qtLocaleName(int langIndex) {
+    return QStringView(language(langIndex).qtLocale).toString();
 }
 
 QString readLanguageSetting() {
@@ -147,41 +155,19 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1,
-            2,
-            3,
-            4,
-            7,
-            8,
-            9,
-            10,
-            11,
-            desktoptext::kPromptRestoreDraft,
-            sizetext::kPromptShrinkToFit,
-            sizetext::kPromptExportOverLimit};
+    return usedNumbers({desktoptext::kUsedPrompts, storetext::kUsedPrompts, sizetext::kUsedPrompts});
 }
 
 QList<int> usedErrorNumbers() {
-    QList<int> numbers{0, 1, 3, 4, 5, 6, 7};
-    numbers.append(range(10, 31));
-    numbers.append(sendtexts::kNotAnAddress);
-    numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
-    numbers.append(range(desktoptext::kFirstError, desktoptext::kLastError));
-    numbers.append(sizetext::kErrPictureCannotFit);
-    return numbers;
+    return usedNumbers({desktoptext::kUsedErrors, storetext::kUsedErrors, packagetext::kUsedErrors,
+                        imagetext::kUsedErrors, soundtext::kUsedErrors, playbacktext::kUsedErrors,
+                        sizetext::kUsedErrors});
 }
 
 QList<int> usedInterfaceNumbers() {
-    QList<int> numbers = range(0, 69);
-    numbers.removeAll(16);
-    numbers.removeAll(46);
-    numbers.removeAll(47);
-    numbers.removeAll(59);
-    numbers.append(sendtexts::kRecipientsLabel);
-    numbers.append(range(playbacktext::kFirstInterface, playbacktext::kLastInterface));
-    numbers.append(range(desktoptext::kFirstInterface, desktoptext::kLastInterface));
-    numbers.append(range(sizetext::kFirstInterface, sizetext::kLastInterface));
-    return numbers;
+    return usedNumbers({commontext::kUsedInterface, desktoptext::kUsedInterface, storetext::kUsedInterface,
+                        packagetext::kUsedInterface, imagetext::kUsedInterface, soundtext::kUsedInterface,
+                        playbacktext::kUsedInterface, sizetext::kUsedInterface});
 }
 
 Status checkUsedEntries(const LanguageTexts& texts) {

@@ -25,6 +25,8 @@ QStringList languageCodes();
 QString languageFileName(int langIndex);
 // "Morvane.chm" ... by langIndex.
 QString helpFileName(int langIndex);
+// The Qt locale of a langIndex, whose catalogue translates Qt's own texts; empty for English.
+QString qtLocaleName(int langIndex);
 // The "Language" setting (QSettings, organisation "Morvane"); empty when absent or not a string.
 QString readLanguageSetting();
 

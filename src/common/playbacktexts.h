@@ -13,12 +13,15 @@ inline constexpr int kPauseResume = 76;
 inline constexpr int kNextSlide = 77;
 inline constexpr int kStartAgain = 78;
 inline constexpr int kZoom = 79; // tooltip of the zoom list
-inline constexpr int kFirstInterface = kPlayMessage;
-inline constexpr int kLastInterface = kZoom;
 
 // Error entries.
 inline constexpr int kSoundNotPlayable = 7; // the preview's sound is neither MIDI nor AMR
 inline constexpr int kNoSlides = 33;        // Play on a message without slides
 inline constexpr int kSoundsSkipped = 34;   // after playback: %1 lists the sounds, one a line
+
+inline constexpr int kUsedErrors[] = {kSoundNotPlayable, kNoSlides, kSoundsSkipped};
+inline constexpr int kUsedInterface[] = {kPlayMessage,   kPaused,        kMessageEnded,
+                                         kNoAudioOutput, kPreviousSlide, kPauseResume,
+                                         kNextSlide,     kStartAgain,    kZoom};
 
 } // namespace mms::playbacktext

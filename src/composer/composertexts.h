@@ -4,6 +4,7 @@
 #include "common/desktoptexts.h"
 #include "common/filesize.h"
 #include "common/playbacktexts.h"
+#include "common/storetexts.h"
 
 // Every language entry the composer window shows, by name: composertext::kSave,
 // composertext::kAppTitle, composertext::kPromptExportOverLimit... The numbers are defined in
@@ -13,4 +14,5 @@ using namespace commontext;
 using namespace desktoptext;
 using namespace playbacktext;
 using namespace sizetext;
+using namespace storetext;
 } // namespace mms::composertext

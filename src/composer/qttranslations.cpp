@@ -1,31 +1,12 @@
 #include "composer/qttranslations.h"
 
+#include "common/localisation.h"
+
 #include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QTranslator>
 
 namespace mms {
-
-QString qtLocaleName(int langIndex) {
-    switch (langIndex) {
-    case 1:
-        return QStringLiteral("zh_CN");
-    case 2:
-        return QStringLiteral("zh_TW");
-    case 3:
-        return QStringLiteral("fr");
-    case 4:
-        return QStringLiteral("de");
-    case 5:
-        return QStringLiteral("it");
-    case 6:
-        return QStringLiteral("es");
-    case 7:
-        return QStringLiteral("ru");
-    default:
-        return QString();
-    }
-}
 
 QtTranslations::QtTranslations() : translator_(std::make_unique<QTranslator>()) {}
 

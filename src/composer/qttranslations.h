@@ -10,9 +10,6 @@ namespace mms {
 // Qt's own texts (file and folder choosers, the text boxes' context menus, shortcut names) in the
 // interface language; the program's own texts come from its language files.
 
-// The Qt locale of a langIndex (see langIndexForCode); empty for English, which needs none.
-QString qtLocaleName(int langIndex);
-
 // Holds the one installed translation of Qt's texts and removes it when destroyed.
 class QtTranslations {
 public:

@@ -82,23 +82,23 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
         QFile source(sourcePath);
         if (!QFileInfo(sourcePath).isFile() || !source.open(QIODevice::ReadOnly))
             return refused(
-                kErrPictureNotLoaded,
+                imagetext::kErrPictureNotLoaded,
                 QStringLiteral("%1: %2").arg(shown(sourcePath), QFileInfo::exists(sourcePath)
                                                                     ? source.errorString()
                                                                     : QStringLiteral("no such file")));
         length = source.size();
     }
     if (!listHasItems || !isTooLarge(length)) return attached(sourcePath);
-    if (matchesGifPattern(sourcePath)) return refused(kErrPictureTooLarge, QString());
+    if (matchesGifPattern(sourcePath)) return refused(imagetext::kErrPictureTooLarge, QString());
 
     QString target;
     if (Status named = freshConversionPath(appFolder, clock, random, target); !named)
-        return refused(kErrPictureNotConverted, named.message());
+        return refused(imagetext::kErrPictureNotConverted, named.message());
     if (Status converted = reencodeAsJpeg(sourcePath, target, kJpegQuality); !converted)
-        return refused(kErrPictureNotConverted, converted.message());
+        return refused(imagetext::kErrPictureNotConverted, converted.message());
     const qint64 convertedBytes = QFileInfo(target).size();
     if (isTooLarge(convertedBytes)) {
-        PictureImport result = refused(kErrPictureTooLarge, QString(), target);
+        PictureImport result = refused(imagetext::kErrPictureTooLarge, QString(), target);
         result.convertedBytes = convertedBytes;
         return result;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/filesize.h"
+#include "common/imagetexts.h"
 #include "model/clockrandom.h"
 #include "model/status.h"
 
@@ -8,11 +9,6 @@
 #include <QString>
 
 namespace mms {
-
-// Error texts the import shows (numbers of the language file's error list).
-constexpr int kErrPictureTooLarge = 0;
-constexpr int kErrPictureNotConverted = 27; // "...could not be converted to JPEG...\n%1"
-constexpr int kErrPictureNotLoaded = 31;    // "The picture could not be loaded.\n%1"
 
 // Year, month, day, hour and minute as decimal numbers in a row, without zero padding:
 // 7 March 2024 09:05 gives "20243795".
@@ -36,7 +32,9 @@ struct PictureImport {
 
     bool attach() const { return errorNumber < 0; }
     // Refused because even its JPEG conversion is too large: shrinking it may help.
-    bool canShrink() const { return errorNumber == kErrPictureTooLarge && !convertedPath.isEmpty(); }
+    bool canShrink() const {
+        return errorNumber == imagetext::kErrPictureTooLarge && !convertedPath.isEmpty();
+    }
     // The message to show, from the localised error text: "%1" is replaced by the detail.
     QString errorText(const QString& localisedText) const;
 };

@@ -149,7 +149,7 @@ TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheSettingsLimit) {
         EXPECT_EQ(gaugeLevel(size, limit), level) << size;
 
     LanguageTexts texts;
-    texts.interface = QStringList(sizetext::kLastInterface + 1, QString());
+    texts.interface = QStringList(sizetext::kMegabytes + 1, QString());
     texts.interface[sizetext::kKilobytes] = u"%1 KB"_s;
     texts.interface[sizetext::kMegabytes] = u"%1 MB"_s;
     Localisation loc;

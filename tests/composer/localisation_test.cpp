@@ -4,10 +4,12 @@
 #include "support/tempdir.h"
 
 #include <QLibraryInfo>
+#include <QSet>
 #include <QSettings>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 using namespace mms;
@@ -161,6 +163,38 @@ TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
         }
         EXPECT_LE(sameAsEnglish, 5) << languageFileName(lang).toStdString();
     }
+}
+
+// English marks the entries the program does not show with "-": the named texts and those marks
+// must agree, so a text given a number but no name (or a name but no text) is caught.
+TEST(LanguageFiles, EnglishHoldsARealTextExactlyForTheNamedEntries) {
+    Localisation loc;
+    ASSERT_TRUE(
+        loc.readLangFile(0, qEnvironmentVariable("MMS_LANG_DIR", QStringLiteral(MMS_BIN_DIR))).isOk());
+    const std::tuple<const char*, QStringList, QList<int>> groups[] = {
+        {"prompt", loc.texts().prompts, usedPromptNumbers()},
+        {"error", loc.texts().errors, usedErrorNumbers()},
+        {"interface", loc.texts().interface, usedInterfaceNumbers()}};
+    for (const auto& [group, texts, used] : groups) {
+        for (int n = 0; n < texts.size(); ++n)
+            EXPECT_EQ(texts.at(n) != u"-"_s, used.contains(n)) << group << '.' << n;
+    }
+}
+
+// Each language has its own file and, but for English, its own code and Qt catalogue.
+TEST(LanguageChoice, EveryLanguageHasItsOwnFileCodeAndQtCatalogue) {
+    QStringList files;
+    for (int lang = 0; lang < 8; ++lang) {
+        files << languageFileName(lang);
+        EXPECT_EQ(qtLocaleName(lang).isEmpty(), lang == 0) << lang;
+    }
+    EXPECT_EQ(QSet<QString>(files.begin(), files.end()).size(), 8);
+    QList<int> chosen;
+    for (const QString& code : languageCodes())
+        chosen << langIndexForCode(code);
+    std::sort(chosen.begin(), chosen.end());
+    EXPECT_EQ(chosen, (QList<int>{1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(qtLocaleName(9), QString());
 }
 
 TEST(LanguageSource, ReadsEntriesInAnyOrderWithEscapesCommentsBomAndCrlf) {

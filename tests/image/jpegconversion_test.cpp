@@ -222,14 +222,14 @@ TEST_F(PictureImportTest, OnlyFilesUnderTheLimitAreUsedAsTheyAre) {
 TEST_F(PictureImportTest, LargeGifsByTheirTwoPatternsAndConversionsStillTooLargeAreRefused) {
     for (const char* name : {"big.gif", "BIG.GIF"})
         EXPECT_EQ(import(library(QLatin1String(name), test::tinyGif(), 150000)).errorNumber,
-                  kErrPictureTooLarge);
+                  imagetext::kErrPictureTooLarge);
     EXPECT_EQ(scratchCount(), 0);
     const PictureImport mixed = import(library(QStringLiteral("mixed.Gif"), test::tinyGif(), 150000));
     EXPECT_GT(QImage(mixed.picturePath).pixelColor(0, 0).red(), 180);
     // A conversion still too large stays in the scratch folder.
     const PictureImport result =
         import(library(QStringLiteral("noise.bmp"), test::encoded(test::noise(600, 600), "BMP")));
-    EXPECT_EQ(result.errorNumber, kErrPictureTooLarge);
+    EXPECT_EQ(result.errorNumber, imagetext::kErrPictureTooLarge);
     EXPECT_TRUE(result.picturePath.isEmpty());
     EXPECT_GE(QFileInfo(result.convertedPath).size(), kAttachmentLimit);
     EXPECT_TRUE(result.convertedPath.startsWith(scratch()));
@@ -237,10 +237,10 @@ TEST_F(PictureImportTest, LargeGifsByTheirTwoPatternsAndConversionsStillTooLarge
 
 TEST_F(PictureImportTest, UnreadableSourcesAreReportedWithTheirName) {
     const PictureImport missing = import(home.file(QStringLiteral("gone.jpg")));
-    EXPECT_EQ(missing.errorNumber, kErrPictureNotLoaded);
+    EXPECT_EQ(missing.errorNumber, imagetext::kErrPictureNotLoaded);
     EXPECT_TRUE(missing.detail.contains(QStringLiteral("gone.jpg")));
     const PictureImport broken = import(library(QStringLiteral("fake.jpg"), QByteArray(150000, 'x')));
-    EXPECT_EQ(broken.errorNumber, kErrPictureNotConverted);
+    EXPECT_EQ(broken.errorNumber, imagetext::kErrPictureNotConverted);
     EXPECT_EQ(broken.errorText(QStringLiteral("No.\n%1")), QStringLiteral("No.\n") + broken.detail);
     EXPECT_TRUE(broken.detail.contains(QStringLiteral("fake.jpg")));
     EXPECT_EQ(scratchCount(), 0);

@@ -1,4 +1,4 @@
-#include "common/sendtexts.h"
+#include "common/packagetexts.h"
 #include "composer/composerfixture.h"
 #include "package/archivereader.h"
 #include "package/messageexport.h"
@@ -69,7 +69,7 @@ protected:
         LanguageTexts texts = numberedTexts();
         texts.errors[29] = u"E29 %1"_s;
         texts.errors[30] = u"E30 %1"_s;
-        texts.errors[sendtexts::kNotAnAddress] = u"E32 %1"_s;
+        texts.errors[packagetext::kErrNotAnAddress] = u"E32 %1"_s;
         loc.setTexts(texts);
         start();
     }

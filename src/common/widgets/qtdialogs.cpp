@@ -1,5 +1,6 @@
 #include "common/widgets/qtdialogs.h"
 
+#include "common/commontexts.h"
 #include "common/localisation.h"
 
 #include <QDialog>
@@ -50,15 +51,16 @@ Answer QtDialogs::show(const Message& message) {
     std::vector<Choice> choices;
     switch (message.buttons) {
     case Buttons::Ok:
-        choices = {{Answer::Ok, QMessageBox::Ok, 68}};
+        choices = {{Answer::Ok, QMessageBox::Ok, commontext::kOk}};
         break;
     case Buttons::YesNo:
-        choices = {{Answer::Yes, QMessageBox::Yes, 66}, {Answer::No, QMessageBox::No, 67}};
+        choices = {{Answer::Yes, QMessageBox::Yes, commontext::kYes},
+                   {Answer::No, QMessageBox::No, commontext::kNo}};
         break;
     case Buttons::YesNoCancel:
-        choices = {{Answer::Yes, QMessageBox::Yes, 66},
-                   {Answer::No, QMessageBox::No, 67},
-                   {Answer::Cancel, QMessageBox::Cancel, 69}};
+        choices = {{Answer::Yes, QMessageBox::Yes, commontext::kYes},
+                   {Answer::No, QMessageBox::No, commontext::kNo},
+                   {Answer::Cancel, QMessageBox::Cancel, commontext::kCancel}};
         break;
     }
     for (const Choice& choice : choices) {

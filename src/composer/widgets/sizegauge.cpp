@@ -1,5 +1,6 @@
 #include "composer/widgets/sizegauge.h"
 
+#include "common/commontexts.h"
 #include "common/filesize.h"
 #include "common/localisation.h"
 #include "common/widgets/platform.h"
@@ -136,8 +137,8 @@ void SizeGauge::chooseCustomLimit() {
     txtLimit->setValue(int(qBound<qint64>(kMinCustomLimitKB, limit_ / 1024, qint64(kMaxCustomLimitKB))));
     label->setBuddy(txtLimit);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    buttons->button(QDialogButtonBox::Ok)->setText(loc_.getMCrInterfaceStr(68));
-    buttons->button(QDialogButtonBox::Cancel)->setText(loc_.getMCrInterfaceStr(69));
+    buttons->button(QDialogButtonBox::Ok)->setText(loc_.getMCrInterfaceStr(commontext::kOk));
+    buttons->button(QDialogButtonBox::Cancel)->setText(loc_.getMCrInterfaceStr(commontext::kCancel));
     connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* layout = new QVBoxLayout(&dialog);

@@ -1,7 +1,9 @@
 #include "image/widgets/picturepanel.h"
 
+#include "common/commontexts.h"
 #include "common/filesize.h"
 #include "common/folderpaths.h"
+#include "common/imagetexts.h"
 #include "common/localisation.h"
 #include "common/mediakind.h"
 #include "common/widgets/browsefolder.h"
@@ -151,11 +153,11 @@ QLayout* PicturePanel::buildFitRow() {
 
 void PicturePanel::applyLanguage() {
     const Localisation& loc = loc_;
-    imgChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
-    refreshcmd->setText(loc.getMCrInterfaceStr(20));
-    chgImgCmd->setText(loc.getMCrInterfaceStr(21));
+    imgChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(commontext::kChooseFolderTip));
+    refreshcmd->setText(loc.getMCrInterfaceStr(commontext::kRefresh));
+    chgImgCmd->setText(loc.getMCrInterfaceStr(imagetext::kUsePicture));
     lblShrinking->setText(loc.getMCrInterfaceStr(sizetext::kShrinking));
-    fitCancelCmd->setText(loc.getMCrInterfaceStr(69));
+    fitCancelCmd->setText(loc.getMCrInterfaceStr(commontext::kCancel));
 }
 
 void PicturePanel::clearThumbnails() {
@@ -181,10 +183,10 @@ void PicturePanel::fillTypeCombo() {
     {
         const QSignalBlocker quiet(imgTypeCombo);
         imgTypeCombo->clear();
-        imgTypeCombo->addItem(loc.getMCrInterfaceStr(29));
-        imgTypeCombo->addItem(loc.getMCrInterfaceStr(30) + QStringLiteral(" (*.gif)"));
-        imgTypeCombo->addItem(loc.getMCrInterfaceStr(31) + QStringLiteral(" (*.jpg)"));
-        imgTypeCombo->addItem(loc.getMCrInterfaceStr(32) + QStringLiteral(" (*.bmp)"));
+        imgTypeCombo->addItem(loc.getMCrInterfaceStr(imagetext::kAllPictures));
+        imgTypeCombo->addItem(loc.getMCrInterfaceStr(imagetext::kGifPictures) + QStringLiteral(" (*.gif)"));
+        imgTypeCombo->addItem(loc.getMCrInterfaceStr(imagetext::kJpegPictures) + QStringLiteral(" (*.jpg)"));
+        imgTypeCombo->addItem(loc.getMCrInterfaceStr(imagetext::kBmpPictures) + QStringLiteral(" (*.bmp)"));
         imgTypeCombo->setCurrentIndex(0);
     }
     imgTypeCombo_Click();
@@ -281,7 +283,7 @@ bool PicturePanel::askToShrink(qint64 convertedBytes) {
 void PicturePanel::startFit(const QString& source) {
     QString target;
     if (Status named = freshConversionPath(appFolder_, platform_.clock, platform_.random, target); !named) {
-        warn(kErrPictureNotConverted, named.message());
+        warn(imagetext::kErrPictureNotConverted, named.message());
         return;
     }
     showFitting(true);
@@ -310,7 +312,7 @@ void PicturePanel::fitFinished(const FitResult& result, const QString& target) {
         return;
     }
     warn(result.outcome == FitResult::Outcome::NoFit ? sizetext::kErrPictureCannotFit
-                                                     : kErrPictureNotConverted,
+                                                     : imagetext::kErrPictureNotConverted,
          result.message);
 }
 

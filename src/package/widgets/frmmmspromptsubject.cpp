@@ -1,7 +1,8 @@
 #include "package/widgets/frmmmspromptsubject.h"
 
+#include "common/commontexts.h"
 #include "common/localisation.h"
-#include "common/sendtexts.h"
+#include "common/packagetexts.h"
 #include "package/mmsaddress.h"
 
 #include <QHBoxLayout>
@@ -81,12 +82,12 @@ bool frmMMSPromptSubject::isForbiddenSubjectChar(QChar c) {
 
 void frmMMSPromptSubject::Form_Load() {
     subject->clear();
-    setWindowTitle(texts_.getMCrInterfaceStr(63));
-    Label1->setText(texts_.getMCrInterfaceStr(60));
-    cmdUpload->setText(texts_.getMCrInterfaceStr(63));
+    setWindowTitle(texts_.getMCrInterfaceStr(commontext::kExport));
+    Label1->setText(texts_.getMCrInterfaceStr(packagetext::kSubjectLabel));
+    cmdUpload->setText(texts_.getMCrInterfaceStr(commontext::kExport));
     if (txtRecipients) {
         txtRecipients->clear();
-        lblRecipients->setText(texts_.getMCrInterfaceStr(sendtexts::kRecipientsLabel));
+        lblRecipients->setText(texts_.getMCrInterfaceStr(packagetext::kRecipientsLabel));
     }
     validflag = false;
     recipients.clear();
@@ -94,7 +95,7 @@ void frmMMSPromptSubject::Form_Load() {
 
 bool frmMMSPromptSubject::subject_KeyPress(QChar typed) {
     if (!isForbiddenSubjectChar(typed)) return true;
-    showError(10);
+    showError(packagetext::kErrSubjectChar);
     return false;
 }
 
@@ -104,20 +105,20 @@ void frmMMSPromptSubject::subject_Edited(const QString& text) {
     const int before = int(QStringView(text).left(cursor).count(QLatin1Char(',')));
     subject->setText(QString(text).remove(QLatin1Char(',')));
     subject->setCursorPosition(cursor - before);
-    showError(10);
+    showError(packagetext::kErrSubjectChar);
 }
 
 void frmMMSPromptSubject::cmdUpload_Click() {
     const QString text = singleLine(subject->text());
-    if (text.isEmpty()) return showError(16);
+    if (text.isEmpty()) return showError(packagetext::kErrNoSubject);
     // Only text set without an edit of the box can still hold a comma here.
-    if (text.contains(QLatin1Char(','))) return showError(10);
-    if (characterCount(text) > kMaxSubjectLength) return showError(17);
+    if (text.contains(QLatin1Char(','))) return showError(packagetext::kErrSubjectChar);
+    if (characterCount(text) > kMaxSubjectLength) return showError(packagetext::kErrSubjectTooLong);
     QStringList addresses;
     if (txtRecipients) {
         for (const QString& piece : splitAddressList(txtRecipients->text())) {
             const std::optional<QString> address = mmsAddress(piece);
-            if (!address) return showError(sendtexts::kNotAnAddress, piece);
+            if (!address) return showError(packagetext::kErrNotAnAddress, piece);
             addresses << *address;
         }
     }

@@ -1,6 +1,8 @@
 #include "sound/widgets/frmmmscropmidi.h"
 
+#include "common/commontexts.h"
 #include "common/localisation.h"
+#include "common/soundtexts.h"
 #include "common/widgets/platform.h"
 #include "common/workspace.h"
 #include "model/filelength.h"
@@ -215,25 +217,26 @@ void frmMMSCropMIDI::connectControls() {
 void frmMMSCropMIDI::Form_Load() {
     isPreviewing = false;
     validflag = false;
-    setWindowTitle(texts_.getMCrInterfaceStr(23));
-    Command1->setText(texts_.getMCrInterfaceStr(48));
-    Command2->setText(texts_.getMCrInterfaceStr(49));
-    Command3->setText(texts_.getMCrInterfaceStr(50));
-    Command4->setText(texts_.getMCrInterfaceStr(51));
-    Label5->setText(texts_.getMCrInterfaceStr(52));
-    Label4->setText(texts_.getMCrInterfaceStr(54));
-    Frame1->setTitle(texts_.getMCrInterfaceStr(55));
-    Frame2->setTitle(texts_.getMCrInterfaceStr(56));
-    Label7->setText(texts_.getMCrInterfaceStr(57));
-    Label6->setText(texts_.getMCrInterfaceStr(58));
-    MMControl1Play->setToolTip(texts_.getMCrInterfaceStr(28));
-    MMControl1Stop->setToolTip(texts_.getMCrInterfaceStr(27));
+    setWindowTitle(texts_.getMCrInterfaceStr(soundtext::kCropMidi));
+    Command1->setText(texts_.getMCrInterfaceStr(soundtext::kPlaySelection));
+    Command2->setText(texts_.getMCrInterfaceStr(soundtext::kSetStart));
+    Command3->setText(texts_.getMCrInterfaceStr(soundtext::kSetEnd));
+    Command4->setText(texts_.getMCrInterfaceStr(soundtext::kCrop));
+    Label5->setText(texts_.getMCrInterfaceStr(soundtext::kStatusLabel));
+    Label4->setText(texts_.getMCrInterfaceStr(soundtext::kTuneLabel));
+    Frame1->setTitle(texts_.getMCrInterfaceStr(soundtext::kPlayerFrame));
+    Frame2->setTitle(texts_.getMCrInterfaceStr(soundtext::kSelectionFrame));
+    Label7->setText(texts_.getMCrInterfaceStr(soundtext::kStartLabel));
+    Label6->setText(texts_.getMCrInterfaceStr(soundtext::kEndLabel));
+    MMControl1Play->setToolTip(texts_.getMCrInterfaceStr(commontext::kPlaySound));
+    MMControl1Stop->setToolTip(texts_.getMCrInterfaceStr(commontext::kStopSound));
 }
 
 void frmMMSCropMIDI::MnuOpen_Click() {
     const Status opened = player_.open(txtName->text());
     if (!opened) {
-        dialogs_.inform(texts_.getMCrErrStr(28).replace(QStringLiteral("%1"), opened.message()));
+        dialogs_.inform(
+            texts_.getMCrErrStr(soundtext::kErrSoundNotRead).replace(QStringLiteral("%1"), opened.message()));
     } else {
         MnuClose->setEnabled(true);
         Slider1->setEnabled(true);
@@ -250,8 +253,8 @@ void frmMMSCropMIDI::MnuClose_Click() {
 }
 
 void frmMMSCropMIDI::showStatusLine() {
-    lblStatus->setText(texts_.getMCrInterfaceStr(53) + QLatin1Char(' ') + formatTime(player_.position()) +
-                       QStringLiteral(" / ") + formatTime(player_.length()));
+    lblStatus->setText(texts_.getMCrInterfaceStr(soundtext::kPosition) + QLatin1Char(' ') +
+                       formatTime(player_.position()) + QStringLiteral(" / ") + formatTime(player_.length()));
 }
 
 void frmMMSCropMIDI::MMControl1_StatusUpdate() {
@@ -283,7 +286,7 @@ void frmMMSCropMIDI::Command3_Click() {
     if (txtCropStart->text().isEmpty()) return;
     const QString end = tenths(player_.position());
     if (markSeconds(txtCropStart) >= end.toDouble()) {
-        dialogs_.inform(texts_.getMCrErrStr(18));
+        dialogs_.inform(texts_.getMCrErrStr(soundtext::kErrCropEndNotAfterStart));
         return;
     }
     txtCropEnd->setText(end + QLatin1Char('s'));
@@ -295,7 +298,7 @@ void frmMMSCropMIDI::Command1_Click() {
     const double start = markSeconds(txtCropStart);
     const double end = markSeconds(txtCropEnd);
     if (end <= start) {
-        dialogs_.inform(texts_.getMCrErrStr(18));
+        dialogs_.inform(texts_.getMCrErrStr(soundtext::kErrCropEndNotAfterStart));
         return;
     }
     player_.stop();
@@ -310,13 +313,15 @@ void frmMMSCropMIDI::Command4_Click() {
     player_.stop();
     validflag = false;
     decoder_->setMessageSink(&dialogs_);
-    const CropTexts refusals{texts_.getMCrErrStr(18), texts_.getMCrErrStr(20), texts_.getMCrErrStr(21)};
+    const CropTexts refusals{texts_.getMCrErrStr(soundtext::kErrCropEndNotAfterStart),
+                             texts_.getMCrErrStr(soundtext::kErrCropEndBeyondTune),
+                             texts_.getMCrErrStr(soundtext::kErrCropStartBeforeTune)};
     if (cropMidi(*decoder_, txtName->text(), outfilename, txtCropStart->text(), txtCropEnd->text(), refusals,
                  dialogs_)) {
         player_.close();
         validflag = true;
     } else {
-        dialogs_.inform(texts_.getMCrErrStr(19));
+        dialogs_.inform(texts_.getMCrErrStr(soundtext::kErrCropFailed));
     }
     done(validflag ? Accepted : Rejected);
 }
@@ -366,7 +371,7 @@ QString runCropWindow(Platform& platform, const Localisation& texts, const QStri
     platform.dialogs.runModal(*window);
     if (!window->validflag) return QString();
     if (fileLength(output) >= kSizeLimit) {
-        platform.dialogs.inform(texts.getMCrErrStr(1));
+        platform.dialogs.inform(texts.getMCrErrStr(soundtext::kErrSoundTooLarge));
         return QString();
     }
     return output;

@@ -1,9 +1,11 @@
 #include "sound/widgets/soundpanel.h"
 
+#include "common/commontexts.h"
 #include "common/filesize.h"
 #include "common/folderpaths.h"
 #include "common/localisation.h"
 #include "common/mediakind.h"
+#include "common/soundtexts.h"
 #include "common/widgets/browsefolder.h"
 #include "common/widgets/filesizedelegate.h"
 #include "common/widgets/platform.h"
@@ -116,10 +118,10 @@ SoundPanel::~SoundPanel() = default;
 
 void SoundPanel::applyLanguage() {
     const Localisation& loc = loc_;
-    SoundChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(19));
-    cropCmd->setText(loc.getMCrInterfaceStr(23));
-    refresh2Cmd->setText(loc.getMCrInterfaceStr(20));
-    chgSoundCmd->setText(loc.getMCrInterfaceStr(22));
+    SoundChgDirBrowse->setToolTip(loc.getMCrInterfaceStr(commontext::kChooseFolderTip));
+    cropCmd->setText(loc.getMCrInterfaceStr(soundtext::kCropMidi));
+    refresh2Cmd->setText(loc.getMCrInterfaceStr(commontext::kRefresh));
+    chgSoundCmd->setText(loc.getMCrInterfaceStr(soundtext::kUseSound));
 }
 
 void SoundPanel::setLibraryFolder(const QString& folder) {
@@ -135,9 +137,9 @@ void SoundPanel::fillTypeCombo() {
     {
         const QSignalBlocker quiet(soundTypeCombo);
         soundTypeCombo->clear();
-        soundTypeCombo->addItem(loc.getMCrInterfaceStr(33));
-        soundTypeCombo->addItem(loc.getMCrInterfaceStr(34) + QStringLiteral(" (*.amr)"));
-        soundTypeCombo->addItem(loc.getMCrInterfaceStr(35) + QStringLiteral(" (*.mid)"));
+        soundTypeCombo->addItem(loc.getMCrInterfaceStr(soundtext::kAllSounds));
+        soundTypeCombo->addItem(loc.getMCrInterfaceStr(soundtext::kAmrSounds) + QStringLiteral(" (*.amr)"));
+        soundTypeCombo->addItem(loc.getMCrInterfaceStr(soundtext::kMidiSounds) + QStringLiteral(" (*.mid)"));
     }
     setFileListFolder(soundDirPath->text());
     {
@@ -254,15 +256,15 @@ void SoundPanel::attachSoundFile(const QString& path) {
     const Localisation& loc = loc_;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        dialogs.inform(loc.getMCrErrStr(28).replace(QStringLiteral("%1"), QDir::toNativeSeparators(path) +
-                                                                              QStringLiteral(": ") +
-                                                                              file.errorString()));
+        dialogs.inform(loc.getMCrErrStr(soundtext::kErrSoundNotRead)
+                           .replace(QStringLiteral("%1"), QDir::toNativeSeparators(path) +
+                                                              QStringLiteral(": ") + file.errorString()));
         return;
     }
     const qint64 length = file.size();
     file.close();
     if (isTooLarge(length)) {
-        dialogs.inform(loc.getMCrErrStr(1));
+        dialogs.inform(loc.getMCrErrStr(soundtext::kErrSoundTooLarge));
         return;
     }
     emit soundChosen(path);

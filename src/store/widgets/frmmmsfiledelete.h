@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/storetexts.h"
 #include "store/widgets/namedialog.h"
 
 namespace mms {
@@ -14,7 +15,7 @@ public:
     frmMMSFileDelete(QWidget* parent, const Localisation& texts, MessageSink& sink, const MessageStore& store,
                      MessageState& state);
 
-    void cmdDelete_Click() { acceptExisting(11); }
+    void cmdDelete_Click() { acceptExisting(storetext::kErrOpenNotDeletable); }
 
 private:
     QPushButton* cmdDelete;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/storetexts.h"
 #include "store/widgets/namedialog.h"
 
 namespace mms {
@@ -13,7 +14,7 @@ public:
     frmMMSFileOpen(QWidget* parent, const Localisation& texts, MessageSink& sink, const MessageStore& store,
                    MessageState& state);
 
-    void cmdOpen_Click() { acceptExisting(14); }
+    void cmdOpen_Click() { acceptExisting(storetext::kErrAlreadyOpen); }
 
 private:
     QPushButton* cmdOpen;

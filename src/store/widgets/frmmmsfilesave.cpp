@@ -1,6 +1,8 @@
 #include "store/widgets/frmmmsfilesave.h"
 
+#include "common/commontexts.h"
 #include "common/localisation.h"
+#include "common/storetexts.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -9,7 +11,9 @@ namespace mms {
 
 frmMMSFileSave::frmMMSFileSave(QWidget* parent, const Localisation& texts, MessageSink& sink,
                                const MessageStore& store, MessageState& state)
-    : MessageNameDialog(parent, texts, sink, store, state, {39, 5}, true), cmdSave(actionButton()) {
+    : MessageNameDialog(parent, texts, sink, store, state, {storetext::kSaveAsTitle, commontext::kSave},
+                        true),
+      cmdSave(actionButton()) {
     cmdSave->setObjectName(QStringLiteral("cmdSave"));
     connect(cmdSave, &QPushButton::clicked, this, &frmMMSFileSave::cmdSave_Click);
 }
@@ -18,10 +22,11 @@ void frmMMSFileSave::cmdSave_Click() {
     state_.isOverwrite = false;
     const QString name = txtName->text();
     // Hidden names are refused too: the store stages its saves under them.
-    if (!isStorableMessageName(name)) return showError(22);
+    if (!isStorableMessageName(name)) return showError(storetext::kErrBadName);
     // A folder of that name without an index is replaced as well, so it is asked about too.
     if (store_.hasIndex(name) || store_.exists(name)) {
-        const Answer answer = sink_.show(Message{texts_.getMCrPromptStr(9), texts_.getMCrErrStr(15),
+        const Answer answer = sink_.show(Message{texts_.getMCrPromptStr(storetext::kPromptReplace),
+                                                 texts_.getMCrErrStr(storetext::kReplaceTitle),
                                                  Buttons::YesNo, Icon::Question, Answer::No});
         if (answer != Answer::Yes) return;
         state_.isOverwrite = true;

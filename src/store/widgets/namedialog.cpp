@@ -1,6 +1,7 @@
 #include "store/widgets/namedialog.h"
 
 #include "common/localisation.h"
+#include "common/storetexts.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -36,11 +37,12 @@ MessageNameDialog::MessageNameDialog(QWidget* parent, const Localisation& texts,
 
     setWindowTitle(texts_.getMCrInterfaceStr(captions.window));
     action_->setText(texts_.getMCrInterfaceStr(captions.action));
-    cmdCancel->setText(texts_.getMCrInterfaceStr(41));
-    Label1->setText(texts_.getMCrInterfaceStr(40));
+    cmdCancel->setText(texts_.getMCrInterfaceStr(storetext::kCancelName));
+    Label1->setText(texts_.getMCrInterfaceStr(storetext::kNameLabel));
     Label1->setBuddy(txtName);
     lstFile->setColumnCount(2);
-    lstFile->setHeaderLabels({texts_.getMCrInterfaceStr(44), texts_.getMCrInterfaceStr(45)});
+    lstFile->setHeaderLabels({texts_.getMCrInterfaceStr(storetext::kNameColumn),
+                              texts_.getMCrInterfaceStr(storetext::kDateColumn)});
     lstFile->setRootIsDecorated(false);
     lstFile->setSelectionMode(QAbstractItemView::SingleSelection);
     lstFile->header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -105,9 +107,9 @@ void MessageNameDialog::showError(int number) const {
 void MessageNameDialog::acceptExisting(int currentError) {
     const QString name = txtName->text();
     if (!name.isEmpty() && name == state_.currentFile) return showError(currentError);
-    if (name.isEmpty()) return showError(12);
-    if (!isValidMessageName(name)) return showError(22);
-    if (!store_.exists(name)) return showError(13);
+    if (name.isEmpty()) return showError(storetext::kErrNoName);
+    if (!isValidMessageName(name)) return showError(storetext::kErrBadName);
+    if (!store_.exists(name)) return showError(storetext::kErrNoSuchMessage);
     state_.currentFile = name;
     accept();
 }
