@@ -21,18 +21,6 @@ QByteArray valueLength(qint64 length, bool alwaysQuoted = false) {
     return QByteArray(1, kLengthQuote) + MmsEncoder::uintvar(quint64(length));
 }
 
-// The picture kind of a file of any other extension, from its first bytes; the phone decides what
-// to do with anything else.
-const char* sniffedType(const QString& path) {
-    QFile file(path);
-    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
-    if (head.startsWith("GIF8")) return "image/gif";
-    if (head.startsWith("\xFF\xD8\xFF")) return "image/jpeg";
-    if (head.startsWith("\x89PNG")) return "image/png";
-    if (head.startsWith("BM")) return "image/bmp";
-    return "application/octet-stream";
-}
-
 // The content type of a part (without its value length), by the extension of `source`.
 QByteArray contentType(const QString& type, const QByteArray& name, const QString& source) {
     const QByteArray nameParameter = QByteArrayLiteral("\x85") + name + '\0';
@@ -47,7 +35,7 @@ QByteArray contentType(const QString& type, const QByteArray& name, const QStrin
     if (type == QLatin1String("3gp")) return byText("video/3gpp");
     if (type == QLatin1String("txt")) return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
     if (type == QLatin1String("smil")) return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
-    return byText(sniffedType(source));
+    return byText(sniffedPictureType(source));
 }
 
 bool seekTo(QIODevice& out, qint64 pos) {

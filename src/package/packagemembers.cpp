@@ -2,6 +2,8 @@
 
 #include "model/cslide.h"
 
+#include <QFile>
+
 namespace mms {
 
 namespace {
@@ -34,6 +36,27 @@ QString soundMember(const QString& path, int n) {
     const bool midi = CSlide::extractFileType(path).toLower() == QLatin1String("mid");
     return QStringLiteral("sound") + QString::number(n) +
            (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
+}
+
+const char* sniffedPictureType(const QString& path) {
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
+    if (head.startsWith("GIF8")) return "image/gif";
+    if (head.startsWith("\xFF\xD8\xFF")) return "image/jpeg";
+    if (head.startsWith("\x89PNG")) return "image/png";
+    if (head.startsWith("BM")) return "image/bmp";
+    return "application/octet-stream";
+}
+
+QString memberMimeType(const QString& path) {
+    static const std::pair<const char*, const char*> byExtension[] = {
+        {"gif", "image/gif"}, {"jpg", "image/jpeg"}, {"jpeg", "image/jpeg"},      {"jpe", "image/jpeg"},
+        {"bmp", "image/bmp"}, {"png", "image/png"},  {"3gp", "video/3gpp"},       {"txt", "text/plain"},
+        {"amr", "audio/amr"}, {"mid", "audio/midi"}, {"smil", "application/smil"}};
+    const QString type = CSlide::extractFileType(path).toLower();
+    for (const auto& [extension, mime] : byExtension)
+        if (type == QLatin1String(extension)) return QLatin1String(mime);
+    return QLatin1String(sniffedPictureType(path));
 }
 
 } // namespace mms
