@@ -111,6 +111,7 @@ TEST_F(MmsdTest, AMessageWithEveryKindOfPartReachesTheMmsCentreAndIsLoggedSent) 
     EXPECT_EQ(QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs), QStringList());
 }
 
+// The last step pins a daemon limit the documentation states: a refusal by the centre still reads "sent".
 TEST_F(MmsdTest, AnMmsCentreThatIsGoneIsReportedAndLoggedAndSendingAgainWorksOnceItIsBack) {
     startDaemon();
     storeMessage(u"hello"_s);
@@ -126,6 +127,11 @@ TEST_F(MmsdTest, AnMmsCentreThatIsGoneIsReportedAndLoggedAndSendingAgainWorksOnc
     EXPECT_EQ(again.exitCode, 0) << again.err.toStdString();
     EXPECT_TRUE(again.out.startsWith(u"sent\t"_s));
     EXPECT_FALSE(harness.requests().isEmpty());
+
+    harness.setRefusing(true);
+    const int before = int(harness.requests().size());
+    EXPECT_EQ(mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s}).exitCode, 0);
+    EXPECT_GT(harness.requests().size(), before);
 }
 
 TEST_F(MmsdTest, WithoutTheDaemonSendSaysWhereTheServiceComesFrom) {
