@@ -13,6 +13,7 @@ packages=(
   clang-14 libclang-rt-14-dev clang-format
   python3-mido imagemagick tshark
   libsmf-dev
+  mmsd-tng dbus python3-dbusmock
   desktop-file-utils appstream lintian man-db
 )
 

@@ -21,18 +21,6 @@ QByteArray valueLength(qint64 length, bool alwaysQuoted = false) {
     return QByteArray(1, kLengthQuote) + MmsEncoder::uintvar(quint64(length));
 }
 
-// The picture kind of a file of any other extension, from its first bytes; the phone decides what
-// to do with anything else.
-const char* sniffedType(const QString& path) {
-    QFile file(path);
-    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
-    if (head.startsWith("GIF8")) return "image/gif";
-    if (head.startsWith("\xFF\xD8\xFF")) return "image/jpeg";
-    if (head.startsWith("\x89PNG")) return "image/png";
-    if (head.startsWith("BM")) return "image/bmp";
-    return "application/octet-stream";
-}
-
 // The content type of a part (without its value length), by the extension of `source`.
 QByteArray contentType(MediaKind kind, const QByteArray& name, const QString& source) {
     const QByteArray nameParameter = QByteArrayLiteral("\x85") + name + '\0';
@@ -40,26 +28,15 @@ QByteArray contentType(MediaKind kind, const QByteArray& name, const QString& so
     switch (kind) {
     case MediaKind::Gif:
         return QByteArrayLiteral("\x9D") + nameParameter;
-    case MediaKind::Jpeg:
-        return byText("image/jpeg");
-    case MediaKind::Bmp:
-        return byText("image/bmp");
-    case MediaKind::Png:
-        return byText("image/png");
-    case MediaKind::Amr:
-        return byText("audio/amr");
-    case MediaKind::Midi:
-        return byText("audio/midi");
-    case MediaKind::Video3gp:
-        return byText("video/3gpp");
     case MediaKind::Text:
         return QByteArrayLiteral("\x83\x81\xEA") + nameParameter;
     case MediaKind::Smil:
         return byText("application/smil") + QByteArrayLiteral("\x81\xEA");
     case MediaKind::Other:
-        break;
+        return byText(sniffedPictureType(source));
+    default:
+        return byText(mimeTypeOf(kind));
     }
-    return byText(sniffedType(source));
 }
 
 bool seekTo(QIODevice& out, qint64 pos) {

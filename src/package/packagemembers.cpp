@@ -3,6 +3,8 @@
 #include "common/mediakind.h"
 #include "model/cslide.h"
 
+#include <QFile>
+
 namespace mms {
 
 namespace {
@@ -32,6 +34,47 @@ QString soundMember(const QString& path, int n) {
     const bool midi = mediaKindOf(path) == MediaKind::Midi;
     return QStringLiteral("sound") + QString::number(n) +
            (midi ? QStringLiteral(".mid") : QStringLiteral(".amr"));
+}
+
+const char* sniffedPictureType(const QString& path) {
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
+    if (head.startsWith("GIF8")) return "image/gif";
+    if (head.startsWith("\xFF\xD8\xFF")) return "image/jpeg";
+    if (head.startsWith("\x89PNG")) return "image/png";
+    if (head.startsWith("BM")) return "image/bmp";
+    return "application/octet-stream";
+}
+
+const char* mimeTypeOf(MediaKind kind) {
+    switch (kind) {
+    case MediaKind::Gif:
+        return "image/gif";
+    case MediaKind::Jpeg:
+        return "image/jpeg";
+    case MediaKind::Bmp:
+        return "image/bmp";
+    case MediaKind::Png:
+        return "image/png";
+    case MediaKind::Video3gp:
+        return "video/3gpp";
+    case MediaKind::Amr:
+        return "audio/amr";
+    case MediaKind::Midi:
+        return "audio/midi";
+    case MediaKind::Text:
+        return "text/plain";
+    case MediaKind::Smil:
+        return "application/smil";
+    case MediaKind::Other:
+        break;
+    }
+    return nullptr;
+}
+
+QString memberMimeType(const QString& path) {
+    const char* type = mimeTypeOf(mediaKindOf(path));
+    return QLatin1String(type ? type : sniffedPictureType(path));
 }
 
 } // namespace mms

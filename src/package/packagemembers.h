@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/mediakind.h"
+
 #include <QString>
 
 namespace mms {
@@ -19,5 +21,14 @@ PictureMember pictureMember(const QString& path, int n);
 
 // "sound" + N + ".mid" for a MIDI file, "sound" + N + ".amr" for every other sound.
 QString soundMember(const QString& path, int n);
+
+// The MIME type of a package member, by its extension as the members are named; a picture of any
+// other extension is typed by its first bytes (GIF, JPEG, PNG or BMP), else application/octet-stream.
+QString memberMimeType(const QString& path);
+// The MIME type of a kind of media; null for Other.
+const char* mimeTypeOf(MediaKind kind);
+
+// The picture kind of the file from its first bytes, application/octet-stream when it is none.
+const char* sniffedPictureType(const QString& path);
 
 } // namespace mms

@@ -1,0 +1,202 @@
+// Sending through the real mmsd-tng, on private buses with a fake modem and a loopback MMS centre.
+
+#include "app/mmscrun.h"
+#include "image/picturefiles.h"
+#include "send/messagesender.h"
+#include "send/mmsdharness.h"
+#include "sound/midi_testfile.h"
+#include "store/messagestore.h"
+#include "support/outsidetool.h"
+#include "support/qtprint.h"
+#include "support/tempdir.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace mms::test {
+namespace {
+
+const QString kText = u"Grüße aus Köln – ☺"_s;
+
+class MmsdTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (const QString missing = MmsdHarness::missingPackages(); !missing.isEmpty())
+            GTEST_SKIP() << "needs the packages " << missing.toStdString();
+    }
+
+    void startDaemon(qint64 sizeLimit = 1100000) {
+        const QString problem = harness.start(true, sizeLimit);
+        ASSERT_TRUE(problem.isEmpty()) << problem.toStdString();
+    }
+
+    // A stored message with a picture, a UTF-8 text and a MIDI sound on one slide.
+    void storeMessage(const QString& name, const QByteArray& picture = tinyGif()) {
+        CSlide slides;
+        slides.InsertAtBack(SlideDur::fromText(u"4"_s), media.write(u"red.gif"_s, picture), kText,
+                            media.write(u"scale.mid"_s, midifile::cMajorScale(3)));
+        ASSERT_TRUE(MessageStore(work.path()).save(slides, name, u"Hallo Welt"_s).isOk());
+    }
+
+    MmscRun mmsc(const QStringList& args) {
+        QProcess p;
+        p.setProcessEnvironment(harness.environment());
+        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), QStringList{u"--home"_s, work.path()} + args);
+        EXPECT_TRUE(p.waitForFinished(90000));
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    }
+
+    // What `mmsc send` hands over when it must refuse: nothing may reach the daemon or the centre.
+    void expectRefused(const QStringList& args, int status, const QString& reason) {
+        const MmscRun r = mmsc(args);
+        EXPECT_EQ(r.exitCode, status) << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(reason)) << r.err.toStdString();
+        EXPECT_EQ(harness.requests(), QStringList());
+        EXPECT_FALSE(harness.daemonLog().contains(u"mms_message_register"_s))
+            << "a message reached the daemon";
+    }
+
+    MmsdHarness harness;
+    TempDir work, media;
+};
+
+QString tsharkDecode(const QString& request, const TempDir& dir) {
+    const QByteArray body = TempDir::read(request);
+    const QByteArray post =
+        "POST /mms HTTP/1.1\r\nHost: mmsc\r\nContent-Type: application/vnd.wap.mms-message\r\n"
+        "Content-Length: " +
+        QByteArray::number(body.size()) + "\r\n\r\n" + body;
+    QByteArray pcap;
+    QDataStream s(&pcap, QIODevice::WriteOnly);
+    s.setByteOrder(QDataStream::LittleEndian);
+    s << quint32(0xA1B2C3D4) << quint16(2) << quint16(4) << quint64(0) << quint32(65535) << quint32(147)
+      << quint64(0) << quint32(post.size()) << quint32(post.size());
+    const QString file = dir.write(u"request.pcap"_s, pcap + post);
+    const auto run = runTool(
+        u"tshark"_s, {u"-r"_s, file, u"-o"_s,
+                      u"uat:user_dlts:\"User 0 (DLT=147)\",\"http\",\"0\",\"\",\"0\",\"\""_s, u"-V"_s});
+    return run ? QString::fromUtf8(run->out) : QString();
+}
+
+TEST_F(MmsdTest, AMessageWithEveryKindOfPartReachesTheMmsCentreAndIsLoggedSent) {
+    startDaemon();
+    storeMessage(u"hello"_s);
+    const MmscRun r =
+        mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+1 555 123-4567"_s, u"--cc"_s, u"+4412345678"_s});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString() << harness.daemonLog().toStdString();
+    ASSERT_TRUE(r.out.startsWith(u"sent\t/org/ofono/mms/modemmanager/"_s)) << r.out.toStdString();
+    const QString path = r.out.trimmed().section(u'\t', 1);
+
+    const QStringList requests = harness.requests();
+    ASSERT_EQ(requests.size(), 1);
+    EXPECT_TRUE(TempDir::read(requests[0]).contains(kText.toUtf8()));
+    const QString decoded = tsharkDecode(requests[0], media);
+    if (decoded.isEmpty()) GTEST_SKIP() << "tshark is not installed";
+    for (const QString& line :
+         {u"Type: m-send-req"_s, u"Subject: Hallo Welt"_s, u"To: +15551234567/TYPE=PLMN"_s,
+          u"To: +4412345678/TYPE=PLMN"_s, u"content-type: application/smil"_s, u"content-type: image/gif"_s,
+          u"content-type: text/plain"_s, u"content-type: audio/midi"_s, u"cid:pic1.gif"_s, u"cid:text1.txt"_s,
+          u"cid:sound1.mid"_s})
+        EXPECT_TRUE(decoded.contains(line)) << line.toStdString() << "\n" << decoded.toStdString();
+    EXPECT_FALSE(decoded.contains(u"Malformed"_s)) << decoded.toStdString();
+
+    const MmscRun log = mmsc({u"sent"_s});
+    EXPECT_EQ(log.exitCode, 0);
+    EXPECT_TRUE(log.out.contains(u"\thello\t+15551234567,+4412345678\tsent\t"_s + path + u'\n'))
+        << log.out.toStdString();
+    // The snapshot the daemon read is gone once the message is sent.
+    EXPECT_EQ(QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs), QStringList());
+}
+
+// The last step pins a daemon limit the documentation states: a refusal by the centre still reads "sent".
+TEST_F(MmsdTest, AnMmsCentreThatIsGoneIsReportedAndLoggedAndSendingAgainWorksOnceItIsBack) {
+    startDaemon();
+    storeMessage(u"hello"_s);
+    harness.stopMmsCentre();
+    const MmscRun gone = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s, u"--timeout"_s, u"40"_s});
+    EXPECT_EQ(gone.exitCode, 1);
+    EXPECT_TRUE(gone.err.startsWith(u"mmsc: hello was not sent: "_s) && gone.err.contains(u"127.0.0.1"_s))
+        << gone.err.toStdString();
+    EXPECT_TRUE(mmsc({u"sent"_s}).out.contains(u"\tfailed: mmsd-tng could not deliver it"_s));
+
+    ASSERT_TRUE(harness.restartMmsCentre());
+    const MmscRun again = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s});
+    EXPECT_EQ(again.exitCode, 0) << again.err.toStdString();
+    EXPECT_TRUE(again.out.startsWith(u"sent\t"_s));
+    EXPECT_FALSE(harness.requests().isEmpty());
+
+    harness.setRefusing(true);
+    const int before = int(harness.requests().size());
+    EXPECT_EQ(mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s}).exitCode, 0);
+    EXPECT_GT(harness.requests().size(), before);
+}
+
+TEST_F(MmsdTest, WithoutTheDaemonSendSaysWhereTheServiceComesFrom) {
+    ASSERT_TRUE(harness.start(false).isEmpty());
+    storeMessage(u"hello"_s);
+    const MmscRun r = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s});
+    EXPECT_EQ(r.exitCode, 3);
+    EXPECT_TRUE(r.err.contains(u"mmsd-tng"_s) && r.err.contains(u"systemctl --user start mmsd-tng"_s))
+        << r.err.toStdString();
+    EXPECT_EQ(QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs), QStringList());
+}
+
+// What mmsc refuses before anything reaches the daemon, each with its own reason.
+TEST_F(MmsdTest, RefusedRecipientsUnknownMessagesAndOversizedMessagesAreNotHandedOver) {
+    startDaemon(4000);
+    storeMessage(u"hello"_s);
+    storeMessage(u"big"_s, encoded(filled(64, 64, Qt::red), "BMP"));
+    expectRefused({u"send"_s, u"hello"_s, u"--to"_s, u"bob@example.com"_s}, 2, u"phone numbers only"_s);
+    expectRefused({u"send"_s, u"hello"_s, u"--to"_s, u"+1555;Bob"_s}, 2, u"'Bob' is not a phone number"_s);
+    expectRefused({u"send"_s, u"nothing"_s, u"--to"_s, u"+15551234567"_s}, 2, u"no stored message"_s);
+    expectRefused({u"send"_s, u"big"_s, u"--to"_s, u"+15551234567"_s}, 2, u"takes at most 4000 bytes"_s);
+    EXPECT_EQ(mmsc({u"sent"_s}).out, QString());
+}
+
+// The daemon's own answers to what checkRequest refuses, so the checks stay needed and complete.
+TEST_F(MmsdTest, TheDaemonRefusesWhatTheChecksCatchWithoutSayingWhy) {
+    startDaemon(4000);
+    const QString text = media.write(u"text1.txt"_s, "hi");
+    SendRequest good{
+        {u"+15551234567"_s}, u"s"_s, false, u"<smil/>"_s, {{u"text1.txt"_s, u"text/plain"_s, text}}};
+    std::vector<std::pair<SendRequest, QString>> bad;
+    auto variant = [&](auto change, const QString& reason) {
+        SendRequest r = good;
+        change(r);
+        bad.emplace_back(r, reason);
+    };
+    variant([](SendRequest& r) { r.attachments[0].mimeType = u"text/plain;charset=utf-8"_s; },
+            u"has parameters"_s);
+    variant([&](SendRequest& r) { r.attachments[0].path = media.file(u"gone.txt"_s); }, u"cannot be read"_s);
+    variant([&](SendRequest& r) { r.attachments[0].path = media.write(u"big.txt"_s, QByteArray(5000, 'x')); },
+            u"takes at most 4000 bytes"_s);
+
+    MmsdClient client(harness.session());
+    QSignalSpy ready(&client, &MmsdClient::serviceReady);
+    client.findService();
+    ASSERT_TRUE(ready.wait(10000));
+    const ServiceLimits limits = ready.at(0).at(0).value<ServiceLimits>();
+    EXPECT_EQ(limits.totalMaxAttachmentSize, 4000);
+    EXPECT_EQ(limits.maxAttachments, 25);
+    EXPECT_TRUE(checkRequest(good, limits).isOk());
+
+    SendRequest email = good;
+    email.recipients = {u"bob@example.com"_s};
+    bad.emplace_back(email, QString());
+    for (const auto& [request, reason] : bad) {
+        if (!reason.isEmpty()) {
+            EXPECT_TRUE(checkRequest(request, limits).message().contains(reason)) << reason.toStdString();
+        }
+        QSignalSpy refused(&client, &MmsdClient::refused);
+        client.send(request);
+        ASSERT_TRUE(refused.wait(10000)) << reason.toStdString();
+        EXPECT_TRUE(refused.at(0).at(0).toString().contains(u"Invalid Arguments"_s));
+    }
+    EXPECT_EQ(harness.requests(), QStringList());
+}
+
+} // namespace
+} // namespace mms::test
