@@ -147,18 +147,10 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return {1,
-            2,
-            3,
-            4,
-            7,
-            8,
-            9,
-            10,
-            11,
-            desktoptext::kPromptRestoreDraft,
-            sizetext::kPromptShrinkToFit,
-            sizetext::kPromptExportOverLimit};
+    return {1, 2, 3, 4, 7, 8, 9, 10, 11, desktoptext::kPromptRestoreDraft, sizetext::kPromptShrinkToFit,
+            sizetext::kPromptExportOverLimit,
+            // The picture checks' questions (image/picturetexts.h, which this side may not include).
+            15, 16};
 }
 
 QList<int> usedErrorNumbers() {
@@ -168,6 +160,7 @@ QList<int> usedErrorNumbers() {
     numbers.append({playbacktext::kNoSlides, playbacktext::kSoundsSkipped});
     numbers.append(range(desktoptext::kFirstError, desktoptext::kLastError));
     numbers.append(sizetext::kErrPictureCannotFit);
+    numbers.append(range(41, 45)); // why a picture cannot be used (image/picturetexts.h)
     return numbers;
 }
 

@@ -1,5 +1,8 @@
 #include "composer/slidepicture.h"
 
+#include "image/exiforientation.h"
+#include "image/uprightdecode.h"
+
 #include <QImageReader>
 #include <QPainter>
 
@@ -54,8 +57,8 @@ bool isVideoClipPath(const QString& path) {
 QImage loadPicture(const QString& path) {
     if (path.isEmpty()) return {};
     QImageReader reader(path);
-    reader.setAutoTransform(true);
-    return reader.read();
+    const QImageIOHandler::Transformations orientation = uprightTransform(path, reader);
+    return applyOrientation(reader.read(), orientation);
 }
 
 } // namespace mms
