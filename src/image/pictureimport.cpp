@@ -1,6 +1,7 @@
 #include "image/pictureimport.h"
 
 #include "common/workspace.h"
+#include "image/imageprobe.h"
 #include "image/jpegwriter.h"
 #include "image/picturetexts.h"
 
@@ -120,7 +121,9 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
     const bool tooLarge = listHasItems && isTooLarge(length);
     if (tooLarge && matchesGifPattern(QFileInfo(sourcePath).fileName())) {
         PictureImport result = refused(kErrPictureTooLarge, QString());
-        result.gifTooLarge = true;
+        // Shrinking is offered only for what really is a GIF.
+        ImageProbe probe;
+        result.gifTooLarge = checkValidImg(sourcePath, probe) && probe.imgType == ImageProbe::Gif;
         return result;
     }
     // Nothing goes on a slide that the phone could not show, nor silently what had to be filled in.

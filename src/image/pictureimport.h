@@ -44,7 +44,7 @@ struct PictureImport {
     bool attach() const { return errorNumber < 0; }
     // Refused as cut short: the user may still take it (importPicture with takeDamaged).
     bool canTakeDamaged() const { return trouble.usableAnyway(); }
-    // A GIF refused for its size: shrinking it (shrinkGif) may help.
+    // A GIF refused for its size whose header is a GIF's: shrinking it (shrinkGif) may help.
     bool canShrinkGif() const { return errorNumber == kErrPictureTooLarge && gifTooLarge; }
     bool gifTooLarge = false;
     // Refused because even its JPEG conversion is too large: shrinking it may help.
