@@ -169,10 +169,10 @@ TEST_F(PicturePanelTest, DamagedPicturesAskAndLargeGifsShrink) {
     put(u"anim.gif"_s, test::animatedGif(QSize(200, 200), {10, 10, 10}, 0));
     listed();
     const QString useDamaged = u"P%1"_s.arg(picturetext::kPromptUseDamaged);
-    fake.dialogs.answers = {Answer::No, Answer::Yes};
-    attach(u"cut.jpg"_s);
+    attach(u"cut.jpg"_s); // the question's default answer: No
     EXPECT_EQ(fake.dialogs.texts(), (QStringList{useDamaged, u"E%1"_s.arg(picturetext::kErrDamaged)}));
     EXPECT_EQ(w->message().getTotalSlide(), 0);
+    fake.dialogs.answers = {Answer::Yes};
     attach(u"cut.jpg"_s);
     EXPECT_EQ(slidePicture(1), cut);
 

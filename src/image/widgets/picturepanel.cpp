@@ -260,7 +260,8 @@ void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
     PictureImport result = import(false);
     // A JPEG cut short is shown with grey where data is missing: only the user can say that will do.
     if (result.canTakeDamaged() && ask(loc_.getMCrPromptStr(picturetext::kPromptUseDamaged)
-                                           .replace(QStringLiteral("%1"), QDir::toNativeSeparators(source))))
+                                           .replace(QStringLiteral("%1"), QDir::toNativeSeparators(source)),
+                                       Answer::No))
         result = import(true);
     if (!result.attach()) {
         if (result.canShrink() && askToShrink(result.convertedBytes)) {
@@ -281,9 +282,9 @@ void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
     emit pictureChosen(result.picturePath);
 }
 
-bool PicturePanel::ask(const QString& question) {
+bool PicturePanel::ask(const QString& question, Answer defaultAnswer) {
     return platform_.dialogs.show(Message{question, applicationTitle(), Buttons::YesNo, Icon::Question,
-                                          Answer::Yes}) == Answer::Yes;
+                                          defaultAnswer}) == Answer::Yes;
 }
 
 bool PicturePanel::askToShrink(qint64 convertedBytes) {

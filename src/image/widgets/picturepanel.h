@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/messagesink.h"
+
 #include <QSize>
 #include <QWidget>
 
@@ -87,7 +89,7 @@ private:
     QLayout* buildFitRow();
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
-    bool ask(const QString& question);
+    bool ask(const QString& question, Answer defaultAnswer = Answer::Yes);
     bool askToShrink(qint64 convertedBytes);
     void startFit(const QString& source, bool gif);
     void fitFinished(const FitResult& result, const QString& target);
