@@ -1,11 +1,13 @@
 #include "app/mmsc_attach.h"
 
+#include "image/gifshrink.h"
 #include "image/picturefit.h"
 
 #include "common/fileio.h"
 #include "common/mediakind.h"
 #include "common/workspace.h"
 #include "image/imageprobe.h"
+#include "image/picturecheck.h"
 #include "image/pictureimport.h"
 
 #include <QDir>
@@ -63,7 +65,11 @@ QString AttachRules::scratchFolder(QString& problem) {
 QString AttachRules::applyPicture(QString& path) {
     ImageProbe probe;
     if (Status s = checkValidImg(path, probe); !s) return s.message();
-    if (!probe.answer) return QStringLiteral("'%1' is not a GIF, JPEG, BMP or PNG picture").arg(shown(path));
+    if (!probe.answer) {
+        const PictureTrouble trouble = checkPictureFile(path);
+        return trouble.ok() ? QStringLiteral("'%1' is not a GIF, JPEG, BMP or PNG picture").arg(shown(path))
+                            : describeTrouble(path, trouble);
+    }
     const qint64 size = QFileInfo(path).size();
     QString scratch = home_;
     if (isTooLarge(size) && !matchesGifPattern(path)) {
@@ -76,9 +82,21 @@ QString AttachRules::applyPicture(QString& path) {
         path = import.picturePath;
         return {};
     }
+    if (!import.trouble.ok()) return describeTrouble(path, import.trouble);
     if (import.errorNumber != imagetext::kErrPictureTooLarge)
         return QStringLiteral("'%1' could not be converted to JPEG: %2").arg(shown(path), import.detail);
     const QString limit = QStringLiteral("a picture must be smaller than %1 bytes").arg(kAttachmentLimit);
+    if (import.canShrinkGif() && fit_) {
+        QString problem;
+        const QString folder = scratchFolder(problem);
+        if (!problem.isEmpty()) return problem;
+        const QString fitted = folder + QStringLiteral("/shrunk%1.gif").arg(++shrunkGifs_);
+        const GifShrink result = shrinkGifToFile(path, fitted);
+        if (!result.fitted())
+            return QStringLiteral("'%1' cannot be shrunk to fit: %2").arg(shown(path), result.message);
+        path = fitted;
+        return {};
+    }
     if (import.convertedPath.isEmpty())
         return QStringLiteral("'%1' has %2 bytes: %3, and a GIF is not converted")
             .arg(shown(path), QString::number(size), limit);

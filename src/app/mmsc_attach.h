@@ -15,7 +15,8 @@ namespace mms::cli {
 // below the workspace's Temp folder, which is removed with this object.
 class AttachRules {
 public:
-    // fit: a picture still too large as a same-size JPEG is shrunk until it fits instead of refused.
+    // fit: a picture still too large as a same-size JPEG, or a GIF too large, is shrunk until it fits
+    // instead of refused.
     explicit AttachRules(QString home, bool fit = false) : home_(std::move(home)), fit_(fit) {}
     ~AttachRules();
     AttachRules(const AttachRules&) = delete;
@@ -35,6 +36,7 @@ private:
     SystemRandom random_;
     std::unique_ptr<QTemporaryDir> scratch_;
     bool madeTemp_ = false;
+    int shrunkGifs_ = 0;
 };
 
 } // namespace mms::cli

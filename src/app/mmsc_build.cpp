@@ -24,9 +24,9 @@ const char kUsage[] =
     "               PNG picture and a sound an .amr or .mid file, each under 102400 bytes; a larger\n"
     "               picture other than a GIF is re-encoded as a JPEG of the same size at quality 35\n"
     "               and taken when that is small enough. Nothing is stored when a file is refused.\n"
-    "               --fit shrinks a picture whose JPEG is still too large until it fits, as the\n"
-    "               composer does when asked; --raw takes any readable file as it is. The subject\n"
-    "               cannot hold a comma.\n"
+    "               --fit shrinks a picture whose JPEG is still too large, or a GIF too large (as\n"
+    "               mmsc gif does), until it fits, as the composer does when asked; --raw takes any\n"
+    "               readable file as it is. The subject cannot hold a comma.\n"
     "               --info prints the number of slides and the estimated MMS size in bytes;\n"
     "               --save stores the message under NAME in UserData/MMS, replacing a stored message\n"
     "               of that name; --export writes the .tpl package archive to FILE, replacing it.";

@@ -155,7 +155,8 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 }
 
 QList<int> usedPromptNumbers() {
-    return usedNumbers({desktoptext::kUsedPrompts, storetext::kUsedPrompts, sizetext::kUsedPrompts});
+    return usedNumbers({desktoptext::kUsedPrompts, storetext::kUsedPrompts, sizetext::kUsedPrompts,
+                        imagetext::kUsedPrompts});
 }
 
 QList<int> usedErrorNumbers() {

@@ -1,5 +1,8 @@
 #include "composer/slidepicture.h"
 
+#include "image/exiforientation.h"
+#include "image/uprightdecode.h"
+
 #include <QImageReader>
 #include <QPainter>
 
@@ -50,8 +53,8 @@ QImage fitToPhoneScreen(const QImage& picture) {
 QImage loadPicture(const QString& path) {
     if (path.isEmpty()) return {};
     QImageReader reader(path);
-    reader.setAutoTransform(true);
-    return reader.read();
+    const QImageIOHandler::Transformations orientation = uprightTransform(path, reader);
+    return applyOrientation(reader.read(), orientation);
 }
 
 } // namespace mms

@@ -1,5 +1,7 @@
 #include "image/fittask.h"
 
+#include "image/gifshrink.h"
+
 namespace mms {
 
 FitTask::FitTask(QObject* parent) : QObject(parent) {
@@ -13,14 +15,32 @@ FitTask::~FitTask() {
 }
 
 void FitTask::start(const QString& source, const QString& target, qint64 maxBytes) {
+    run([=](const std::atomic<bool>* cancel) { return fitPictureToFile(source, target, maxBytes, cancel); },
+        target);
+}
+
+void FitTask::startGif(const QString& source, const QString& target, qint64 maxBytes) {
+    run(
+        [=](const std::atomic<bool>* cancel) {
+            const GifShrink gif = shrinkGifToFile(source, target, maxBytes, cancel);
+            FitResult result;
+            result.outcome = gif.outcome;
+            result.size = gif.size;
+            result.message = gif.message;
+            return result;
+        },
+        target);
+}
+
+void FitTask::run(Job job, const QString& target) {
     cancel();
     auto cancelled = std::make_shared<std::atomic<bool>>(false);
     cancelled_ = cancelled;
     running_ = true;
     ++working_;
     const quint64 generation = ++generation_;
-    pool_.start([this, cancelled, generation, source, target, maxBytes] {
-        FitResult result = fitPictureToFile(source, target, maxBytes, cancelled.get());
+    pool_.start([this, cancelled, generation, job = std::move(job), target] {
+        FitResult result = job(cancelled.get());
         QMetaObject::invokeMethod(
             this,
             [this, generation, target, result = std::move(result)] {

@@ -4,13 +4,14 @@
 
 #include <QObject>
 #include <QThreadPool>
+#include <functional>
 #include <memory>
 
 namespace mms {
 
-// Runs one fit conversion at a time off the owner's thread (fitPictureToFile) and reports its result
-// on the owner's thread. cancel() drops the one under way: it stops at its next trial and reports
-// nothing more.
+// Runs one fit conversion at a time off the owner's thread (fitPictureToFile, or shrinkGifToFile for
+// a GIF) and reports its result on the owner's thread. cancel() drops the one under way: it stops
+// at its next trial and reports nothing more.
 class FitTask final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FitTask)
@@ -20,6 +21,8 @@ public:
     ~FitTask() override;
 
     void start(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
+    // The result's jpeg stays empty: the GIF is in target.
+    void startGif(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
     void cancel();
     bool isRunning() const { return running_; }
     // Whether any fit, a cancelled one too, still works or has its outcome on the way: until then
@@ -30,6 +33,9 @@ signals:
     void finished(const mms::FitResult& result, const QString& target);
 
 private:
+    using Job = std::function<FitResult(const std::atomic<bool>* cancel)>;
+    void run(Job job, const QString& target);
+
     QThreadPool pool_;
     std::shared_ptr<std::atomic<bool>> cancelled_;
     quint64 generation_ = 0;

@@ -1,6 +1,7 @@
 #include "image/jpegwriter.h"
 
 #include "common/fileio.h"
+#include "image/picturecheck.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -135,8 +136,11 @@ Status reencodeAsJpeg(const QString& source, const QString& target, int quality)
         QImageReader reader(&buffer);
         reader.setAutoTransform(false); // the stored pixels as they are, unrotated
         QImage picture = reader.read();
-        if (picture.isNull())
-            return Status::failure(QStringLiteral("%1: %2").arg(shown(source), reader.errorString()));
+        if (picture.isNull()) {
+            PictureTrouble trouble = checkPictureBytes(bytes);
+            if (trouble.ok()) trouble.kind = PictureTrouble::Kind::Damaged;
+            return Status::failure(describeTrouble(source, trouble));
+        }
         bytes.clear();
         if (!dib.CreateFromPicture(picture))
             return Status::failure(QStringLiteral("%1: the picture is too large to convert (%2 by %3 pixels)")

@@ -2,7 +2,9 @@
 
 #include "common/mediakind.h"
 #include "common/workspace.h"
+#include "image/imageprobe.h"
 #include "image/jpegwriter.h"
+#include "image/picturetexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -50,23 +52,48 @@ int conversionNumber(RandomSource& random) {
     return std::clamp(drawn, 10000, 99999); // guards a source that strays outside [0, 1)
 }
 
-QString convertedPicturePath(const QString& appFolder, const QDateTime& when, int number) {
+QString convertedPicturePath(const QString& appFolder, const QDateTime& when, int number,
+                             QStringView suffix) {
     return workspace::tmpJpg(appFolder) + QLatin1Char('/') + conversionStamp(when) + QString::number(number) +
-           QStringLiteral(".jpg");
+           suffix.toString();
 }
 
 QString PictureImport::errorText(const QString& localisedText) const {
-    return localisedText.contains(QLatin1String("%1")) ? localisedText.arg(detail) : localisedText;
+    QString text = localisedText;
+    if (trouble.kind == PictureTrouble::Kind::TooLarge)
+        text.replace(QLatin1String("%2"), QString::number(trouble.size.width()))
+            .replace(QLatin1String("%3"), QString::number(trouble.size.height()));
+    return text.replace(QLatin1String("%1"), detail);
 }
 
-Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomSource& random,
-                           QString& path) {
+int picturetext::errorNumber(PictureTrouble::Kind kind) {
+    switch (kind) {
+    case PictureTrouble::Kind::Empty:
+        return kErrEmptyFile;
+    case PictureTrouble::Kind::Text:
+        return kErrTextFile;
+    case PictureTrouble::Kind::NotPicture:
+        return kErrNotPicture;
+    case PictureTrouble::Kind::Damaged:
+    case PictureTrouble::Kind::CutShort:
+        return kErrDamaged;
+    case PictureTrouble::Kind::TooLarge:
+        return kErrTooLargeToDecode;
+    case PictureTrouble::Kind::None:
+    case PictureTrouble::Kind::Unreadable:
+        break;
+    }
+    return imagetext::kErrPictureNotLoaded;
+}
+
+Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomSource& random, QString& path,
+                           QStringView suffix) {
     const QString scratch = workspace::tmpJpg(appFolder);
     if (!QDir().mkpath(scratch))
         return Status::failure(QStringLiteral("%1: the folder cannot be created").arg(shown(scratch)));
     const QDateTime now = clock.now();
     for (int draw = 0; draw < kNameDraws; ++draw) {
-        const QString candidate = convertedPicturePath(appFolder, now, conversionNumber(random));
+        const QString candidate = convertedPicturePath(appFolder, now, conversionNumber(random), suffix);
         if (!QFileInfo::exists(candidate)) {
             path = candidate;
             return Status::ok();
@@ -76,7 +103,7 @@ Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomS
 }
 
 PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
-                            const Clock& clock, RandomSource& random) {
+                            const Clock& clock, RandomSource& random, bool takeDamaged) {
     qint64 length = 0;
     {
         QFile source(sourcePath);
@@ -88,8 +115,24 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
                                                                     : QStringLiteral("no such file")));
         length = source.size();
     }
-    if (!listHasItems || !isTooLarge(length)) return attached(sourcePath);
-    if (matchesGifPattern(sourcePath)) return refused(imagetext::kErrPictureTooLarge, QString());
+    const bool tooLarge = listHasItems && isTooLarge(length);
+    if (tooLarge && matchesGifPattern(sourcePath)) {
+        PictureImport result = refused(imagetext::kErrPictureTooLarge, QString());
+        // Shrinking is offered only for what really is a GIF.
+        ImageProbe probe;
+        result.gifTooLarge = checkValidImg(sourcePath, probe) && probe.imgType == ImageProbe::Gif;
+        return result;
+    }
+    // Nothing goes on a slide that the phone could not show, nor silently what had to be filled in.
+    const PictureTrouble trouble = checkPictureFile(sourcePath);
+    if (!trouble.ok() && !(takeDamaged && trouble.usableAnyway())) {
+        PictureImport result = refused(picturetext::errorNumber(trouble.kind), shown(sourcePath));
+        if (trouble.kind == PictureTrouble::Kind::Unreadable)
+            result.detail = QStringLiteral("%1: %2").arg(shown(sourcePath), trouble.detail);
+        result.trouble = trouble;
+        return result;
+    }
+    if (!tooLarge) return attached(sourcePath);
 
     QString target;
     if (Status named = freshConversionPath(appFolder, clock, random, target); !named)

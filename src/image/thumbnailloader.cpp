@@ -1,6 +1,8 @@
 #include "image/thumbnailloader.h"
 
+#include "image/exiforientation.h"
 #include "image/imageprobe.h"
+#include "image/uprightdecode.h"
 
 #include <QCollator>
 #include <QDir>
@@ -102,16 +104,16 @@ QImage loadFittedPicture(const QString& path, const QSize& box, const QColor& ba
     if (declaresImplausibleSize(path)) return {};
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
-    reader.setAutoTransform(true);
+    const QImageIOHandler::Transformations orientation = uprightTransform(path, reader);
     const QSize stored = reader.size();
     // Decoders that can (JPEG above all) scale while decoding, which is most of the saving. The
     // scaled size is of the stored pixels, before they are turned upright.
     if (stored.isValid() && !stored.isEmpty()) {
-        const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+        const bool turned = orientation & QImageIOHandler::TransformationRotate90;
         const QSize upright = fittedSize(turned ? stored.transposed() : stored, box);
         reader.setScaledSize(turned ? upright.transposed() : upright);
     }
-    const QImage picture = reader.read();
+    const QImage picture = applyOrientation(reader.read(), orientation);
     if (picture.isNull()) return {};
     return fitPicture(picture, box, background);
 }

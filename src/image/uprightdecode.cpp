@@ -1,5 +1,8 @@
 #include "image/uprightdecode.h"
 
+#include "image/exiforientation.h"
+#include "image/picturecheck.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QImageReader>
@@ -53,9 +56,8 @@ Status UprightPicture::open(const QByteArray& bytes, const QString& name) {
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     stored_ = reader.size();
-    if (!reader.canRead() || !stored_.isValid() || stored_.isEmpty())
-        return Status::failure(QStringLiteral("%1: %2").arg(name_, reader.errorString()));
-    orientation_ = reader.transformation();
+    if (!reader.canRead() || !stored_.isValid() || stored_.isEmpty()) return unreadable();
+    orientation_ = uprightTransform(bytes_, reader);
     upright_ = orientation_ & QImageIOHandler::TransformationRotate90 ? stored_.transposed() : stored_;
 
     turboJpeg_ = false;
@@ -67,6 +69,13 @@ Status UprightPicture::open(const QByteArray& bytes, const QString& name) {
                             &colourspace) == 0)
         turboJpeg_ = colourspace != TJCS_CMYK && colourspace != TJCS_YCCK && QSize(width, height) == stored_;
     return Status::ok();
+}
+
+// The reader's own words ("Unsupported image format") help nobody: the check finds the reason.
+Status UprightPicture::unreadable() const {
+    PictureTrouble trouble = checkPictureBytes(bytes_);
+    if (trouble.ok()) trouble.kind = PictureTrouble::Kind::Damaged;
+    return Status::failure(describeTrouble(name_, trouble));
 }
 
 Status UprightPicture::tooLarge(QSize size) const {
@@ -104,9 +113,7 @@ Status UprightPicture::decodeJpeg(int minLongSide, QImage& out) const {
                                      static_cast<unsigned long>(bytes_.size()), out.bits(), size.width(),
                                      int(out.bytesPerLine()), size.height(), TJPF_BGRX, 0);
     // A warning (say, data cut short) still gives a picture.
-    if (result != 0 && tjGetErrorCode(handle.get()) != TJERR_WARNING)
-        return Status::failure(
-            QStringLiteral("%1: %2").arg(name_, QString::fromLocal8Bit(tjGetErrorStr2(handle.get()))));
+    if (result != 0 && tjGetErrorCode(handle.get()) != TJERR_WARNING) return unreadable();
     return Status::ok();
 }
 
@@ -117,7 +124,7 @@ Status UprightPicture::decodeOther(QImage& out) const {
     QImageReader reader(&buffer);
     reader.setAutoTransform(false); // applied by decode(), the same way for every format
     const QImage picture = reader.read();
-    if (picture.isNull()) return Status::failure(QStringLiteral("%1: %2").arg(name_, reader.errorString()));
+    if (picture.isNull()) return unreadable();
     out = flattened(picture);
     if (out.isNull()) return tooLarge(picture.size());
     return Status::ok();

@@ -28,6 +28,7 @@ private:
     Status decodeJpeg(int minLongSide, QImage& out) const;
     Status decodeOther(QImage& out) const;
     Status tooLarge(QSize size) const;
+    Status unreadable() const;
 
     QByteArray bytes_;
     QString name_;

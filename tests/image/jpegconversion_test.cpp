@@ -3,6 +3,7 @@
 #include "image/jpegwriter.h"
 #include "image/picturefit.h"
 #include "image/pictureimport.h"
+#include "image/picturetexts.h"
 #include "picturefiles.h"
 #include "support/outsidetool.h"
 #include "support/qtprint.h"
@@ -240,7 +241,7 @@ TEST_F(PictureImportTest, UnreadableSourcesAreReportedWithTheirName) {
     EXPECT_EQ(missing.errorNumber, imagetext::kErrPictureNotLoaded);
     EXPECT_TRUE(missing.detail.contains(QStringLiteral("gone.jpg")));
     const PictureImport broken = import(library(QStringLiteral("fake.jpg"), QByteArray(150000, 'x')));
-    EXPECT_EQ(broken.errorNumber, imagetext::kErrPictureNotConverted);
+    EXPECT_EQ(broken.errorNumber, picturetext::kErrTextFile);
     EXPECT_EQ(broken.errorText(QStringLiteral("No.\n%1")), QStringLiteral("No.\n") + broken.detail);
     EXPECT_TRUE(broken.detail.contains(QStringLiteral("fake.jpg")));
     EXPECT_EQ(scratchCount(), 0);

@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QImageWriter>
 #include <QRandomGenerator>
+#include <gif_lib.h>
+#include <vector>
 
 namespace mms::test {
 
@@ -59,6 +61,47 @@ inline QByteArray withOrientation(const QByteArray& jpeg, int orientation) {
 // A 1 by 1 red GIF.
 inline QByteArray tinyGif() {
     return QByteArray::fromHex("474946383961010001008000 00ff0000000000 2c00000000010001000002024401003b");
+}
+
+// Written with giflib, which the program itself uses.
+inline int toArray(GifFileType* gif, const GifByteType* data, int n) {
+    static_cast<QByteArray*>(gif->UserData)->append(reinterpret_cast<const char*>(data), n);
+    return n;
+}
+
+// Noise frames of 256 colours, which LZW cannot pack: 64 KB a frame at 256 by 256.
+inline QByteArray animatedGif(QSize size, const std::vector<int>& delays, int loops) {
+    QByteArray out;
+    GifFileType* gif = EGifOpen(&out, toArray, nullptr);
+    EGifSetGifVersion(gif, true);
+    GifColorType colours[256];
+    for (int i = 0; i < 256; ++i)
+        colours[i] = {GifByteType(i), GifByteType(255 - i), GifByteType(i * 7)};
+    ColorMapObject* map = GifMakeMapObject(256, colours);
+    EGifPutScreenDesc(gif, size.width(), size.height(), 8, 0, map);
+    if (loops >= 0) {
+        const GifByteType loop[3] = {1, GifByteType(loops), 0};
+        EGifPutExtensionLeader(gif, APPLICATION_EXT_FUNC_CODE);
+        EGifPutExtensionBlock(gif, 11, "NETSCAPE2.0");
+        EGifPutExtensionBlock(gif, 3, loop);
+        EGifPutExtensionTrailer(gif);
+    }
+    QRandomGenerator random(3);
+    std::vector<GifByteType> line(size_t(size.width()));
+    for (int delay : delays) {
+        GraphicsControlBlock gcb{DISPOSAL_UNSPECIFIED, false, delay, NO_TRANSPARENT_COLOR};
+        GifByteType extension[4];
+        EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, int(EGifGCBToExtension(&gcb, extension)), extension);
+        EGifPutImageDesc(gif, 0, 0, size.width(), size.height(), false, nullptr);
+        for (int y = 0; y < size.height(); ++y) {
+            for (GifByteType& pixel : line)
+                pixel = GifByteType(random.bounded(256));
+            EGifPutLine(gif, line.data(), size.width());
+        }
+    }
+    EGifCloseFile(gif, nullptr);
+    GifFreeMapObject(map);
+    return out;
 }
 
 } // namespace mms::test

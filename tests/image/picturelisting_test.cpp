@@ -119,9 +119,11 @@ TEST(ImageProbe, HeadersAndHostileBytes) {
         {"jump past the end", app1 + QByteArray("\xFF\xFF", 2)},
         {"jump to the limit", app1 + QByteArray::fromHex("fff8") + QByteArray(65540, '\0')},
         {"zero length", app1 + QByteArray(2, '\0') + segment(0xC1, frame(3, 4, 3)), true, 2, 4, 3, 24},
-        // A frame beyond the first 64 KiB is not seen.
-        {"frame too late", soi + segment(0xFE, QByteArray(65000, 'c')) + segment(0xFE, QByteArray(600, 'c')) +
-                               segment(0xC0, frame(1, 1, 3))},
+        // A frame beyond the first 64 KiB is found by the chain; a start of image beyond them is not.
+        {"frame beyond 64 KiB",
+         soi + segment(0xFE, QByteArray(65000, 'c')) + segment(0xFE, QByteArray(600, 'c')) +
+             segment(0xC0, frame(1, 1, 3)),
+         true, 2, 1, 1, 24},
     };
     for (const auto& c : cases) {
         const ImageProbe r = checkValidImg(QByteArrayView(c.bytes));

@@ -1,6 +1,7 @@
 #include "common/filesize.h"
 #include "composer/composerfixture.h"
 #include "image/fittask.h"
+#include "image/picturetexts.h"
 #include "image/widgets/picturepanel.h"
 #include "picturefiles.h"
 #include "support/controls.h"
@@ -163,6 +164,29 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     EXPECT_TRUE(QTest::qWaitFor([task] { return !task->isWorking(); }, 20000));
     EXPECT_EQ(slidePicture(1), fitted);
     EXPECT_EQ(fake.dialogs.shown.size(), 2u);
+}
+
+// A JPEG cut short is refused unless the user takes it; a large GIF is shrunk on Yes and stays a GIF.
+TEST_F(PicturePanelTest, DamagedPicturesAskAndLargeGifsShrink) {
+    const QByteArray photo = test::encoded(test::noise(64, 64), "JPG", 90);
+    const QString cut = put(u"cut.jpg"_s, photo.left(photo.size() / 2));
+    put(u"anim.gif"_s, test::animatedGif(QSize(200, 200), {10, 10, 10}, 0));
+    listed();
+    const QString useDamaged = u"P%1"_s.arg(picturetext::kPromptUseDamaged);
+    attach(u"cut.jpg"_s); // the question's default answer: No
+    EXPECT_EQ(fake.dialogs.texts(), (QStringList{useDamaged, u"E%1"_s.arg(picturetext::kErrDamaged)}));
+    EXPECT_EQ(w->message().getTotalSlide(), 0);
+    fake.dialogs.answers = {Answer::Yes};
+    attach(u"cut.jpg"_s);
+    EXPECT_EQ(slidePicture(1), cut);
+
+    fake.random.draws = {0.1};
+    attach(u"anim.gif"_s); // the question's default answer: Yes
+    EXPECT_EQ(fake.dialogs.texts().last(), u"P%1"_s.arg(picturetext::kPromptShrinkGif));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !panel()->isFitting(); }, 20000));
+    EXPECT_TRUE(slidePicture(1).startsWith(home.file(u"Temp/tmpJPG/"_s)) &&
+                slidePicture(1).endsWith(u".gif"_s));
+    EXPECT_LT(QFileInfo(slidePicture(1)).size(), kAttachmentLimit);
 }
 
 } // namespace

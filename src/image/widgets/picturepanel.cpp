@@ -12,6 +12,7 @@
 #include "common/widgets/sizecombo.h"
 #include "image/fittask.h"
 #include "image/pictureimport.h"
+#include "image/picturetexts.h"
 #include "image/thumbnailloader.h"
 
 #include <QComboBox>
@@ -255,39 +256,61 @@ void PicturePanel::chgImgCmd_Click() {
 
 void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
     Platform& platform = platform_;
-    PictureImport import;
-    {
+    const auto import = [&](bool takeDamaged) {
         const BusyCursor busy;
-        import = importPicture(source, checkSize, appFolder_, platform.clock, platform.random);
-    }
-    if (!import.attach()) {
-        if (import.canShrink() && askToShrink(import.convertedBytes)) {
-            startFit(source);
+        return importPicture(source, checkSize, appFolder_, platform.clock, platform.random, takeDamaged);
+    };
+    PictureImport result = import(false);
+    // A JPEG cut short is shown with grey where data is missing: only the user can say that will do.
+    if (result.canTakeDamaged() && ask(loc_.getMCrPromptStr(picturetext::kPromptUseDamaged)
+                                           .replace(QStringLiteral("%1"), QDir::toNativeSeparators(source)),
+                                       Answer::No))
+        result = import(true);
+    if (!result.attach()) {
+        if (result.canShrink() && askToShrink(result.convertedBytes)) {
+            startFit(source, false);
             return;
         }
-        warn(import.errorNumber, import.detail);
+        if (result.canShrinkGif() &&
+            ask(loc_.getMCrPromptStr(picturetext::kPromptShrinkGif)
+                    .replace(QStringLiteral("%1"), sizeText(loc_, QFileInfo(source).size()))
+                    .replace(QStringLiteral("%2"), sizeText(loc_, kAttachmentLimit)))) {
+            startFit(source, true);
+            return;
+        }
+        platform_.dialogs.show(Message{result.errorText(loc_.getMCrErrStr(result.errorNumber)),
+                                       applicationTitle(), Buttons::Ok, Icon::Warning});
         return;
     }
-    emit pictureChosen(import.picturePath);
+    emit pictureChosen(result.picturePath);
+}
+
+bool PicturePanel::ask(const QString& question, Answer defaultAnswer) {
+    return platform_.dialogs.show(Message{question, applicationTitle(), Buttons::YesNo, Icon::Question,
+                                          defaultAnswer}) == Answer::Yes;
 }
 
 bool PicturePanel::askToShrink(qint64 convertedBytes) {
     const QString text = loc_.getMCrPromptStr(sizetext::kPromptShrinkToFit)
                              .replace(QStringLiteral("%1"), sizeText(loc_, convertedBytes))
                              .replace(QStringLiteral("%2"), sizeText(loc_, kAttachmentLimit));
-    return platform_.dialogs.show(
-               Message{text, applicationTitle(), Buttons::YesNo, Icon::Question, Answer::Yes}) == Answer::Yes;
+    return ask(text);
 }
 
 // The shrunk picture gets a scratch name of its own; the same-size conversion stays where it is.
-void PicturePanel::startFit(const QString& source) {
+void PicturePanel::startFit(const QString& source, bool gif) {
     QString target;
-    if (Status named = freshConversionPath(appFolder_, platform_.clock, platform_.random, target); !named) {
+    if (Status named = freshConversionPath(appFolder_, platform_.clock, platform_.random, target,
+                                           gif ? u".gif" : u".jpg");
+        !named) {
         warn(imagetext::kErrPictureNotConverted, named.message());
         return;
     }
     showFitting(true);
-    fit_->start(source, target);
+    if (gif)
+        fit_->startGif(source, target);
+    else
+        fit_->start(source, target);
 }
 
 void PicturePanel::fitCancelCmd_Click() {

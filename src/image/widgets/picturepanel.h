@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/messagesink.h"
+
 #include <QSize>
 #include <QWidget>
 
@@ -87,8 +89,9 @@ private:
     QLayout* buildFitRow();
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
+    bool ask(const QString& question, Answer defaultAnswer = Answer::Yes);
     bool askToShrink(qint64 convertedBytes);
-    void startFit(const QString& source);
+    void startFit(const QString& source, bool gif);
     void fitFinished(const FitResult& result, const QString& target);
     void showFitting(bool fitting);
     // Error text `error` with its "%1" replaced by detail, in a message box.
