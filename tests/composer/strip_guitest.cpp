@@ -220,6 +220,15 @@ TEST_F(SizeGaugeTest, FollowsTheRunningTotalAndTheLimitTheUserChooses) {
     EXPECT_EQ(gauge().level(), GaugeLevel::Near);
     w->lstSlide_ItemClick();
     EXPECT_EQ(gauge().level(), GaugeLevel::Over);
+    // So does every file whenever the window comes back to the front.
+    picture(96);
+    w->show();
+    QApplication::setActiveWindow(w.get());
+    EXPECT_EQ(gauge().toolTip(), u"96 KB of 100 KB"_s);
+    picture(110);
+    QApplication::setActiveWindow(nullptr);
+    QApplication::setActiveWindow(w.get());
+    EXPECT_EQ(gauge().level(), GaugeLevel::Over);
 
     // Exporting over the limit asks first; only Yes goes on to the subject prompt.
     ctl<QPushButton>(w, "createCmd")->click();

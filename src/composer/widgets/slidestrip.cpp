@@ -47,18 +47,16 @@ SlideStrip::SlideStrip(ComposerDocument& document, const Localisation& loc, Dial
     lstSlide->setSelectionMode(QAbstractItemView::SingleSelection);
     lstSlide->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstSlide->setMinimumWidth(200);
-    lstSlide->setStyleSheet(
-        QStringLiteral("QListView#lstSlide { background: #ffffff; outline: 0; }"
-                       "QListView#lstSlide::item { padding: 3px; border-radius: 6px; }"
-                       "QListView#lstSlide::item:hover { background: #f1f3f4; }"
-                       "QListView#lstSlide::item:selected { background: #d2e3fc; color: #174ea6; }"));
-    // The document moves its current slide before it changes the message, so the selection that
-    // Qt carries along with a moved or removed row agrees with it; any other choice is the user's.
+    // A current item that differs from the document's current slide is the user's choice; the one
+    // Qt picks by itself while the selected slide's row goes is not (the document shows the slide
+    // that follows once the removal is done).
     connect(lstSlide->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& i) {
-                if (i.isValid() && i.row() + 1 != document_.current())
+                if (i.isValid() && !removing_ && i.row() + 1 != document_.current())
                     emit slidePicked(static_cast<qint16>(i.row() + 1));
             });
+    connect(&document.message(), &MessageModel::aboutToRemove, this, [this] { removing_ = true; });
+    connect(&document.message(), &MessageModel::removed, this, [this] { removing_ = false; });
     // A Ctrl-click can deselect the only selected item; the strip always keeps one.
     connect(lstSlide->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         const QModelIndex current = lstSlide->currentIndex();
@@ -111,6 +109,9 @@ QLayout* SlideStrip::buildCounters(Dialogs& dialogs) {
     Frame2->setObjectName(QStringLiteral("Frame2"));
     lblSize = new QLabel(Frame2);
     lblSize->setObjectName(QStringLiteral("lblSize"));
+    // The counters change with every command; their width must not move the window's columns.
+    for (QLabel* counter : {lblSlide, lblSize})
+        counter->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     sizeGauge = new SizeGauge(loc_, dialogs, Frame2);
     connect(sizeGauge, &SizeGauge::limitChosen, this, [this](qint64 bytes) {
         document_.setSizeLimit(bytes);

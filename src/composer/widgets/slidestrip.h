@@ -66,6 +66,7 @@ private:
     ComposerDocument& document_;
     const Localisation& loc_;
     SlideStripModel* model_;
+    bool removing_ = false;
 };
 
 } // namespace mms

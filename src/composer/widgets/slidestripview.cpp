@@ -4,9 +4,47 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QPainterPath>
+#include <QStyledItemDelegate>
 #include <QUrl>
 
 namespace mms {
+
+namespace {
+
+// Items drawn as rounded cards: hovered ones grey, the selected one blue. Painted here rather than
+// through a style sheet, which would be matched again for every item at every repaint of the strip.
+class StripItemDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem item(option);
+        initStyleOption(&item, index);
+        const bool selected = item.state & QStyle::State_Selected;
+        const bool hovered = item.state & QStyle::State_MouseOver;
+        if (selected || hovered) {
+            painter->save();
+            painter->setRenderHint(QPainter::Antialiasing);
+            QPainterPath card;
+            card.addRoundedRect(QRectF(item.rect).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+            painter->fillPath(card, selected ? QColor(0xd2, 0xe3, 0xfc) : QColor(0xf1, 0xf3, 0xf4));
+            painter->restore();
+        }
+        item.state &= ~(QStyle::State_Selected | QStyle::State_MouseOver | QStyle::State_HasFocus);
+        item.palette.setColor(QPalette::Text,
+                              selected ? QColor(0x17, 0x4e, 0xa6) : option.palette.color(QPalette::Text));
+        item.rect.adjust(3, 3, -3, -3);
+        QStyledItemDelegate::paint(painter, item, index);
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(6, 6);
+    }
+};
+
+} // namespace
 
 const QString SlideStripView::kSlideMimeType = QStringLiteral("application/x-mms-composer-slide");
 
@@ -24,6 +62,11 @@ SlideStripView::SlideStripView(QWidget* parent) : QListView(parent) {
     setAcceptDrops(true);
     setDropIndicatorShown(false); // drawn here: the model takes no drops of its own
     setDragDropMode(QAbstractItemView::DragDrop);
+    setItemDelegate(new StripItemDelegate(this));
+    setMouseTracking(true);
+    QPalette white = palette();
+    white.setColor(QPalette::Base, Qt::white);
+    setPalette(white);
 }
 
 void SlideStripView::startDrag(Qt::DropActions) {
