@@ -40,7 +40,8 @@ bool SlideEditor::showSlide(qint16 position, bool* pictureFailed) {
         document_.message().remeasure(position);
         txtSlideDur->setText(node->DataSlideDur.toString());
         showPicture(node->DataImgPath, pictureFailed);
-        setTextBox(node->DataText);
+        // An empty text shows the hint at once rather than after an empty box.
+        setTextBox(node->DataText.isEmpty() ? textHint() : node->DataText);
 
         soundPlayCmd->setEnabled(true);
         stopSoundPreview();
@@ -48,7 +49,6 @@ bool SlideEditor::showSlide(qint16 position, bool* pictureFailed) {
         if (node->DataSoundPath.isEmpty()) soundPlayCmd->setEnabled(false);
         frameSlide->setTitle(loc_.getMCrInterfaceStr(composertext::kSlide) + QLatin1Char(' ') +
                              QString::number(position));
-        if (txtText->toPlainText().isEmpty()) setTextBox(textHint());
     } catch (const std::exception&) {
         return false;
     }
