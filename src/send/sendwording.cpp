@@ -13,10 +13,22 @@ namespace {
 
 const QString kRecentNumbersKey = QStringLiteral("RecentNumbers");
 
-QString filled(QString text, const QString& first, const QString& second = {}) {
-    text.replace(QStringLiteral("%1"), first);
-    if (!second.isNull()) text.replace(QStringLiteral("%2"), second);
-    return text;
+// %1 and %2 filled in one pass, so that a size or name holding "%2" stays as it is.
+QString filled(const QString& text, const QString& first, const QString& second = {}) {
+    QString out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar next = i + 1 < text.size() ? text.at(i + 1) : QChar();
+        if (text.at(i) == QLatin1Char('%') && next == QLatin1Char('1')) {
+            out += first;
+            ++i;
+        } else if (text.at(i) == QLatin1Char('%') && next == QLatin1Char('2') && !second.isNull()) {
+            out += second;
+            ++i;
+        } else {
+            out += text.at(i);
+        }
+    }
+    return out;
 }
 
 } // namespace

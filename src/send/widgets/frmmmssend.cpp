@@ -25,10 +25,11 @@ namespace mms {
 
 frmMMSSend::frmMMSSend(const Localisation& loc, MessageSink& sink, MessageSender& sender, Outgoing message,
                        QWidget* parent)
-    : QDialog(parent), txtRecipients(new QLineEdit(this)), txtSubject(new QLineEdit(this)),
-      chkDeliveryReport(new QCheckBox(this)), lblSize(new QLabel(this)), lblStatus(new QLabel(this)),
-      cmdSend(new QPushButton(this)), cmdCancel(new QPushButton(this)), loc_(loc), sink_(sink),
-      sender_(sender), message_(std::move(message)) {
+    : QDialog(parent), lblRecipients(new QLabel(this)), txtRecipients(new QLineEdit(this)),
+      lblSubject(new QLabel(this)), txtSubject(new QLineEdit(this)), chkDeliveryReport(new QCheckBox(this)),
+      lblSize(new QLabel(this)), lblStatus(new QLabel(this)), cmdSend(new QPushButton(this)),
+      cmdCancel(new QPushButton(this)), loc_(loc), sink_(sink), sender_(sender),
+      message_(std::move(message)) {
     setObjectName(QStringLiteral("frmMMSSend"));
     txtRecipients->setObjectName(QStringLiteral("txtRecipients"));
     txtSubject->setObjectName(QStringLiteral("txtSubject"));
@@ -40,9 +41,11 @@ frmMMSSend::frmMMSSend(const Localisation& loc, MessageSink& sink, MessageSender
     setModal(true);
 
     auto* form = new QFormLayout;
-    form->addRow(QString(), txtRecipients);
-    form->addRow(QString(), txtSubject);
-    form->addRow(QString(), chkDeliveryReport);
+    form->addRow(lblRecipients, txtRecipients);
+    form->addRow(lblSubject, txtSubject);
+    form->addRow(nullptr, chkDeliveryReport);
+    lblRecipients->setBuddy(txtRecipients);
+    lblSubject->setBuddy(txtSubject);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(lblStatus, 1);
     buttons->addWidget(cmdSend);
@@ -107,13 +110,8 @@ void frmMMSSend::applyLanguage() {
     using namespace sendtext;
     const auto I = [this](int n) { return loc_.getMCrInterfaceStr(n); };
     setWindowTitle(I(kSendTitle));
-    auto* form = static_cast<QFormLayout*>(static_cast<QVBoxLayout*>(layout())->itemAt(0)->layout());
-    auto* to = static_cast<QLabel*>(form->labelForField(txtRecipients));
-    auto* subject = static_cast<QLabel*>(form->labelForField(txtSubject));
-    to->setText(I(kRecipientsLabel));
-    subject->setText(I(kSubjectLabel));
-    to->setBuddy(txtRecipients);
-    subject->setBuddy(txtSubject);
+    lblRecipients->setText(I(kRecipientsLabel));
+    lblSubject->setText(I(kSubjectLabel));
     txtRecipients->setPlaceholderText(I(kRecipientsHint));
     chkDeliveryReport->setText(I(kDeliveryReport));
     cmdSend->setText(I(kSendButton));

@@ -49,7 +49,9 @@ private:
     void showError(const QString& text);
     void completeLastNumber(const QString& text);
 
+    QLabel* lblRecipients;
     QLineEdit* txtRecipients;
+    QLabel* lblSubject;
     QLineEdit* txtSubject;
     QCheckBox* chkDeliveryReport;
     QLabel* lblSize;
