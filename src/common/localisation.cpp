@@ -6,6 +6,7 @@
 #include "common/imagetexts.h"
 #include "common/packagetexts.h"
 #include "common/playbacktexts.h"
+#include "common/sendtexts.h"
 #include "common/soundtexts.h"
 #include "common/storetexts.h"
 
@@ -156,19 +157,19 @@ Status parseLanguageFile(const QByteArray& bytes, LanguageTexts& out) {
 
 QList<int> usedPromptNumbers() {
     return usedNumbers({desktoptext::kUsedPrompts, storetext::kUsedPrompts, sizetext::kUsedPrompts,
-                        imagetext::kUsedPrompts});
+                        imagetext::kUsedPrompts, sendtext::kUsedPrompts});
 }
 
 QList<int> usedErrorNumbers() {
     return usedNumbers({desktoptext::kUsedErrors, storetext::kUsedErrors, packagetext::kUsedErrors,
                         imagetext::kUsedErrors, soundtext::kUsedErrors, playbacktext::kUsedErrors,
-                        sizetext::kUsedErrors});
+                        sizetext::kUsedErrors, sendtext::kUsedErrors});
 }
 
 QList<int> usedInterfaceNumbers() {
     return usedNumbers({commontext::kUsedInterface, desktoptext::kUsedInterface, storetext::kUsedInterface,
                         packagetext::kUsedInterface, imagetext::kUsedInterface, soundtext::kUsedInterface,
-                        playbacktext::kUsedInterface, sizetext::kUsedInterface});
+                        playbacktext::kUsedInterface, sizetext::kUsedInterface, sendtext::kUsedInterface});
 }
 
 Status checkUsedEntries(const LanguageTexts& texts) {

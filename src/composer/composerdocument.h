@@ -109,6 +109,9 @@ public:
     void remove();
     void exportPackage();
     void exportMms();
+    // Before a send: true when the stored message is the one on screen, after saving it when the
+    // user agrees.
+    bool readyToSend();
     // The last Save or Save as hit a store error (not a cancel).
     bool saveFailed() const { return saveFailed_; }
     // The close question and the clean-up after it; false keeps the window open.

@@ -4,6 +4,7 @@
 #include "common/desktoptexts.h"
 #include "common/filesize.h"
 #include "common/playbacktexts.h"
+#include "common/sendtexts.h"
 #include "common/storetexts.h"
 
 // Every language entry the composer window shows, by name: composertext::kSave,
@@ -13,6 +14,7 @@ namespace mms::composertext {
 using namespace commontext;
 using namespace desktoptext;
 using namespace playbacktext;
+using namespace sendtext;
 using namespace sizetext;
 using namespace storetext;
 } // namespace mms::composertext

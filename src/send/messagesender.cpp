@@ -10,23 +10,30 @@ namespace mms {
 
 MessageSender::MessageSender(QString appFolder, QDBusConnection bus, QObject* parent)
     : QObject(parent), appFolder_(std::move(appFolder)), client_(std::move(bus)), log_(appFolder_) {
-    connect(&client_, &MmsdClient::unavailable, this, [this](const QString& reason) {
+    connect(&client_, &MmsdClient::unavailable, this, [this](const QString& reason, bool running) {
         const bool wasSending = !pendingSnapshot_.isEmpty();
         dropPending();
-        if (wasSending || !refreshing_) emit unavailable(reason);
+        // A refresh at start-up has nobody to tell.
+        if (wasSending || probing_ || !refreshing_) emit unavailable(reason, running);
         refreshing_ = false;
+        probing_ = false;
     });
     connect(&client_, &MmsdClient::serviceReady, this, [this](const ServiceLimits& limits) {
         if (refreshing_) {
             refreshing_ = false;
             client_.refreshStatuses();
         }
-        if (pendingSnapshot_.isEmpty()) return;
+        if (probing_) {
+            probing_ = false;
+            emit serviceFound(limits);
+        }
+        if (pendingSnapshot_.isEmpty() || handingOver_) return;
         if (Status s = checkRequest(pending_, limits); !s) {
             dropPending();
             emit refused(s.message());
             return;
         }
+        handingOver_ = true;
         client_.send(pending_);
     });
     connect(&client_, &MmsdClient::refused, this, [this](const QString& reason) {
@@ -40,9 +47,11 @@ MessageSender::MessageSender(QString appFolder, QDBusConnection bus, QObject* pa
                         path,
                         QStringLiteral("draft"),
                         {},
-                        pendingSnapshot_};
+                        pendingSnapshot_,
+                        pending_.deliveryReport};
         pendingSnapshot_.clear();
         pendingName_.clear();
+        handingOver_ = false;
         const Status logged = log_.add(std::move(entry));
         emit handedOver(path);
         emit logChanged(logged ? QString() : logged.message());
@@ -57,7 +66,8 @@ MessageSender::MessageSender(QString appFolder, QDBusConnection bus, QObject* pa
     });
 }
 
-void MessageSender::send(const QString& name, const QStringList& typedRecipients, bool deliveryReport) {
+void MessageSender::send(const QString& name, const QStringList& typedRecipients, bool deliveryReport,
+                         const std::optional<QString>& subject) {
     if (!pendingSnapshot_.isEmpty()) {
         emit refused(QStringLiteral("Another message is being handed over"));
         return;
@@ -98,6 +108,7 @@ void MessageSender::send(const QString& name, const QStringList& typedRecipients
     }
     request.recipients = *recipients;
     request.deliveryReport = deliveryReport;
+    if (subject) request.subject = *subject;
     pending_ = std::move(request);
     // The limits are the daemon's, so the last checks wait for its answer.
     if (Status s = checkRequest(pending_, {}); !s) {
@@ -117,11 +128,28 @@ void MessageSender::refresh() {
     client_.findService();
 }
 
+void MessageSender::sendAgain(std::size_t index) {
+    if (index >= log_.entries().size()) return;
+    const SentEntry entry = log_.entries()[index];
+    send(entry.message, entry.recipients, entry.deliveryReport);
+}
+
+void MessageSender::findService() {
+    probing_ = true;
+    client_.findService();
+}
+
+void MessageSender::remove(std::size_t index) {
+    const Status removed = log_.remove(index);
+    emit logChanged(removed ? QString() : removed.message());
+}
+
 void MessageSender::dropPending() {
     if (!pendingSnapshot_.isEmpty()) QDir(pendingSnapshot_).removeRecursively();
     pendingSnapshot_.clear();
     pendingName_.clear();
     pending_ = {};
+    handingOver_ = false;
 }
 
 void MessageSender::record(const QString& path, const QString& status, const QString& reason) {

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace mms {
 
@@ -20,18 +21,28 @@ public:
 
     // Checks the stored message `name` and the typed recipients, snapshots the message and hands it
     // over. Exactly one of refused, unavailable or handedOver follows; after handedOver the message's
-    // statusChanged and failed. Nothing reaches the daemon when any check fails.
-    void send(const QString& name, const QStringList& typedRecipients, bool deliveryReport);
-    // Asks the daemon for the status of every logged hand-off (at start-up).
+    // statusChanged and failed. Nothing reaches the daemon when any check fails. `subject` replaces
+    // the stored one for this hand-off.
+    void send(const QString& name, const QStringList& typedRecipients, bool deliveryReport,
+              const std::optional<QString>& subject = std::nullopt);
+    // The logged hand-off `index` once more, to the same recipients.
+    void sendAgain(std::size_t index);
+    // Reloads the log and asks the daemon for the status of every logged hand-off (at start-up).
     void refresh();
+    // Asks for the service's limits: serviceFound or unavailable.
+    void findService();
+    // Takes entry `index` off the log; logChanged follows.
+    void remove(std::size_t index);
 
     SentLog& log() { return log_; }
 
 signals:
     // Nothing was handed over: the message, a recipient or the daemon refused; the reason says which.
     void refused(const QString& reason);
-    // No MMS service on the bus; the reason says how to get one.
-    void unavailable(const QString& reason);
+    // No MMS service on the bus; the reason says how to get one. `running`: the daemon answered but
+    // has found no modem yet.
+    void unavailable(const QString& reason, bool running);
+    void serviceFound(const mms::ServiceLimits& limits);
     void handedOver(const QString& messagePath);
     void statusChanged(const QString& messagePath, const QString& status);
     void failed(const QString& messagePath, const QString& reason);
@@ -50,6 +61,9 @@ private:
     QString pendingSnapshot_;
     SendRequest pending_;
     bool refreshing_ = false;
+    bool probing_ = false;
+    // SendMessage is on its way: another service answer (a refresh's, a probe's) must not repeat it.
+    bool handingOver_ = false;
 };
 
 } // namespace mms

@@ -99,13 +99,13 @@ void MmsdClient::subscribe() {
 
 void MmsdClient::findService() {
     if (!bus_.isConnected()) {
-        emit unavailable(noServiceText());
+        emit unavailable(noServiceText(), false);
         return;
     }
     subscribe();
     call(kManagerPath, kManager, QStringLiteral("GetServices"), {}, [this](const QDBusMessage& reply) {
         if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-            emit unavailable(noServiceText());
+            emit unavailable(noServiceText(), false);
             return;
         }
         const auto services = objectList(reply.arguments().constFirst());
@@ -114,7 +114,8 @@ void MmsdClient::findService() {
             if (servicePath_.isEmpty() || path == kModemService) servicePath_ = path;
         if (servicePath_.isEmpty()) {
             emit unavailable(QStringLiteral("mmsd-tng is running but has no MMS service: it finds one once "
-                                            "ModemManager reports a modem with a SIM"));
+                                            "ModemManager reports a modem with a SIM"),
+                             true);
             return;
         }
         call(servicePath_, kServiceInterface, QStringLiteral("GetProperties"), {},

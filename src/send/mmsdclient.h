@@ -36,7 +36,8 @@ public:
 
 signals:
     void serviceReady(const mms::ServiceLimits& limits);
-    void unavailable(const QString& reason);
+    // `running`: the daemon answered but has no service (no modem with a SIM yet).
+    void unavailable(const QString& reason, bool running);
     void handedOver(const QString& messagePath);
     void refused(const QString& reason);
     // "draft", "sent", "delivered", ... as the daemon names them.

@@ -1,5 +1,6 @@
 #include "send/sendrequest.h"
 
+#include "common/workspace.h"
 #include "package/mmsaddress.h"
 #include "package/packagemembers.h"
 
@@ -16,6 +17,19 @@ const QString kPlmnSuffix = QStringLiteral("/TYPE=PLMN");
 
 QString native(const QString& path) {
     return QDir::toNativeSeparators(path);
+}
+
+// The member files of a message read from `folder`, in slide order: picture or video, text, sound.
+QStringList memberFiles(const LoadedMessage& message, const QString& folder) {
+    QStringList files;
+    int n = 0;
+    for (const LoadedSlide& slide : message.slides) {
+        ++n;
+        if (!slide.picturePath.isEmpty()) files << slide.picturePath;
+        if (!slide.text.isEmpty()) files << folder + QStringLiteral("/text%1.txt").arg(n);
+        if (!slide.soundPath.isEmpty()) files << slide.soundPath;
+    }
+    return files;
 }
 
 } // namespace
@@ -71,18 +85,22 @@ Status takeSnapshot(const MessageStore& store, const QString& name, const QStrin
     SendRequest request;
     request.subject = message.subject;
     request.smil = smilWithContentIds(QString::fromUtf8(smil.readAll()));
-    auto attach = [&](const QString& path) {
-        const QString absolute = QFileInfo(path).absoluteFilePath();
-        request.attachments.push_back({QFileInfo(path).fileName(), memberMimeType(path), absolute});
-    };
-    int n = 0;
-    for (const LoadedSlide& slide : message.slides) {
-        ++n;
-        if (!slide.picturePath.isEmpty()) attach(slide.picturePath);
-        if (!slide.text.isEmpty()) attach(folder + QStringLiteral("/text%1.txt").arg(n));
-        if (!slide.soundPath.isEmpty()) attach(slide.soundPath);
+    for (const QString& path : memberFiles(message, folder)) {
+        const QFileInfo file(path);
+        request.attachments.push_back({file.fileName(), memberMimeType(path), file.absoluteFilePath()});
     }
     out = std::move(request);
+    return Status::ok();
+}
+
+Status memberBytes(const MessageStore& store, const QString& name, qint64& out) {
+    const QString folder = workspace::messageFolder(store.appFolder(), name);
+    LoadedMessage message;
+    if (Status s = store.load(name, folder, message); !s) return s;
+    qint64 total = 0;
+    for (const QString& path : memberFiles(message, folder))
+        total += QFileInfo(path).size();
+    out = total;
     return Status::ok();
 }
 

@@ -49,6 +49,10 @@ QString smilWithContentIds(const QString& smil);
 // files after the call returns, so they must not be the library's or the store's own.
 Status takeSnapshot(const MessageStore& store, const QString& name, const QString& folder, SendRequest& out);
 
+// The bytes the members of the stored message `name` take together: what the service's
+// TotalMaxAttachmentSize is measured against.
+Status memberBytes(const MessageStore& store, const QString& name, qint64& out);
+
 // Every reason the daemon would refuse the request with a bare "Invalid Arguments!" (or crash on),
 // checked here so the user is told which one: no recipient, an application/smil attachment, a MIME
 // type with parameters, a member file that cannot be read, too many members, too many bytes.

@@ -24,7 +24,8 @@ QJsonObject toJson(const SentEntry& e) {
             {QStringLiteral("path"), e.path},
             {QStringLiteral("status"), e.status},
             {QStringLiteral("reason"), e.reason},
-            {QStringLiteral("snapshot"), e.snapshot}};
+            {QStringLiteral("snapshot"), e.snapshot},
+            {QStringLiteral("deliveryReport"), e.deliveryReport}};
 }
 
 SentEntry fromJson(const QJsonObject& o) {
@@ -37,6 +38,7 @@ SentEntry fromJson(const QJsonObject& o) {
     e.status = o.value(QStringLiteral("status")).toString();
     e.reason = o.value(QStringLiteral("reason")).toString();
     e.snapshot = o.value(QStringLiteral("snapshot")).toString();
+    e.deliveryReport = o.value(QStringLiteral("deliveryReport")).toBool();
     return e;
 }
 

@@ -18,6 +18,7 @@ struct SentEntry {
     QString status;   // "draft", "sent", "delivered" or "failed"
     QString reason;   // why it failed
     QString snapshot; // the private copy the daemon reads, until the status is final
+    bool deliveryReport = false;
 
     bool isFinal() const;
 };

@@ -24,9 +24,9 @@ using namespace Qt::StringLiterals;
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 110; ++i) {
-        if (i < 20) t.prompts << u"P%1"_s.arg(i);
-        if (i < 45) t.errors << u"E%1"_s.arg(i);
+    for (int i = 0; i < 160; ++i) {
+        if (i < 30) t.prompts << u"P%1"_s.arg(i);
+        if (i < 70) t.errors << u"E%1"_s.arg(i);
         t.interface << u"I%1"_s.arg(i);
     }
     return t;

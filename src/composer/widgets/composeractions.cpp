@@ -61,11 +61,13 @@ ComposerActions::ComposerActions(const Localisation& loc, QMenuBar& bar, QWidget
     mnu_delete = action(&owner, "mnu_delete");
     mnu_upload = action(&owner, "mnu_upload", "export", QK(Qt::CTRL | Qt::Key_E));
     mnu_exportMms = action(&owner, "mnu_exportMms");
+    mnu_send = action(&owner, "mnu_send", "send");
+    mnu_sent = action(&owner, "mnu_sent");
     mnu_exit = action(&owner, "mnu_exit", nullptr, QK(Qt::CTRL | Qt::Key_Q));
     mnu_exit->setMenuRole(QAction::QuitRole);
     file = menu(bar, "file",
                 {mnu_new, mnu_open, mnu_save, mnu_saveAs, mnu_delete, nullptr, mnu_upload, mnu_exportMms,
-                 nullptr, mnu_exit});
+                 nullptr, mnu_send, mnu_sent, nullptr, mnu_exit});
     mnu_openRecent = new QMenu(file);
     mnu_openRecent->setObjectName(QStringLiteral("mnu_openRecent"));
     file->insertMenu(mnu_save, mnu_openRecent);
@@ -112,6 +114,8 @@ void ComposerActions::applyLanguage() {
     mnu_exit->setText(I(kExit));
     mnu_upload->setText(I(kExport));
     mnu_exportMms->setText(I(kExportMms));
+    mnu_send->setText(I(kMenuSend));
+    mnu_sent->setText(I(kMenuSent));
     mnu_openRecent->setTitle(I(kMenuOpenRecent));
     edit->setTitle(I(kMenuEdit));
     slide->setTitle(I(kSlide));
@@ -137,8 +141,8 @@ void ComposerActions::applyMnemonics() {
     markMnemonics({file->menuAction(), edit->menuAction(), slide->menuAction(), help->menuAction()},
                   QStringLiteral("FESH"));
     markMnemonics({mnu_new, mnu_open, mnu_openRecent->menuAction(), mnu_save, mnu_saveAs, mnu_delete,
-                   mnu_upload, mnu_exportMms, mnu_exit},
-                  QStringLiteral("NORSADEMX"));
+                   mnu_upload, mnu_exportMms, mnu_send, mnu_sent, mnu_exit},
+                  QStringLiteral("NORSADEMTLX"));
     markMnemonics({add_slide, rm_slide, sendfront, sendfwd, sendbwd, sendback, mnu_play},
                   QStringLiteral("ARFWBKP"));
     markMnemonics({mnu_about}, QStringLiteral("A"));
@@ -149,7 +153,8 @@ void ComposerActions::update(const ComposerDocument& document) {
     const int count = message.count();
     const bool hasSlides = count > 0;
     add_slide->setEnabled(count < CSlide::kMaxSlides);
-    for (QAction* a : {rm_slide, mnu_upload, mnu_exportMms})
+    // Send stays available without an MMS service: choosing it says how to get one.
+    for (QAction* a : {rm_slide, mnu_upload, mnu_exportMms, mnu_send})
         a->setEnabled(hasSlides);
     const qint16 current = hasSlides ? document.current() : qint16(0);
     const MoveCommands moves = moveCommandsFor(current, count);

@@ -37,6 +37,8 @@ public:
     QAction* mnu_delete;
     QAction* mnu_upload; // Export, also the panel's createCmd
     QAction* mnu_exportMms;
+    QAction* mnu_send; // hands the stored message to the MMS service
+    QAction* mnu_sent; // the log of hand-offs
     QAction* mnu_exit;
     // Edit menu.
     QMenu* edit;

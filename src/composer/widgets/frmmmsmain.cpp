@@ -15,6 +15,7 @@
 #include "composer/workspacefolders.h"
 #include "image/widgets/picturepanel.h"
 #include "package/widgets/frmmmspromptsubject.h"
+#include "send/messagesender.h"
 #include "sound/widgets/soundpanel.h"
 #include "store/widgets/frmmmsfiledelete.h"
 #include "store/widgets/frmmmsfileopen.h"
@@ -27,6 +28,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QTabWidget>
+#include <QTimer>
 #include <QUndoStack>
 #include <stdexcept>
 
@@ -45,6 +47,8 @@ frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options o
     document_ = std::make_unique<ComposerDocument>(
         platform.dialogs, platform.clock, loc_, windows,
         ComposerDocument::Options{options_.appFolder, options_.draftDelayMs});
+    sender_ = std::make_unique<MessageSender>(options_.appFolder,
+                                              options_.mmsBus.value_or(QDBusConnection::sessionBus()));
     if (!options_.settingsFile.isEmpty())
         settings_ = std::make_unique<QSettings>(options_.settingsFile, QSettings::IniFormat);
     setObjectName(QStringLiteral("frmMMSMain"));
@@ -52,6 +56,7 @@ frmMMSMain::frmMMSMain(Platform& platform, Localisation& localisation, Options o
     buildUi();
     connectCommands();
     connectDocument();
+    connectSender();
 }
 
 frmMMSMain::~frmMMSMain() {
@@ -98,6 +103,8 @@ void frmMMSMain::connectCommands() {
     on(a.mnu_delete, &frmMMSMain::mnu_delete_Click);
     on(a.mnu_upload, &frmMMSMain::mnu_upload_Click);
     on(a.mnu_exportMms, &frmMMSMain::mnu_exportMms_Click);
+    on(a.mnu_send, &frmMMSMain::mnu_send_Click);
+    on(a.mnu_sent, &frmMMSMain::mnu_sent_Click);
     on(a.mnu_exit, &frmMMSMain::mnu_exit_Click);
     on(a.mnu_undo, &frmMMSMain::mnu_undo_Click);
     on(a.mnu_redo, &frmMMSMain::mnu_redo_Click);
@@ -216,6 +223,9 @@ Status frmMMSMain::Form_Load() {
     restoreRememberedState();
     document_->holdDraft();
     updateCaption();
+    // The daemon may have sent or given up on messages while the program was not running; its
+    // answers come back as signals, so the window does not wait for them.
+    QTimer::singleShot(0, sender_.get(), [this] { sender_->refresh(); });
     return Status::ok();
 }
 

@@ -5,9 +5,11 @@
 #include "composer/rememberedstate.h"
 #include "model/status.h"
 
+#include <QDBusConnection>
 #include <QMainWindow>
 #include <QString>
 #include <memory>
+#include <optional>
 
 class QSettings;
 class QSplitter;
@@ -17,6 +19,7 @@ namespace mms {
 
 class ComposerActions;
 class Localisation;
+class MessageSender;
 class PicturePanel;
 class QtTranslations;
 class SlideEditor;
@@ -53,6 +56,8 @@ public:
         QString settingsFile;
         // How long the message must rest after a change before its draft is written.
         int draftDelayMs = 1500;
+        // The bus the MMS service is looked for on; none: the session bus.
+        std::optional<QDBusConnection> mmsBus;
     };
 
     frmMMSMain(Platform& platform, Localisation& localisation, Options options, QWidget* parent = nullptr);
@@ -80,6 +85,11 @@ public:
     void mnu_upload_Click() { createCmd_Click(); }
     // Writes the message as a binary MMS send request.
     void mnu_exportMms_Click() { document_->exportMms(); }
+    // Hands the stored message to the MMS service, saving it first when the user agrees.
+    void mnu_send_Click();
+    // The log of hand-offs and their statuses.
+    void mnu_sent_Click();
+    MessageSender& sender() { return *sender_; }
     // Opens stored message `name` as Open does once its dialog has closed (File > Open Recent).
     void openRecent(const QString& name) { document_->openRecent(name); }
     QStringList recentMessages() const { return remembered_.recent; }
@@ -169,11 +179,14 @@ private:
     void rememberRecent(const QString& name);
     void forgetRecent(const QString& name);
     void fillRecentMenu();
+    // Sending helpers (frmmmsmain_send.cpp).
+    void connectSender();
 
     Platform& platform_;
     Localisation& loc_;
     Options options_;
     std::unique_ptr<ComposerDocument> document_;
+    std::unique_ptr<MessageSender> sender_;
     ComposerActions* actions_ = nullptr;
     SlideStrip* strip_ = nullptr;
     SlideEditor* editor_ = nullptr;
