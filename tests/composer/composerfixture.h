@@ -24,7 +24,7 @@ using namespace Qt::StringLiterals;
 // Texts that name themselves ("I26", "P2", "E7"), so a test sees which entry was shown.
 inline LanguageTexts numberedTexts() {
     LanguageTexts t;
-    for (int i = 0; i < 110; ++i) {
+    for (int i = 0; i < 128; ++i) {
         if (i < 20) t.prompts << u"P%1"_s.arg(i);
         if (i < 45) t.errors << u"E%1"_s.arg(i);
         t.interface << u"I%1"_s.arg(i);
