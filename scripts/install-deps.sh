@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools libgl-dev libqt6svg6 qt6-translations-l10n
-  libarchive-dev libturbojpeg0-dev libjpeg-turbo-progs libgif-dev
+  libarchive-dev libturbojpeg0-dev libjpeg62-turbo-dev libjpeg-turbo-progs libgif-dev
   libfluidsynth-dev fluid-soundfont-gm libopencore-amrnb-dev qt6-multimedia-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth

@@ -9,6 +9,7 @@
 #include "image/imageprobe.h"
 #include "image/picturecheck.h"
 #include "image/pictureimport.h"
+#include "image/picturequality.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -32,6 +33,13 @@ QString checkSound(const QString& path) {
 }
 
 } // namespace
+
+QString parseQualityOption(const QString& text, int& quality) {
+    const std::optional<int> parsed = parsePictureQuality(text);
+    if (!parsed) return QStringLiteral("--quality takes a whole number from 1 to 100, not '%1'").arg(text);
+    quality = *parsed;
+    return {};
+}
 
 AttachRules::~AttachRules() {
     scratch_.reset();
@@ -77,7 +85,7 @@ QString AttachRules::applyPicture(QString& path) {
         scratch = scratchFolder(problem);
         if (!problem.isEmpty()) return problem;
     }
-    const PictureImport import = importPicture(path, true, scratch, clock_, random_);
+    const PictureImport import = importPicture(path, true, scratch, clock_, random_, false, quality_);
     if (import.attach()) {
         path = import.picturePath;
         return {};
@@ -102,15 +110,15 @@ QString AttachRules::applyPicture(QString& path) {
             .arg(shown(path), QString::number(size), limit);
     if (fit_) {
         const QString fitted = import.convertedPath + QStringLiteral(".fit.jpg");
-        const FitResult result = fitPictureToFile(path, fitted);
+        const FitResult result = fitPictureToFile(path, fitted, kFitMaxBytes, nullptr, quality_);
         if (!result.fitted())
             return QStringLiteral("'%1' cannot be shrunk to fit: %2").arg(shown(path), result.message);
         path = fitted;
         return {};
     }
-    return QStringLiteral("'%1' has %2 bytes, and still %3 bytes as a JPEG at quality 35: %4")
+    return QStringLiteral("'%1' has %2 bytes, and still %3 bytes as a JPEG at quality %4: %5")
         .arg(shown(path), QString::number(size), QString::number(QFileInfo(import.convertedPath).size()),
-             limit);
+             QString::number(quality_), limit);
 }
 
 } // namespace mms::cli

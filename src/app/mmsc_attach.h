@@ -1,5 +1,6 @@
 #pragma once
 
+#include "image/jpegwriter.h"
 #include "model/clockrandom.h"
 #include "model/cslide.h"
 
@@ -9,6 +10,10 @@
 
 namespace mms::cli {
 
+// The value of a --quality option: a whole number from 1 to 100. Returns why it is not one, or an
+// empty string.
+QString parseQualityOption(const QString& text, int& quality);
+
 // The composer's rules for what a slide may carry, for `mmsc build`: a picture must pass the header
 // probe and stay under the size limit, re-encoded as JPEG when it is larger (GIF excepted); a sound
 // must be an .amr or .mid file under the limit. Converted pictures are written to a scratch folder
@@ -16,8 +21,9 @@ namespace mms::cli {
 class AttachRules {
 public:
     // fit: a picture still too large as a same-size JPEG, or a GIF too large, is shrunk until it fits
-    // instead of refused.
-    explicit AttachRules(QString home, bool fit = false) : home_(std::move(home)), fit_(fit) {}
+    // instead of refused. quality: the JPEG quality of both conversions.
+    explicit AttachRules(QString home, bool fit = false, int quality = kJpegQuality)
+        : home_(std::move(home)), fit_(fit), quality_(quality) {}
     ~AttachRules();
     AttachRules(const AttachRules&) = delete;
     AttachRules& operator=(const AttachRules&) = delete;
@@ -32,6 +38,7 @@ private:
 
     QString home_;
     bool fit_ = false;
+    int quality_ = kJpegQuality;
     SystemClock clock_;
     SystemRandom random_;
     std::unique_ptr<QTemporaryDir> scratch_;

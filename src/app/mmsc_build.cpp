@@ -1,6 +1,7 @@
 #include "app/mmsc.h"
 
 #include "app/mmsc_attach.h"
+#include "image/picturequality.h"
 #include "model/cslide.h"
 #include "package/messageexport.h"
 #include "store/messagestore.h"
@@ -17,13 +18,14 @@ namespace {
 const char kUsage[] =
     "  build [--subject TEXT] [--raw | --fit] [--slide [--dur N] [--pic FILE] [--text TEXT] [--sound "
     "FILE]]...\n"
-    "        [--info] [--save NAME | --export FILE]\n"
+    "        [--quality N] [--info] [--save NAME | --export FILE]\n"
     "               builds a message slide by slide: --slide adds a slide of 3 seconds, the options\n"
     "               after it set that slide's duration (0 to 32767 seconds), picture, text and sound.\n"
     "               Files are taken as the composer takes them: a picture must be a GIF, JPEG, BMP or\n"
     "               PNG picture and a sound an .amr or .mid file, each under 102400 bytes; a larger\n"
-    "               picture other than a GIF is re-encoded as a JPEG of the same size at quality 35\n"
-    "               and taken when that is small enough. Nothing is stored when a file is refused.\n"
+    "               picture other than a GIF is re-encoded as a JPEG of the same size at quality N\n"
+    "               (1 to 100; default the PictureQuality setting, else 35) and taken when that is\n"
+    "               small enough. Nothing is stored when a file is refused.\n"
     "               --fit shrinks a picture whose JPEG is still too large, or a GIF too large (as\n"
     "               mmsc gif does), until it fits, as the composer does when asked; --raw takes any\n"
     "               readable file as it is. The subject cannot hold a comma.\n"
@@ -36,6 +38,7 @@ struct BuildRequest {
     bool info = false;
     bool raw = false;
     bool fit = false;
+    int quality = readPictureQualitySetting();
     std::optional<QString> saveName;
     std::optional<QString> exportFile;
 };
@@ -112,6 +115,10 @@ QString parseBuild(const QStringList& args, CSlide& slides, BuildRequest& reques
             slides.InsertAtBack(SlideDur::fromText(QStringLiteral("3")), {}, {}, {});
         } else if (is(option, "--info") || is(option, "--raw") || is(option, "--fit")) {
             (is(option, "--info") ? request.info : is(option, "--raw") ? request.raw : request.fit) = true;
+        } else if (is(option, "--quality")) {
+            const QString problem =
+                parseQualityOption(i + 1 < args.size() ? args.at(++i) : QString(), request.quality);
+            if (!problem.isEmpty()) return problem;
         } else if (!is(option, "--subject") && !is(option, "--save") && !is(option, "--export") &&
                    !is(option, "--dur") && !is(option, "--pic") && !is(option, "--text") &&
                    !is(option, "--sound")) {
@@ -136,7 +143,7 @@ int build(Context& context, const QStringList& args) {
     if (const QString problem = parseBuild(args, slides, request); !problem.isEmpty())
         return fail(context, problem);
     // Converted pictures live in a scratch folder until the message is stored or exported.
-    AttachRules rules(context.home, request.fit);
+    AttachRules rules(context.home, request.fit, request.quality);
     if (!request.raw) {
         for (NodePtr slide = slides.firstItem(); slide; slide = slide->NextNode)
             if (const QString problem = rules.apply(*slide); !problem.isEmpty())

@@ -1,6 +1,8 @@
 #include "app/mmsc.h"
 
+#include "app/mmsc_attach.h"
 #include "image/picturefit.h"
+#include "image/picturequality.h"
 
 #include <QDir>
 
@@ -9,16 +11,23 @@ namespace mms::cli {
 namespace {
 
 const char kUsage[] =
-    "  fit IN OUT [--max-bytes N]\n"
+    "  fit IN OUT [--max-bytes N] [--quality Q]\n"
     "               converts the picture IN (GIF, JPEG, BMP or PNG) to the largest upright JPEG of\n"
-    "               at most N bytes (default 102399, the attachment limit), as the composer shrinks\n"
-    "               a picture to fit, and writes it to OUT, replacing it; prints OUT, WIDTHxHEIGHT\n"
-    "               and the size in bytes, tab-separated; exit status 1 when no size fits";
+    "               at most N bytes (default 102399, the attachment limit) at quality Q (1 to 100;\n"
+    "               default the PictureQuality setting, else 35), as the composer shrinks a picture\n"
+    "               to fit, and writes it to OUT, replacing it; prints OUT, WIDTHxHEIGHT and the\n"
+    "               size in bytes, tab-separated; exit status 1 when no size fits";
 
 int runFit(Context& context, const QStringList& args) {
     QStringList files;
     qint64 maxBytes = kFitMaxBytes;
+    int quality = readPictureQualitySetting();
     for (qsizetype i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--quality")) {
+            const QString problem = parseQualityOption(i + 1 < args.size() ? args[++i] : QString(), quality);
+            if (!problem.isEmpty()) return fail(context, problem);
+            continue;
+        }
         if (args[i] != QLatin1String("--max-bytes")) {
             files << args[i];
             continue;
@@ -28,8 +37,9 @@ int runFit(Context& context, const QStringList& args) {
         if (!ok || maxBytes < 1)
             return fail(context, QStringLiteral("--max-bytes takes a whole number of bytes above 0"));
     }
-    if (files.size() != 2) return fail(context, QStringLiteral("fit takes IN OUT [--max-bytes N]"));
-    const FitResult fit = fitPictureToFile(files[0], files[1], maxBytes);
+    if (files.size() != 2)
+        return fail(context, QStringLiteral("fit takes IN OUT [--max-bytes N] [--quality Q]"));
+    const FitResult fit = fitPictureToFile(files[0], files[1], maxBytes, nullptr, quality);
     switch (fit.outcome) {
     case FitResult::Outcome::Fitted:
         context.out << QDir::toNativeSeparators(files[1]) << '\t' << fit.size.width() << 'x'

@@ -25,12 +25,21 @@ inline constexpr int kAllPictures = 29;
 inline constexpr int kGifPictures = 30;
 inline constexpr int kJpegPictures = 31;
 inline constexpr int kBmpPictures = 32;
+// The quality of converted pictures: the list's label and tooltip, its three choices, and a
+// quality set outside them (%1 the number).
+inline constexpr int kPictureQuality = 108;
+inline constexpr int kPictureQualityTip = 109;
+inline constexpr int kQualityStandard = 110;
+inline constexpr int kQualityHigh = 111;
+inline constexpr int kQualityBest = 112;
+inline constexpr int kQualityOther = 113;
 
 inline constexpr int kUsedPrompts[] = {kPromptUseDamaged, kPromptShrinkGif};
 inline constexpr int kUsedErrors[] = {
     kErrPictureTooLarge, kErrPictureNotConverted, kErrPictureNotLoaded, kErrEmptyFile,
     kErrTextFile,        kErrNotPicture,          kErrDamaged,          kErrTooLargeToDecode};
-inline constexpr int kUsedInterface[] = {kUsePicture, kAllPictures, kGifPictures, kJpegPictures,
-                                         kBmpPictures};
+inline constexpr int kUsedInterface[] = {kUsePicture,  kAllPictures,    kGifPictures,       kJpegPictures,
+                                         kBmpPictures, kPictureQuality, kPictureQualityTip, kQualityStandard,
+                                         kQualityHigh, kQualityBest,    kQualityOther};
 
 } // namespace mms::imagetext

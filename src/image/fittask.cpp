@@ -14,8 +14,11 @@ FitTask::~FitTask() {
     pool_.waitForDone();
 }
 
-void FitTask::start(const QString& source, const QString& target, qint64 maxBytes) {
-    run([=](const std::atomic<bool>* cancel) { return fitPictureToFile(source, target, maxBytes, cancel); },
+void FitTask::start(const QString& source, const QString& target, qint64 maxBytes, int quality) {
+    run(
+        [=](const std::atomic<bool>* cancel) {
+            return fitPictureToFile(source, target, maxBytes, cancel, quality);
+        },
         target);
 }
 

@@ -20,7 +20,8 @@ public:
     explicit FitTask(QObject* parent = nullptr);
     ~FitTask() override;
 
-    void start(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
+    void start(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes,
+               int quality = kJpegQuality);
     // The result's jpeg stays empty: the GIF is in target.
     void startGif(const QString& source, const QString& target, qint64 maxBytes = kFitMaxBytes);
     void cancel();

@@ -1,6 +1,7 @@
 #include "image/jpegwriter.h"
 
 #include "common/fileio.h"
+#include "image/jpegtranscode.h"
 #include "image/picturecheck.h"
 
 #include <QBuffer>
@@ -28,33 +29,6 @@ struct TjBufferFree {
 
 QString shown(const QString& path) {
     return QDir::toNativeSeparators(path);
-}
-
-// A JPEG source is decoded straight into the bitmap's bottom-up BGR rows, sparing a full-size copy
-// and a conversion. Leaves the bitmap empty (and succeeds) when the bytes are not a JPEG this path
-// can turn into BGR (CMYK, or damaged beyond its reach): the general reader takes over then.
-Status decodeJpegInto(const QByteArray& bytes, cDIBSection& dib) {
-    if (bytes.size() < 4 || quint8(bytes[0]) != 0xFF || quint8(bytes[1]) != 0xD8) return Status::ok();
-    std::unique_ptr<void, TjHandleCloser> handle(tjInitDecompress());
-    if (!handle) return Status::ok();
-    const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
-    const auto size = static_cast<unsigned long>(bytes.size());
-    int width = 0, height = 0, subsampling = 0, colourspace = 0;
-    if (tjDecompressHeader3(handle.get(), data, size, &width, &height, &subsampling, &colourspace) != 0)
-        return Status::ok();
-    if (colourspace == TJCS_CMYK || colourspace == TJCS_YCCK) return Status::ok();
-    // The same ceiling as the general reader's, so a hostile header cannot claim gigabytes.
-    const qint64 limit = qint64(QImageReader::allocationLimit()) * 1024 * 1024;
-    if (limit > 0 && qint64(width) * height * 3 > limit)
-        return Status::failure(
-            QStringLiteral("the picture is too large to convert (%1 by %2 pixels)").arg(width).arg(height));
-    if (!dib.Create(width, height)) return Status::ok();
-    if (tjDecompress2(handle.get(), data, size, dib.DIBSectionBitsPtr(), width, dib.BytesPerScanLine(),
-                      height, TJPF_BGR, TJFLAG_BOTTOMUP) != 0 &&
-        tjGetErrorCode(handle.get()) !=
-            TJERR_WARNING) // a warning (say, data cut short) still gives a picture
-        dib.ClearUp();
-    return Status::ok();
 }
 
 // The one encoder setting of the program: baseline (no progressive flag), three components with
@@ -127,10 +101,14 @@ Status reencodeAsJpeg(const QString& source, const QString& target, int quality)
         return Status::failure(QStringLiteral("%1: %2").arg(shown(source), file.errorString()));
     file.close();
 
-    cDIBSection dib;
-    if (Status direct = decodeJpegInto(bytes, dib); !direct)
+    // A JPEG goes from decoder to encoder without a bitmap in between.
+    QByteArray jpeg;
+    if (Status direct = transcodeJpeg(bytes, quality, jpeg); !direct)
         return Status::failure(QStringLiteral("%1: %2").arg(shown(source), direct.message()));
-    if (dib.isNull()) {
+    if (!jpeg.isEmpty()) return fileio::writeFileSafely(target, jpeg);
+
+    cDIBSection dib;
+    {
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::ReadOnly);
         QImageReader reader(&buffer);

@@ -29,8 +29,9 @@ Status encodeJpeg(const QImage& picture, int quality, QByteArray& jpeg);
 Status writeJpegFile(const cDIBSection& dib, const QString& path, int quality);
 
 // The program's one conversion: loads source (its content decides the format; the stored pixels are
-// taken unrotated), converts it into a cDIBSection and writes it to target as JPEG at the picture's
-// own size. Nothing is written when the source cannot be loaded; the failure names the file.
+// taken unrotated) and writes it to target as JPEG at the picture's own size. A JPEG source streams
+// from decoder to encoder (transcodeJpeg); any other goes through a cDIBSection. Nothing is written
+// when the source cannot be loaded; the failure names the file.
 Status reencodeAsJpeg(const QString& source, const QString& target, int quality = kJpegQuality);
 
 } // namespace mms

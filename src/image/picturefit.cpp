@@ -22,8 +22,9 @@ namespace {
 
 // The largest side a JPEG can have (libjpeg's limit).
 constexpr int kMaxJpegSide = 65500;
-// At quality 35 a photograph takes at least a byte for about 24 pixels, so a decode of
-// maxBytes * 24 pixels leaves room above the size sought; a flatter picture costs a second decode.
+// At quality 35 a photograph takes at least a byte for about 24 pixels (fewer at a higher quality),
+// so a decode of maxBytes * 24 pixels leaves room above the size sought; a flatter picture costs a
+// second decode.
 constexpr qint64 kPixelsPerByte = 24;
 
 struct Trial {
@@ -36,9 +37,9 @@ struct Trial {
 class Fitter {
 public:
     Fitter(const UprightPicture& picture, const QString& name, qint64 maxBytes,
-           const std::atomic<bool>* cancel)
+           const std::atomic<bool>* cancel, int quality)
         : picture_(picture), name_(QDir::toNativeSeparators(name)), maxBytes_(maxBytes), cancel_(cancel),
-          full_(picture.size()), long_(qMax(full_.width(), full_.height())),
+          quality_(quality), full_(picture.size()), long_(qMax(full_.width(), full_.height())),
           short_(qMin(full_.width(), full_.height())) {}
 
     FitResult run();
@@ -56,6 +57,7 @@ private:
     const QString name_;
     const qint64 maxBytes_;
     const std::atomic<bool>* cancel_;
+    const int quality_;
     const QSize full_;
     const int long_, short_;
     QImage decoded_;
@@ -99,7 +101,7 @@ Status Fitter::encodeAt(int longSide, Trial& trial) {
         return Status::failure(QStringLiteral("%1: out of memory while scaling the picture").arg(name_));
     trial.longSide = longSide;
     trial.size = size;
-    if (Status s = encodeJpeg(scaled, kJpegQuality, trial.jpeg); !s)
+    if (Status s = encodeJpeg(scaled, quality_, trial.jpeg); !s)
         return Status::failure(QStringLiteral("%1: %2").arg(name_, s.message()));
     trial.bytes = trial.jpeg.size();
     return Status::ok();
@@ -176,17 +178,18 @@ FitResult Fitter::run() {
 } // namespace
 
 FitResult fitPicture(const QByteArray& bytes, const QString& name, qint64 maxBytes,
-                     const std::atomic<bool>* cancel) {
+                     const std::atomic<bool>* cancel, int quality) {
     UprightPicture picture;
     if (Status s = picture.open(bytes, name); !s) {
         FitResult failed;
         failed.message = s.message();
         return failed;
     }
-    return Fitter(picture, name, maxBytes, cancel).run();
+    return Fitter(picture, name, maxBytes, cancel, quality).run();
 }
 
-FitResult fitPictureToLimit(const QString& source, qint64 maxBytes, const std::atomic<bool>* cancel) {
+FitResult fitPictureToLimit(const QString& source, qint64 maxBytes, const std::atomic<bool>* cancel,
+                            int quality) {
     FitResult failed;
     const QString shown = QDir::toNativeSeparators(source);
     QFile file(source);
@@ -203,12 +206,12 @@ FitResult fitPictureToLimit(const QString& source, qint64 maxBytes, const std::a
         failed.message = QStringLiteral("%1: %2").arg(shown, file.errorString());
         return failed;
     }
-    return fitPicture(bytes, source, maxBytes, cancel);
+    return fitPicture(bytes, source, maxBytes, cancel, quality);
 }
 
 FitResult fitPictureToFile(const QString& source, const QString& target, qint64 maxBytes,
-                           const std::atomic<bool>* cancel) {
-    FitResult result = fitPictureToLimit(source, maxBytes, cancel);
+                           const std::atomic<bool>* cancel, int quality) {
+    FitResult result = fitPictureToLimit(source, maxBytes, cancel, quality);
     if (!result.fitted()) return result;
     if (Status written = fileio::writeFileSafely(target, result.jpeg); !written) {
         result.outcome = FitResult::Outcome::Failed;

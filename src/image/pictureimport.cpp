@@ -103,7 +103,7 @@ Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomS
 }
 
 PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
-                            const Clock& clock, RandomSource& random, bool takeDamaged) {
+                            const Clock& clock, RandomSource& random, bool takeDamaged, int quality) {
     qint64 length = 0;
     {
         QFile source(sourcePath);
@@ -137,7 +137,7 @@ PictureImport importPicture(const QString& sourcePath, bool listHasItems, const 
     QString target;
     if (Status named = freshConversionPath(appFolder, clock, random, target); !named)
         return refused(imagetext::kErrPictureNotConverted, named.message());
-    if (Status converted = reencodeAsJpeg(sourcePath, target, kJpegQuality); !converted)
+    if (Status converted = reencodeAsJpeg(sourcePath, target, quality); !converted)
         return refused(imagetext::kErrPictureNotConverted, converted.message());
     const qint64 convertedBytes = QFileInfo(target).size();
     if (isTooLarge(convertedBytes)) {

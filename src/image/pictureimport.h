@@ -2,6 +2,7 @@
 
 #include "common/filesize.h"
 #include "common/imagetexts.h"
+#include "image/jpegwriter.h"
 #include "image/picturecheck.h"
 #include "model/clockrandom.h"
 #include "model/status.h"
@@ -57,10 +58,12 @@ Status freshConversionPath(const QString& appFolder, const Clock& clock, RandomS
 
 // Decides the picture command for sourcePath (library folder + "/" + selected file name).
 // A file under the limit, or any file while the panel list is empty, is used as it is. A larger GIF
-// is refused whatever its contents; any other larger picture is re-encoded as JPEG at quality 35
-// into the scratch folder and used when that JPEG is under the limit. Before either, a picture that
-// does not decode is refused with the reason (trouble); one cut short only when !takeDamaged.
+// is refused whatever its contents; any other larger picture is re-encoded as JPEG at the quality
+// (the standard 35 unless chosen otherwise) into the scratch folder and used when that JPEG is under
+// the limit. Before either, a picture that does not decode is refused with the reason (trouble); one
+// cut short only when !takeDamaged.
 PictureImport importPicture(const QString& sourcePath, bool listHasItems, const QString& appFolder,
-                            const Clock& clock, RandomSource& random, bool takeDamaged = false);
+                            const Clock& clock, RandomSource& random, bool takeDamaged = false,
+                            int quality = kJpegQuality);
 
 } // namespace mms

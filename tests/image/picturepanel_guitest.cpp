@@ -1,10 +1,12 @@
 #include "common/filesize.h"
 #include "composer/composerfixture.h"
 #include "image/fittask.h"
+#include "image/picturequality.h"
 #include "image/picturetexts.h"
 #include "image/widgets/picturepanel.h"
 #include "picturefiles.h"
 #include "support/controls.h"
+#include "support/scratchsettings.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -54,6 +56,7 @@ protected:
         ctl<QPushButton>(w, "chgImgCmd")->click();
     }
     QStringList converted() const { return QDir(home.file(u"Temp/tmpJPG"_s)).entryList(QDir::Files); }
+    const test::ScratchSettings settings; // before the window reads the picture quality
     QString slidePicture(int position) const {
         const NodePtr node = w->message().nodeAt(qint16(position));
         return node ? node->DataImgPath : u"(no slide)"_s;
@@ -95,6 +98,33 @@ TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     attach(u"sea.bmp"_s);
     EXPECT_EQ(slidePicture(1), other.file(u"sea.bmp"_s));
     EXPECT_EQ(listed(), u"own.bmp"_s);
+}
+
+// The choice is kept as the setting, which the next start shows, and the next conversion uses it.
+TEST_F(PicturePanelTest, TheQualityChosenIsKeptAndConvertsThePictures) {
+    auto* combo = ctl<QComboBox>(w, "qualityCombo");
+    EXPECT_EQ(combo->count(), 3);
+    EXPECT_EQ(combo->currentText(), u"I%1"_s.arg(imagetext::kQualityStandard));
+    combo->setCurrentIndex(2);
+    emit combo->activated(2);
+    EXPECT_EQ(readPictureQualitySetting(), 85);
+
+    const QByteArray large = bmp(Qt::blue, 240, 160);
+    put(u"large.bmp"_s, large);
+    listed();
+    attach(u"large.bmp"_s);
+    QByteArray best;
+    ASSERT_TRUE(encodeJpeg(QImage::fromData(large).convertToFormat(QImage::Format_RGB32), 85, best).isOk());
+    EXPECT_TRUE(test::TempDir::read(slidePicture(1)) == best);
+
+    writePictureQualitySetting(50);
+    LanguageTexts texts = loc.texts();
+    texts.interface[imagetext::kQualityOther] = u"Q%1"_s;
+    loc.setTexts(texts);
+    start();
+    combo = ctl<QComboBox>(w, "qualityCombo");
+    EXPECT_EQ(combo->count(), 4);
+    EXPECT_EQ(combo->currentText(), u"Q50"_s);
 }
 
 // The strip thumbnail's shape and a conversion's limits are the import's and the loader's own rules.

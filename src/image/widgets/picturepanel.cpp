@@ -12,6 +12,7 @@
 #include "common/widgets/sizecombo.h"
 #include "image/fittask.h"
 #include "image/pictureimport.h"
+#include "image/picturequality.h"
 #include "image/picturetexts.h"
 #include "image/thumbnailloader.h"
 
@@ -51,7 +52,7 @@ public:
 
 PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QString appFolder, QWidget* parent)
     : QWidget(parent), loc_(texts), platform_(platform), appFolder_(std::move(appFolder)),
-      loader_(new ThumbnailLoader(this)), fit_(new FitTask(this)) {
+      loader_(new ThumbnailLoader(this)), fit_(new FitTask(this)), quality_(readPictureQualitySetting()) {
     setObjectName(QStringLiteral("picturePanel"));
 
     imgDirPath = new QLineEdit(this);
@@ -85,6 +86,11 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     chgImgCmd->setObjectName(QStringLiteral("chgImgCmd"));
     chgImgCmd->setIcon(QIcon(QStringLiteral(":/icons/attach.svg")));
     chgImgCmd->setEnabled(false);
+    lblQuality = new QLabel(this);
+    lblQuality->setObjectName(QStringLiteral("lblQuality"));
+    qualityCombo = new QComboBox(this);
+    qualityCombo->setObjectName(QStringLiteral("qualityCombo"));
+    lblQuality->setBuddy(qualityCombo);
 
     auto* folderRow = new QHBoxLayout;
     folderRow->setSpacing(4);
@@ -94,6 +100,8 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
     typeRow->addWidget(imgTypeCombo, 1);
     typeRow->addWidget(refreshcmd);
     auto* actionRow = new QHBoxLayout;
+    actionRow->addWidget(lblQuality);
+    actionRow->addWidget(qualityCombo);
     actionRow->addStretch(1);
     actionRow->addWidget(chgImgCmd);
 
@@ -122,6 +130,10 @@ PicturePanel::PicturePanel(const Localisation& texts, Platform& platform, QStrin
         if (chgImgCmd->isEnabled()) chgImgCmd_Click();
     });
     connect(chgImgCmd, &QPushButton::clicked, this, [this] { chgImgCmd_Click(); });
+    connect(qualityCombo, &QComboBox::activated, this, [this](int index) {
+        quality_ = qualityCombo->itemData(index).toInt();
+        writePictureQualitySetting(quality_);
+    });
     connect(fitCancelCmd, &QPushButton::clicked, this, [this] { fitCancelCmd_Click(); });
     connect(fit_, &FitTask::finished, this,
             [this](const FitResult& result, const QString& target) { fitFinished(result, target); });
@@ -159,6 +171,22 @@ void PicturePanel::applyLanguage() {
     chgImgCmd->setText(loc.getMCrInterfaceStr(imagetext::kUsePicture));
     lblShrinking->setText(loc.getMCrInterfaceStr(sizetext::kShrinking));
     fitCancelCmd->setText(loc.getMCrInterfaceStr(commontext::kCancel));
+    lblQuality->setText(loc.getMCrInterfaceStr(imagetext::kPictureQuality));
+    qualityCombo->setToolTip(loc.getMCrInterfaceStr(imagetext::kPictureQualityTip));
+    fillQualityCombo();
+}
+
+// The three choices, and the quality in use when the settings file holds another.
+void PicturePanel::fillQualityCombo() {
+    qualityCombo->clear();
+    for (const PictureQualityPreset& preset : kPictureQualityPresets)
+        qualityCombo->addItem(loc_.getMCrInterfaceStr(preset.caption), preset.quality);
+    int current = qualityCombo->findData(quality_);
+    if (current < 0) {
+        qualityCombo->addItem(loc_.getMCrInterfaceStr(imagetext::kQualityOther).arg(quality_), quality_);
+        current = qualityCombo->count() - 1;
+    }
+    qualityCombo->setCurrentIndex(current);
 }
 
 void PicturePanel::clearThumbnails() {
@@ -258,7 +286,8 @@ void PicturePanel::attachPictureFile(const QString& source, bool checkSize) {
     Platform& platform = platform_;
     const auto import = [&](bool takeDamaged) {
         const BusyCursor busy;
-        return importPicture(source, checkSize, appFolder_, platform.clock, platform.random, takeDamaged);
+        return importPicture(source, checkSize, appFolder_, platform.clock, platform.random, takeDamaged,
+                             quality_);
     };
     PictureImport result = import(false);
     // A JPEG cut short is shown with grey where data is missing: only the user can say that will do.
@@ -310,7 +339,7 @@ void PicturePanel::startFit(const QString& source, bool gif) {
     if (gif)
         fit_->startGif(source, target);
     else
-        fit_->start(source, target);
+        fit_->start(source, target, kFitMaxBytes, quality_);
 }
 
 void PicturePanel::fitCancelCmd_Click() {

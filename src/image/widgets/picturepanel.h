@@ -70,6 +70,8 @@ public:
     // Stops the shrinking under way; nothing is attached.
     void fitCancelCmd_Click();
     bool isFitting() const;
+    // The JPEG quality of the next conversion; choosing one keeps it as the setting.
+    int pictureQuality() const { return quality_; }
 
 signals:
     // A picture ready to go on the current slide (the file itself, or its conversion below Temp).
@@ -85,8 +87,11 @@ private:
     QProgressBar* fitProgress = nullptr;
     QLabel* lblShrinking = nullptr;
     QPushButton* fitCancelCmd = nullptr;
+    QLabel* lblQuality = nullptr;
+    QComboBox* qualityCombo = nullptr;
 
     QLayout* buildFitRow();
+    void fillQualityCombo();
     void addThumbnail(int row, const QString& fileName, const QImage& thumbnail);
     QListWidgetItem* selectedPicture() const;
     bool ask(const QString& question, Answer defaultAnswer = Answer::Yes);
@@ -103,6 +108,7 @@ private:
     ThumbnailLoader* loader_ = nullptr;
     FitTask* fit_ = nullptr;
     QString listedFolder_;
+    int quality_;
 };
 
 } // namespace mms
