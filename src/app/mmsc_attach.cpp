@@ -50,15 +50,11 @@ QString AttachRules::scratchFolder(QString& problem) {
     if (!scratch_) {
         const QString temp = workspace::temp(home_);
         madeTemp_ = !QFileInfo::exists(temp);
-        if (Status s = fileio::createPath(temp); !s) {
-            problem = s.message();
-            return {};
-        }
-        scratch_ = std::make_unique<QTemporaryDir>(temp + QStringLiteral("/.mmsc-build-XXXXXX"));
+        scratch_ = std::make_unique<ScratchFolder>();
+        if (Status s = scratch_->create(temp, QStringLiteral("build-")); !s) problem = s.message();
+    } else if (!scratch_->isValid()) {
+        problem = QStringLiteral("Cannot create a folder in \"%1\"").arg(shown(workspace::temp(home_)));
     }
-    if (!scratch_->isValid())
-        problem = QStringLiteral("Cannot create a folder in \"%1\": %2")
-                      .arg(shown(workspace::temp(home_)), scratch_->errorString());
     return scratch_->isValid() ? scratch_->path() : QString();
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/scratchfolder.h"
 #include "model/clockrandom.h"
 #include "model/cslide.h"
 
 #include <QString>
-#include <QTemporaryDir>
 #include <memory>
 
 namespace mms::cli {
@@ -34,7 +34,7 @@ private:
     bool fit_ = false;
     SystemClock clock_;
     SystemRandom random_;
-    std::unique_ptr<QTemporaryDir> scratch_;
+    std::unique_ptr<ScratchFolder> scratch_;
     bool madeTemp_ = false;
     int shrunkGifs_ = 0;
 };
