@@ -16,13 +16,12 @@ using namespace mms;
 
 namespace {
 
-// The composer's Save as of the message it has open: its slides point into the working copy.
+// The composer's Save as of the message it has open (greeting): its slides point into the working
+// copy.
 Status saveOpenedAs(const MessageStore& store, const QString& name) {
     LoadedMessage message;
-    if (Status s = store.load(QStringLiteral("temp"),
-                              store.appFolder() + QStringLiteral("/UserData/MMS/temp"), message);
-        !s)
-        return s;
+    const QString workingCopy = store.appFolder() + QStringLiteral("/UserData/MMS/temp");
+    if (Status s = store.load(QStringLiteral("greeting"), workingCopy, message); !s) return s;
     CSlide slides;
     appendLoadedSlides(message, slides);
     return store.save(slides, name, message.subject);
