@@ -33,11 +33,8 @@ QString checkSound(const QString& path) {
 
 } // namespace
 
-AttachRules::~AttachRules() {
-    scratch_.reset();
-    // A Temp folder made only for the scratch folder goes with it.
-    if (madeTemp_) QDir().rmdir(workspace::temp(home_));
-}
+// A Temp folder made only for the scratch folder goes with it.
+AttachRules::~AttachRules() = default;
 
 QString AttachRules::apply(CSlideNode& slide) {
     if (!slide.DataImgPath.isEmpty())
@@ -48,10 +45,9 @@ QString AttachRules::apply(CSlideNode& slide) {
 
 QString AttachRules::scratchFolder(QString& problem) {
     if (!scratch_) {
-        const QString temp = workspace::temp(home_);
-        madeTemp_ = !QFileInfo::exists(temp);
         scratch_ = std::make_unique<ScratchFolder>();
-        if (Status s = scratch_->create(temp, QStringLiteral("build-")); !s) problem = s.message();
+        if (Status s = scratch_->create(workspace::temp(home_), QStringLiteral("build-")); !s)
+            problem = s.message();
     } else if (!scratch_->isValid()) {
         problem = QStringLiteral("Cannot create a folder in \"%1\"").arg(shown(workspace::temp(home_)));
     }

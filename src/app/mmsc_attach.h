@@ -35,7 +35,6 @@ private:
     SystemClock clock_;
     SystemRandom random_;
     std::unique_ptr<ScratchFolder> scratch_;
-    bool madeTemp_ = false;
     int shrunkGifs_ = 0;
 };
 

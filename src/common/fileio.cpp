@@ -138,6 +138,14 @@ Status renamePath(const QString& from, const QString& to) {
                                .arg(native(from), native(to), QString::fromLocal8Bit(error.message())));
 }
 
+Status removeEmptyFolder(const QString& path) {
+    const Status gate = faultPoint("remove", path);
+    if (!gate)
+        return Status::failure(QStringLiteral("Cannot remove \"%1\": %2").arg(native(path), gate.message()));
+    if (!QDir().rmdir(path)) return Status::failure(QStringLiteral("Cannot remove \"%1\"").arg(native(path)));
+    return Status::ok();
+}
+
 bool pathExists(const QString& path) {
     const QFileInfo info(path);
     return info.exists() || info.isSymLink();

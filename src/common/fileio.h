@@ -30,6 +30,8 @@ Status renamePath(const QString& from, const QString& to);
 // Removes a file, a symbolic link (never what it points to) or a folder with everything in it, one
 // entry at a time. A path that does not exist counts as removed.
 Status removeTree(const QString& path);
+// Removes the folder `path` only when it is empty.
+Status removeEmptyFolder(const QString& path);
 // True when a file, folder or (possibly dangling) symbolic link exists at `path`.
 bool pathExists(const QString& path);
 

@@ -29,9 +29,13 @@ ScratchFolder::~ScratchFolder() {
     if (!lock_) return;
     (void)fileio::removeTree(path_);
     lock_->unlock();
+    if (!madeParent_.isEmpty() &&
+        QDir(madeParent_).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+        (void)fileio::removeEmptyFolder(madeParent_);
 }
 
 Status ScratchFolder::create(const QString& temp, const QString& prefix) {
+    const bool madeParent = !fileio::pathExists(temp);
     if (Status s = fileio::createPath(temp); !s) return s;
     for (int n = 1;; ++n) {
         const QString path = temp + QLatin1Char('/') + prefix + QString::number(n);
@@ -46,6 +50,7 @@ Status ScratchFolder::create(const QString& temp, const QString& prefix) {
         if (fileio::pathExists(path)) continue;
         if (Status s = fileio::createFolder(path); !s) return s;
         path_ = path;
+        if (madeParent) madeParent_ = temp;
         lock_ = std::move(lock);
         return Status::ok();
     }

@@ -22,7 +22,7 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ScratchFolder(ScratchFolder&&) noexcept;
     ScratchFolder& operator=(ScratchFolder&&) noexcept;
-    // Removes the folder, then lets go of it.
+    // Removes the folder, then lets go of it; a Temp made for it goes too when nothing else is in it.
     ~ScratchFolder();
 
     // `prefix` is one of kScratchPrefixes.
@@ -33,6 +33,7 @@ public:
 private:
     friend std::vector<ScratchFolder> abandonedScratch(const QString& temp);
     QString path_;
+    QString madeParent_;
     std::unique_ptr<QLockFile> lock_;
 };
 
