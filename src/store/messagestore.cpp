@@ -165,8 +165,12 @@ Status MessageStore::removeWorkingCopy() const {
     if (!blocked.isEmpty())
         return Status::failure(
             QStringLiteral("\"%1\" is read-only; the working copy was kept").arg(native(blocked)));
-    if (Status s = fs::removeTree(folder); !s) return s;
-    return fs::removeTree(workspace::workingCopyIndex(appFolder_));
+    if (!fs::pathExists(folder) && !fs::pathExists(workspace::workingCopyIndex(appFolder_)))
+        return Status::ok();
+    // Out of the store whole first, as a deleted message is.
+    Staging staging;
+    if (Status s = staging.begin(appFolder_, QStringLiteral("deleting-")); !s) return s;
+    return moveAside(appFolder_, staging, workspace::kWorkingCopyName);
 }
 
 Status MessageStore::load(const QString& name, const QString& folder, LoadedMessage& out) const {

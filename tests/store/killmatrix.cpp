@@ -113,6 +113,7 @@ std::vector<Operation> Matrix::operations() {
         ops("save-opened", {QStringLiteral("saveas"), QStringLiteral("greeting")}),
         ops("delete", {QStringLiteral("delete"), QStringLiteral("other")}),
         ops("open", {QStringLiteral("open"), QStringLiteral("other")}),
+        ops("new", {QStringLiteral("new")}),
         mmsc("export", {QStringLiteral("export"), QStringLiteral("greeting"), QStringLiteral("{out}/g.tpl")}),
         mmsc("export-mms",
              {QStringLiteral("mms"), QStringLiteral("greeting"), QStringLiteral("{out}/g.mms")}),

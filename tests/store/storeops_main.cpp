@@ -1,5 +1,5 @@
 // The store's writing operations that mmsc has no command for, as the composer runs them, for the
-// crash and full-disk matrix: store_ops HOME start | open NAME | delete NAME | saveas NAME | draft
+// crash and full-disk matrix: store_ops HOME start | open NAME | delete NAME | new | saveas NAME | draft
 // TEXT | sent NAME. Exit status 0 when the operation succeeded, 1 with the reason on stderr.
 
 #include "composer/draftstore.h"
@@ -46,6 +46,7 @@ Status run(const QStringList& args) {
     if (op == QLatin1String("start")) return createWorkspaceFolders(home);
     if (op == QLatin1String("open")) return store.copyToWorkingCopy(arg);
     if (op == QLatin1String("delete")) return store.remove(arg);
+    if (op == QLatin1String("new")) return store.removeWorkingCopy();
     if (op == QLatin1String("saveas")) return saveOpenedAs(store, arg);
     if (op == QLatin1String("draft")) return draftOf(home, arg);
     if (op == QLatin1String("sent")) {
