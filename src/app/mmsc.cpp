@@ -1,6 +1,7 @@
 #include "app/mmsc.h"
 
 #include "store/appfolder.h"
+#include "store/messagestore.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -68,6 +69,8 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return fail(context, QStringLiteral("no folder for the workspace: set HOME, or give --home DIR"));
     context.home = folders.appFolder;
     context.languageFolder = folders.languageFolder;
+    // Every start puts right what a crashed save, open or deletion left, as the composer's does.
+    (void)MessageStore(context.home).recover();
 
     const QString name = args.takeFirst();
     const auto found = registry().find(name);

@@ -41,11 +41,8 @@ QString parseQualityOption(const QString& text, int& quality) {
     return {};
 }
 
-AttachRules::~AttachRules() {
-    scratch_.reset();
-    // A Temp folder made only for the scratch folder goes with it.
-    if (madeTemp_) QDir().rmdir(workspace::temp(home_));
-}
+// A Temp folder made only for the scratch folder goes with it.
+AttachRules::~AttachRules() = default;
 
 QString AttachRules::apply(CSlideNode& slide) {
     if (!slide.DataImgPath.isEmpty())
@@ -56,17 +53,12 @@ QString AttachRules::apply(CSlideNode& slide) {
 
 QString AttachRules::scratchFolder(QString& problem) {
     if (!scratch_) {
-        const QString temp = workspace::temp(home_);
-        madeTemp_ = !QFileInfo::exists(temp);
-        if (Status s = fileio::createPath(temp); !s) {
+        scratch_ = std::make_unique<ScratchFolder>();
+        if (Status s = scratch_->create(workspace::temp(home_), QStringLiteral("build-")); !s)
             problem = s.message();
-            return {};
-        }
-        scratch_ = std::make_unique<QTemporaryDir>(temp + QStringLiteral("/.mmsc-build-XXXXXX"));
+    } else if (!scratch_->isValid()) {
+        problem = QStringLiteral("Cannot create a folder in \"%1\"").arg(shown(workspace::temp(home_)));
     }
-    if (!scratch_->isValid())
-        problem = QStringLiteral("Cannot create a folder in \"%1\": %2")
-                      .arg(shown(workspace::temp(home_)), scratch_->errorString());
     return scratch_->isValid() ? scratch_->path() : QString();
 }
 

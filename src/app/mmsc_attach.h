@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/scratchfolder.h"
 #include "image/jpegwriter.h"
 #include "model/clockrandom.h"
 #include "model/cslide.h"
 
 #include <QString>
-#include <QTemporaryDir>
 #include <memory>
 
 namespace mms::cli {
@@ -41,8 +41,7 @@ private:
     int quality_ = kJpegQuality;
     SystemClock clock_;
     SystemRandom random_;
-    std::unique_ptr<QTemporaryDir> scratch_;
-    bool madeTemp_ = false;
+    std::unique_ptr<ScratchFolder> scratch_;
     int shrunkGifs_ = 0;
 };
 

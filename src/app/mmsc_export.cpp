@@ -6,6 +6,7 @@
 #include "store/messagestore.h"
 #include "store/privatecopy.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace mms::cli {

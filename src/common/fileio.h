@@ -24,9 +24,22 @@ bool flushWhole(QFileDevice& file);
 Status createFolder(const QString& path);
 Status createPath(const QString& path);
 
+// Renames a file or folder; an existing file at `to` is replaced (as rename(2) does). Fails naming
+// both paths.
+Status renamePath(const QString& from, const QString& to);
+// Removes a file, a symbolic link (never what it points to) or a folder with everything in it, one
+// entry at a time. A path that does not exist counts as removed.
+Status removeTree(const QString& path);
+// Removes the folder `path` only when it is empty.
+Status removeEmptyFolder(const QString& path);
+// True when a file, folder or (possibly dangling) symbolic link exists at `path`.
+bool pathExists(const QString& path);
+
 // Copies the file `from` to the new file `to` (which must not exist), with its permissions; a
 // failure names the file that could not be read or written and why, and leaves no partial copy.
 Status copyFile(const QString& from, const QString& to);
+
+// Every step above and below passes faultPoint() (common/faultpoint.h) first.
 
 // Writes a file whole or not at all: the bytes go to a temporary file beside `path`, which replaces
 // the old file only once everything is on disk, so a failure leaves an existing file untouched and no

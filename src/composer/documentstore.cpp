@@ -172,10 +172,18 @@ void ComposerDocument::openStored(const QString& name, const QString& previousNa
     // message is copied to the working copy, which its slides will refer to.
     LoadedMessage loaded;
     Status s = messages.load(name, workspace::messageFolder(options_.appFolder, name), loaded);
+    // The draft may point into the working copy about to be replaced: it goes first, so that a crash
+    // after the swap never offers it with another message's files. A failed open writes it again.
+    const bool replacing = s && state_.isModified;
+    if (replacing) {
+        removeDraft();
+        draftWriter_.waitForDone();
+    }
     if (s) s = messages.copyToWorkingCopy(name);
     if (s) s = messages.load(name, workspace::workingCopy(options_.appFolder), loaded);
     if (!s) {
         state_.currentFile = previousName;
+        if (replacing) writeDraft();
         showError(composertext::kErrNotOpened, s.message());
         return;
     }

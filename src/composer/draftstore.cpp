@@ -127,7 +127,7 @@ bool DraftStore::exists() const {
 }
 
 Status DraftStore::write(const QByteArray& bytes) const {
-    QDir().mkpath(workspace::userData(appFolder_));
+    if (Status s = fileio::createPath(workspace::userData(appFolder_)); !s) return s;
     return fileio::writeFileSafely(path(), bytes);
 }
 
@@ -139,9 +139,7 @@ Status DraftStore::read(QByteArray& bytes) const {
 }
 
 Status DraftStore::remove() const {
-    QFile file(path());
-    if (!file.exists() || file.remove()) return Status::ok();
-    return fileError(path(), file.errorString());
+    return fileio::removeTree(path());
 }
 
 QString DraftStore::setAside(const QDateTime& when, Status& status) const {
@@ -150,11 +148,8 @@ QString DraftStore::setAside(const QDateTime& when, Status& status) const {
     QString target = base + QStringLiteral(".json");
     for (int n = 2; QFileInfo::exists(target); ++n)
         target = base + QStringLiteral("-%1.json").arg(n);
-    QFile file(path());
-    if (!file.rename(target)) {
-        status = fileError(path(), file.errorString());
-        return QString();
-    }
+    status = fileio::renamePath(path(), target);
+    if (!status) return QString();
     status = Status::ok();
     return target;
 }

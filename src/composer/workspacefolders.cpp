@@ -1,6 +1,7 @@
 #include "composer/workspacefolders.h"
 
 #include "common/workspace.h"
+#include "store/messagestore.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -21,6 +22,8 @@ Status createWorkspaceFolders(const QString& appFolder, QStringList* created) {
         }
         if (created) created->append(folder);
     }
+    // What a crash left of a save, an open or a deletion is put right before anything else runs.
+    (void)MessageStore(appFolder).recover();
     return Status::ok();
 }
 
@@ -54,6 +57,8 @@ Status removeFolderTree(const QString& path) {
 }
 
 Status cleanUpWorkspace(const QString& appFolder) {
+    // Temp goes as a whole, so an interrupted operation's copy of a message is put back first.
+    (void)MessageStore(appFolder).recover();
     const QString index = workspace::workingCopyIndex(appFolder);
     if (QFileInfo::exists(index)) {
         if (Status s = removeFolderTree(workspace::workingCopy(appFolder)); !s) return s;

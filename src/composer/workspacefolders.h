@@ -10,7 +10,8 @@ namespace mms {
 // Creates the seven workspace folders below `appFolder`, parents first, each only when no folder
 // of that name exists; existing folders and their files are left alone. `created` receives the
 // folders made. Fails, naming the folder, when one cannot be made (for example a file of that name
-// is in the way); the folders before it stay.
+// is in the way); the folders before it stay. Then puts right whatever a crash left of a store
+// operation (MessageStore::recover).
 Status createWorkspaceFolders(const QString& appFolder, QStringList* created = nullptr);
 
 // The clean-up of a confirmed close: the working copy (only when temp.mmt exists), then

@@ -1,14 +1,13 @@
 #include "package/messageexport.h"
 
 #include "common/fileio.h"
+#include "common/scratchfolder.h"
 #include "common/workspace.h"
 #include "package/mmsencoder.h"
 #include "package/packagewriter.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
-#include <filesystem>
 
 namespace mms {
 
@@ -26,10 +25,7 @@ QString uploadArchiveBase(const QString& appFolder) {
 
 Status moveArchive(const QString& archive, const QString& destination) {
     if (destination.isEmpty()) return Status::failure(QStringLiteral("No file name was given to export to"));
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(archive).toStdString(),
-                            QFile::encodeName(destination).toStdString(), error);
-    if (!error) return Status::ok();
+    if (fileio::renamePath(archive, destination)) return Status::ok();
 
     // Another file system, most likely: copy instead.
     QFile in(archive);
@@ -43,7 +39,7 @@ Status moveArchive(const QString& archive, const QString& destination) {
     in.close();
     if (Status s = fileio::writeFileSafely(destination, bytes); !s) return s;
     // The copy is complete; an archive left behind is replaced by the next export.
-    QFile::remove(archive);
+    (void)fileio::removeTree(archive);
     return Status::ok();
 }
 
@@ -56,18 +52,14 @@ Status exportArchive(CSlide& slides, const QString& appFolder, const QString& su
     if (Status s = generateSMIL(slides, appFolder, subject); !s) return s;
     const QString archive = base + QStringLiteral(".tpl");
     Status moved = moveArchive(archive, destination);
-    if (!moved) QFile::remove(archive);
+    if (!moved) (void)fileio::removeTree(archive);
     return moved;
 }
 
 Status writeMmsFile(const CSlide& slides, const QString& appFolder, const QString& subject,
                     const QString& outPath, const MmsRecipients& recipients) {
-    const QString temp = workspace::temp(appFolder);
-    if (Status s = fileio::createPath(temp); !s) return s;
-    QTemporaryDir scratch(temp + QStringLiteral("/mms-XXXXXX"));
-    if (!scratch.isValid())
-        return Status::failure(
-            QStringLiteral("Cannot create a folder in \"%1\": %2").arg(native(temp), scratch.errorString()));
+    ScratchFolder scratch;
+    if (Status s = scratch.create(workspace::temp(appFolder), QStringLiteral("mms-")); !s) return s;
 
     // The package is written in store mode, below the scratch folder as if it were the application
     // folder; the slides still point at their own files, which are only read.

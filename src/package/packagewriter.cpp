@@ -28,15 +28,9 @@ Status cannotWrite(const QString& path, const QString& reason) {
     return Status::failure(QStringLiteral("Cannot write \"%1\": %2").arg(native(path), reason));
 }
 
-// Creates (or truncates) `path` and writes `bytes`; an empty array gives an empty file.
+// Creates (or replaces) `path` with `bytes`; an empty array gives an empty file.
 Status writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return cannotWrite(path, file.errorString());
-    if (!fileio::writeWhole(file, bytes) || !fileio::flushWhole(file))
-        return cannotWrite(path, file.errorString());
-    file.close();
-    if (file.error() != QFileDevice::NoError) return cannotWrite(path, file.errorString());
-    return Status::ok();
+    return fileio::writeFileSafely(path, QByteArrayView(bytes));
 }
 
 // Media are copied by reading the whole file and writing it out in one piece. A zero-length source
@@ -158,7 +152,7 @@ Status writeStored(const Package& p, const QString& appFolder, const QString& na
         result = writeFile(folder + QLatin1Char('/') + fileName, bytes);
     }
     if (result) result = fileio::writeFileSafely(indexPath, p.index);
-    if (!result) QDir(folder).removeRecursively();
+    if (!result) (void)fileio::removeTree(folder);
     return result;
 }
 

@@ -5,6 +5,7 @@
 #include "common/workspace.h"
 #include "package/packagewriter.h"
 #include "store/messageindex.h"
+#include "store/staging.h"
 #include "store/storefiles.h"
 
 #include <QDir>
@@ -50,43 +51,6 @@ QHash<QString, QString> firstFilePerStem(const QString& folder) {
     return first;
 }
 
-// Moves the complete package written under `staging` into place as `name`. The old folder and index,
-// if any, are moved aside first and removed only once the new ones are in; any failed step puts
-// everything back as it was.
-Status swapIn(const QString& a, const QString& staging, const QString& name) {
-    const QString messages = workspace::messages(a);
-    const QString backup = fs::freeHiddenName(messages, QStringLiteral("replaced-"));
-    const QString oldFolder = workspace::messageFolder(a, name), oldIndex = workspace::messageIndex(a, name);
-    const QString newFolder = workspace::messageFolder(a, staging),
-                  newIndex = workspace::messageIndex(a, staging);
-    const QString asideFolder = workspace::messageFolder(a, backup),
-                  asideIndex = workspace::messageIndex(a, backup);
-
-    // Each done step with its undo, run backwards on failure.
-    std::vector<std::pair<QString, QString>> moved;
-    const auto move = [&](const QString& from, const QString& to) {
-        Status s = fs::renamePath(from, to);
-        if (s) moved.emplace_back(from, to);
-        return s;
-    };
-    Status result = Status::ok();
-    if (fs::pathExists(oldIndex)) result = move(oldIndex, asideIndex);
-    if (result && fs::pathExists(oldFolder)) result = move(oldFolder, asideFolder);
-    if (result) result = move(newFolder, oldFolder);
-    if (result) result = move(newIndex, oldIndex);
-    if (!result) {
-        for (auto it = moved.rbegin(); it != moved.rend(); ++it)
-            (void)fs::renamePath(it->second, it->first);
-        (void)fs::removeTree(newFolder);
-        (void)fs::removeTree(newIndex);
-        return result;
-    }
-    // Checked beforehand to be removable; should that still fail, the leftovers are hidden names.
-    (void)fs::removeTree(asideFolder);
-    (void)fs::removeTree(asideIndex);
-    return Status::ok();
-}
-
 } // namespace
 
 bool isStorableMessageName(const QString& name) {
@@ -120,35 +84,36 @@ bool MessageStore::hasIndex(const QString& name) const {
     return isValidMessageName(name) && QFileInfo(workspace::messageIndex(appFolder_, name)).isFile();
 }
 
+Status MessageStore::recover() const {
+    return recoverStore(appFolder_);
+}
+
 Status MessageStore::save(const CSlide& slides, const QString& name, const QString& subject) const {
     if (!isStorableMessageName(name)) return notAName(name);
+    (void)recover();
     const QString messages = workspace::messages(appFolder_);
     if (Status s = fileio::createPath(messages); !s) return s;
     if (Status s = checkReplaceable(workspace::messageFolder(appFolder_, name)); !s) return s;
 
-    // The package is written under a hidden name beside the old one; the slides may point into the
-    // old folder itself, which is still whole while they are copied.
-    const QString staging = fs::freeHiddenName(messages, QStringLiteral("saving-"));
+    // The package is written in Temp, below a folder laid out as a workspace of its own; the slides
+    // may point into the old folder itself, which is still whole while they are copied.
+    Staging staging;
+    if (Status s = staging.begin(appFolder_, QStringLiteral("saving-")); !s) return s;
     CSlide copy;
     for (const CSlideNode* node = slides.firstItem().get(); node; node = node->NextNode.get())
         copy.InsertAtBack(node->DataSlideDur, node->DataImgPath, node->DataText, node->DataSoundPath);
-    copy.setfolderpath(staging);
+    copy.setfolderpath(name);
     copy.setfilename(name);
-    Status written = generateSMIL(copy, appFolder_, subject);
-    const QString stagingIndex = workspace::messageIndex(appFolder_, staging);
-    if (written && !QFileInfo(stagingIndex).isFile())
-        written =
-            Status::failure(QStringLiteral("The index \"%1\" was not written").arg(native(stagingIndex)));
-    if (!written) {
-        (void)fs::removeTree(workspace::messageFolder(appFolder_, staging));
-        (void)fs::removeTree(stagingIndex);
-        return written;
-    }
+    if (Status s = generateSMIL(copy, staging.root(), subject); !s) return s;
+    if (!QFileInfo(staging.newIndex(name)).isFile())
+        return Status::failure(
+            QStringLiteral("The index \"%1\" was not written").arg(native(staging.newIndex(name))));
     return swapIn(appFolder_, staging, name);
 }
 
 Status MessageStore::remove(const QString& name) const {
     if (!isValidMessageName(name)) return notAName(name);
+    (void)recover();
     const QString folder = workspace::messageFolder(appFolder_, name);
     const QString index = workspace::messageIndex(appFolder_, name);
     if (!fs::pathExists(folder) && !fs::pathExists(index))
@@ -158,9 +123,10 @@ Status MessageStore::remove(const QString& name) const {
     if (!blocked.isEmpty())
         return Status::failure(
             QStringLiteral("\"%1\" is read-only; nothing of the message was deleted").arg(native(blocked)));
-    // The index goes last: while it exists the message is still listed and can be deleted again.
-    if (Status s = fs::removeTree(folder); !s) return s;
-    return fs::removeTree(index);
+    // Moved out of the store whole first, so that a crash never leaves half a message listed.
+    Staging staging;
+    if (Status s = staging.begin(appFolder_, QStringLiteral("deleting-")); !s) return s;
+    return moveAside(appFolder_, staging, name);
 }
 
 Status MessageStore::copyPackage(const QString& name, const QString& folder) const {
@@ -176,27 +142,21 @@ Status MessageStore::copyPackage(const QString& name, const QString& folder) con
 
 Status MessageStore::copyToWorkingCopy(const QString& name) const {
     if (!isValidMessageName(name)) return notAName(name);
+    (void)recover();
     const QString index = workspace::messageIndex(appFolder_, name);
     if (!QFileInfo(index).isFile())
         return Status::failure(QStringLiteral("The message index \"%1\" does not exist").arg(native(index)));
-    const QString messages = workspace::messages(appFolder_);
-    const QString staging = fs::freeHiddenName(messages, QStringLiteral("opening-"));
-    const QString stagingFolder = workspace::messageFolder(appFolder_, staging);
-    const QString stagingIndex = workspace::messageIndex(appFolder_, staging);
-    const auto discard = [&](Status failure) {
-        (void)fs::removeTree(stagingFolder);
-        (void)fs::removeTree(stagingIndex);
-        return failure;
-    };
-    if (Status s = copyPackage(name, stagingFolder); !s) return discard(s);
-    if (Status s = fs::copyFile(index, stagingIndex); !s) return discard(s);
-    if (Status s = removeWorkingCopy(); !s) return discard(s);
-    if (Status s = fs::renamePath(stagingFolder, workspace::workingCopy(appFolder_)); !s) return discard(s);
-    if (Status s = fs::renamePath(stagingIndex, workspace::workingCopyIndex(appFolder_)); !s) {
-        (void)fs::removeTree(workspace::workingCopy(appFolder_));
-        return discard(s);
-    }
-    return Status::ok();
+    const QString blocked = fs::firstUndeletable(workspace::workingCopy(appFolder_));
+    if (!blocked.isEmpty())
+        return Status::failure(
+            QStringLiteral("\"%1\" is read-only; the working copy was kept").arg(native(blocked)));
+    Staging staging;
+    if (Status s = staging.begin(appFolder_, QStringLiteral("opening-")); !s) return s;
+    const QString copy = workspace::kWorkingCopyName;
+    if (Status s = fileio::createPath(workspace::messages(staging.root())); !s) return s;
+    if (Status s = copyPackage(name, staging.newFolder(copy)); !s) return s;
+    if (Status s = fs::copyFile(index, staging.newIndex(copy)); !s) return s;
+    return swapIn(appFolder_, staging, copy);
 }
 
 Status MessageStore::removeWorkingCopy() const {
@@ -205,8 +165,12 @@ Status MessageStore::removeWorkingCopy() const {
     if (!blocked.isEmpty())
         return Status::failure(
             QStringLiteral("\"%1\" is read-only; the working copy was kept").arg(native(blocked)));
-    if (Status s = fs::removeTree(folder); !s) return s;
-    return fs::removeTree(workspace::workingCopyIndex(appFolder_));
+    if (!fs::pathExists(folder) && !fs::pathExists(workspace::workingCopyIndex(appFolder_)))
+        return Status::ok();
+    // Out of the store whole first, as a deleted message is.
+    Staging staging;
+    if (Status s = staging.begin(appFolder_, QStringLiteral("deleting-")); !s) return s;
+    return moveAside(appFolder_, staging, workspace::kWorkingCopyName);
 }
 
 Status MessageStore::load(const QString& name, const QString& folder, LoadedMessage& out) const {

@@ -36,7 +36,7 @@ struct LoadedMessage {
 // characters, and not "temp" (the working copy).
 bool isValidMessageName(const QString& name);
 // A name a message may be saved under: a valid name that does not start with "." (names starting with
-// "." are hidden and kept for the store's own staging while it saves, opens and deletes).
+// "." are hidden, and were once the store's own scratch names).
 bool isStorableMessageName(const QString& name);
 
 // The message store below the application folder A.
@@ -53,17 +53,22 @@ public:
     // The index file name + ".mmt" exists (always false for an invalid name).
     bool hasIndex(const QString& name) const;
 
+    // Finishes or undoes whatever a crash interrupted in an earlier save, open or delete, and removes
+    // its scratch from Temp. Save, delete and the working copy copy run it first; so does start-up.
+    Status recover() const;
+
     // Stores `slides` under `name`, replacing any stored message of that name whole. The new package
-    // is written beside the old one and swapped in only when complete: on failure the stored copy is
-    // untouched and the message names what failed.
+    // is written in Temp and swapped in only when complete: on failure, or after a crash at any point
+    // once recover() has run, the stored copy is the old one or the new one, whole.
     Status save(const CSlide& slides, const QString& name, const QString& subject) const;
-    // Removes the stored message's folder and index. A folder whose entries cannot be removed is
-    // reported before anything is deleted.
+    // Removes the stored message's folder and index: both are moved out of the store (the index
+    // first) and then removed. A folder whose entries cannot be removed is reported before anything
+    // is deleted.
     Status remove(const QString& name) const;
 
     // Copies the stored message into the working copy UserData/MMS/temp (+ temp.mmt), replacing any
-    // earlier working copy. The copy is made beside it first: on failure the earlier working copy is
-    // left as it was.
+    // earlier working copy. The copy is made in Temp first and swapped in as a save is: on failure the
+    // earlier working copy is left as it was.
     Status copyToWorkingCopy(const QString& name) const;
     // Copies the files of the stored message's folder into `folder`, which must not exist yet (a
     // private working copy, for tools that must leave the composer's one alone).

@@ -11,14 +11,10 @@ Status PrivateCopy::open(const MessageStore& store, const QString& name, LoadedM
     // The workspace's Temp first; when it is full or read-only, reading must still work.
     Status result = Status::failure(QStringLiteral("Cannot create a scratch folder"));
     for (const QString& parent : {scratch, QDir::tempPath()}) {
-        if (!QDir().mkpath(parent)) continue;
-        dir_ = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/message-XXXXXX"));
-        if (!dir_->isValid()) {
-            result = Status::failure(
-                QStringLiteral("Cannot create a scratch folder: %1").arg(dir_->errorString()));
-            continue;
-        }
-        folder_ = dir_->filePath(QStringLiteral("message"));
+        dir_ = std::make_unique<ScratchFolder>();
+        result = dir_->create(parent, QStringLiteral("message-"));
+        if (!result) continue;
+        folder_ = dir_->path() + QStringLiteral("/message");
         result = store.copyPackage(name, folder_);
         if (result) return store.load(name, folder_, out);
     }

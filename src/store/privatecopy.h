@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/scratchfolder.h"
 #include "model/status.h"
 #include "store/messagestore.h"
 
 #include <QString>
-#include <QTemporaryDir>
 #include <memory>
 
 namespace mms {
@@ -19,7 +19,7 @@ public:
     QString folder() const { return folder_; }
 
 private:
-    std::unique_ptr<QTemporaryDir> dir_;
+    std::unique_ptr<ScratchFolder> dir_;
     QString folder_;
 };
 

@@ -39,25 +39,11 @@ bool entriesRemovable(const QString& folder) {
 }
 
 bool pathExists(const QString& path) {
-    const QFileInfo info(path);
-    return info.exists() || info.isSymLink();
+    return fileio::pathExists(path);
 }
 
 Status removeTree(const QString& path) {
-    const QFileInfo info(path);
-    if (!pathExists(path)) return Status::ok();
-    if (isRealFolder(info)) {
-        for (const QFileInfo& entry : entriesOf(path))
-            if (Status s = removeTree(entry.filePath()); !s) return s;
-        if (!QDir().rmdir(path))
-            return Status::failure(QStringLiteral("Cannot remove \"%1\"").arg(native(path)));
-        return Status::ok();
-    }
-    QFile file(path);
-    if (!file.remove())
-        return Status::failure(
-            QStringLiteral("Cannot remove \"%1\": %2").arg(native(path), file.errorString()));
-    return Status::ok();
+    return fileio::removeTree(path);
 }
 
 QString firstUndeletable(const QString& path) {
@@ -105,18 +91,7 @@ Status copyTree(const QString& from, const QString& to) {
 }
 
 Status renamePath(const QString& from, const QString& to) {
-    if (!QDir().rename(from, to))
-        return Status::failure(
-            QStringLiteral("Cannot rename \"%1\" to \"%2\"").arg(native(from), native(to)));
-    return Status::ok();
-}
-
-QString freeHiddenName(const QString& messagesFolder, const QString& prefix) {
-    for (int n = 1;; ++n) {
-        const QString name = QLatin1Char('.') + prefix + QString::number(n);
-        const QString path = messagesFolder + QLatin1Char('/') + name;
-        if (!pathExists(path) && !pathExists(path + QStringLiteral(".mmt"))) return name;
-    }
+    return fileio::renamePath(from, to);
 }
 
 } // namespace mms::storefiles

@@ -29,10 +29,6 @@ Status renamePath(const QString& from, const QString& to);
 // Entries of `folder` can be created and removed.
 bool entriesRemovable(const QString& folder);
 
-// A name beside the messages, starting with "." and `prefix`, for which neither a file or folder
-// nor an index exists yet. Such names are never listed and never accepted as message names.
-QString freeHiddenName(const QString& messagesFolder, const QString& prefix);
-
 // True when a file, folder or (possibly dangling) symbolic link exists at `path`.
 bool pathExists(const QString& path);
 

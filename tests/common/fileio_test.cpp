@@ -1,3 +1,4 @@
+#include "common/faultpoint.h"
 #include "common/fileio.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
@@ -54,6 +55,19 @@ TEST(WriteFileSafely, ReplacesOnlyWhenCompleteAndNamesTheFileWithTheReason) {
     const test::TempDir dir;
     ASSERT_TRUE(fileio::writeFileSafely(dir.file(u"b.bin"_s), QByteArrayView("bytes")).isOk());
     EXPECT_EQ(test::TempDir::read(dir.file(u"b.bin"_s)), QByteArray("bytes"));
+}
+
+TEST(FaultPoint, CountsStepsAndFailsThePlannedOneAsAFullDisk) {
+    const test::TempDir dir;
+    fileio::planFault({fileio::FaultKind::NoSpace, 2});
+    EXPECT_TRUE(fileio::createFolder(dir.file(u"a"_s)).isOk());
+    const Status s = fileio::writeFileSafely(dir.file(u"a/b"_s), QByteArrayView("x"));
+    const Status t = fileio::writeFileSafely(dir.file(u"a/c"_s), QByteArrayView("x"));
+    EXPECT_EQ(s.message(), u"Cannot write \"%1\": No space left on device"_s.arg(dir.file(u"a/b"_s)));
+    EXPECT_TRUE(t.isOk());
+    EXPECT_EQ(fileio::stepsTaken(), 4); // mkdir; create (failed); create, write
+    EXPECT_FALSE(QFileInfo::exists(dir.file(u"a/b"_s)));
+    fileio::planFault({});
 }
 
 } // namespace

@@ -1,0 +1,74 @@
+// The store's writing operations that mmsc has no command for, as the composer runs them, for the
+// crash and full-disk matrix: store_ops HOME start | open NAME | delete NAME | new | saveas NAME | draft
+// TEXT | sent NAME. Exit status 0 when the operation succeeded, 1 with the reason on stderr.
+
+#include "composer/draftstore.h"
+#include "composer/workspacefolders.h"
+#include "send/sentlog.h"
+#include "store/messagestore.h"
+#include "store/privatecopy.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+#include <QTimeZone>
+
+using namespace mms;
+
+namespace {
+
+// The composer's Save as of the message it has open (greeting): its slides point into the working
+// copy.
+Status saveOpenedAs(const MessageStore& store, const QString& name) {
+    LoadedMessage message;
+    const QString workingCopy = store.appFolder() + QStringLiteral("/UserData/MMS/temp");
+    if (Status s = store.load(QStringLiteral("greeting"), workingCopy, message); !s) return s;
+    CSlide slides;
+    appendLoadedSlides(message, slides);
+    return store.save(slides, name, message.subject);
+}
+
+Status draftOf(const QString& home, const QString& subject) {
+    const Draft draft{
+        QStringLiteral("greeting"),
+        subject,
+        1,
+        {SlideContent{SlideDur::fromNumber(4), home + QStringLiteral("/UserData/MMS/temp/pic1.png"), subject,
+                      QString()}}};
+    return DraftStore(home).write(encodeDraft(draft));
+}
+
+Status run(const QStringList& args) {
+    if (args.size() < 2) return Status::failure(QStringLiteral("usage: store_ops HOME OPERATION [ARG]"));
+    const QString& home = args[0];
+    const QString& op = args[1];
+    const QString arg = args.value(2);
+    const MessageStore store(home);
+    if (op == QLatin1String("start")) return createWorkspaceFolders(home);
+    if (op == QLatin1String("open")) return store.copyToWorkingCopy(arg);
+    if (op == QLatin1String("delete")) return store.remove(arg);
+    if (op == QLatin1String("new")) return store.removeWorkingCopy();
+    if (op == QLatin1String("saveas")) return saveOpenedAs(store, arg);
+    if (op == QLatin1String("draft")) return draftOf(home, arg);
+    if (op == QLatin1String("sent")) {
+        SentLog log(home);
+        if (Status s = log.load(); !s) return s;
+        return log.add(SentEntry{arg,
+                                 QDateTime::fromSecsSinceEpoch(1700000000, QTimeZone::utc()),
+                                 {QStringLiteral("+4412345678")},
+                                 QStringLiteral("/org/ofono/mms/1"),
+                                 QStringLiteral("draft"),
+                                 QString(),
+                                 QString()});
+    }
+    return Status::failure(QStringLiteral("unknown operation ") + op);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const Status s = run(QCoreApplication::arguments().mid(1));
+    if (s) return 0;
+    QTextStream(stderr) << s.message() << Qt::endl;
+    return 1;
+}
