@@ -171,10 +171,11 @@ std::vector<SlideContent> contentsOf(const MessageModel& message) {
 }
 
 // Each command's share of the run, in thousandths: the upper end of its range of a roll of 0..999.
+// Save, Open and New copy every file of the message and so are kept rare.
 constexpr std::pair<unsigned, const char*> kCommands[] = {
     {60, "add"},   {120, "remove"},   {160, "to front"}, {200, "to back"}, {280, "one place"},
     {340, "drag"}, {440, "duration"}, {540, "text"},     {630, "picture"}, {720, "sound"},
-    {840, "undo"}, {960, "redo"},     {975, "save"},     {990, "open"},    {1000, "new"}};
+    {840, "undo"}, {990, "redo"},     {994, "save"},     {998, "open"},    {1000, "new"}};
 
 class Soak {
 public:
@@ -215,39 +216,56 @@ public:
             const int count = doc_.message().count();
             if (count > 0) doc_.setCurrent(qint16(1 + int(random_() % unsigned(count))));
             const unsigned roll = random_() % 1000;
-            ++done_[size_t(std::find_if(std::begin(kCommands), std::end(kCommands),
-                                        [roll](const auto& c) { return roll < c.first; }) -
-                           std::begin(kCommands))];
-            if (roll < 60)
+            const auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                              [roll](const auto& c) { return roll < c.first; }) -
+                                 std::begin(kCommands);
+            ++done_[size_t(command)];
+            switch (command) {
+            case 0:
                 doc_.addSlide();
-            else if (roll < 120 && count > 400)
-                doc_.removeSlide();
-            else if (roll < 160)
+                break;
+            case 1: // the message stays near 500 slides
+                if (count > 400) doc_.removeSlide();
+                break;
+            case 2:
                 doc_.moveToFront();
-            else if (roll < 200)
+                break;
+            case 3:
                 doc_.moveToBack();
-            else if (roll < 280)
+                break;
+            case 4:
                 doc_.moveOnePlace(random_() % 2);
-            else if (roll < 340 && count > 1)
-                doc_.dragSlide(qint16(1 + random_() % count), qint16(1 + random_() % count));
-            else if (roll < 440)
+                break;
+            case 5:
+                if (count > 0) doc_.dragSlide(qint16(1 + random_() % count), qint16(1 + random_() % count));
+                break;
+            case 6:
                 doc_.commit(SlideField::Duration, durationText());
-            else if (roll < 540)
+                break;
+            case 7:
                 doc_.commit(SlideField::Text, text());
-            else if (roll < 630)
+                break;
+            case 8:
                 doc_.commit(SlideField::Picture, random_() % 5 ? pick(media_.pictures) : QString());
-            else if (roll < 720)
+                break;
+            case 9:
                 doc_.commit(SlideField::Sound, random_() % 5 ? pick(media_.sounds) : QString());
-            else if (roll < 840)
+                break;
+            case 10:
                 doc_.undo();
-            else if (roll < 960)
+                break;
+            case 11:
                 doc_.redo();
-            else if (roll < 975)
+                break;
+            case 12:
                 save(step);
-            else if (roll < 990)
+                break;
+            case 13:
                 open(step);
-            else
+                break;
+            default:
                 newAndOpen(step);
+            }
             check(step);
         }
     }
