@@ -34,6 +34,13 @@ QString checkSound(const QString& path) {
 
 } // namespace
 
+QString parseMaxBytesOption(const QStringList& args, qsizetype& i, qint64& maxBytes) {
+    bool ok = false;
+    maxBytes = i + 1 < args.size() ? args[++i].toLongLong(&ok) : 0;
+    return ok && maxBytes >= 1 ? QString()
+                               : QStringLiteral("--max-bytes takes a whole number of bytes above 0");
+}
+
 QString parseQualityOption(const QString& text, int& quality) {
     const std::optional<int> parsed = parsePictureQuality(text);
     if (!parsed) return QStringLiteral("--quality takes a whole number from 1 to 100, not '%1'").arg(text);

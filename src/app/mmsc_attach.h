@@ -10,6 +10,8 @@
 
 namespace mms::cli {
 
+// The value of "--max-bytes" at args[i + 1] (i moves past it): an empty text, or what is wrong.
+QString parseMaxBytesOption(const QStringList& args, qsizetype& i, qint64& maxBytes);
 // The value of a --quality option: a whole number from 1 to 100. Returns why it is not one, or an
 // empty string.
 QString parseQualityOption(const QString& text, int& quality);

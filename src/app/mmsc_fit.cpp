@@ -32,10 +32,8 @@ int runFit(Context& context, const QStringList& args) {
             files << args[i];
             continue;
         }
-        bool ok = false;
-        maxBytes = i + 1 < args.size() ? args[++i].toLongLong(&ok) : 0;
-        if (!ok || maxBytes < 1)
-            return fail(context, QStringLiteral("--max-bytes takes a whole number of bytes above 0"));
+        if (const QString problem = parseMaxBytesOption(args, i, maxBytes); !problem.isEmpty())
+            return fail(context, problem);
     }
     if (files.size() != 2)
         return fail(context, QStringLiteral("fit takes IN OUT [--max-bytes N] [--quality Q]"));

@@ -1,5 +1,6 @@
 #include "app/mmsc.h"
 
+#include "app/mmsc_attach.h"
 #include "image/gifshrink.h"
 
 #include <QDir>
@@ -24,10 +25,8 @@ int runGif(Context& context, const QStringList& args) {
             files << args[i];
             continue;
         }
-        bool ok = false;
-        maxBytes = i + 1 < args.size() ? args[++i].toLongLong(&ok) : 0;
-        if (!ok || maxBytes < 1)
-            return fail(context, QStringLiteral("--max-bytes takes a whole number of bytes above 0"));
+        if (const QString problem = parseMaxBytesOption(args, i, maxBytes); !problem.isEmpty())
+            return fail(context, problem);
     }
     if (files.size() != 2) return fail(context, QStringLiteral("gif takes IN OUT [--max-bytes N]"));
     const GifShrink gif = shrinkGifToFile(files[0], files[1], maxBytes);
