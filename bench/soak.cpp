@@ -35,6 +35,14 @@ using namespace mms;
     std::exit(1);
 }
 
+// AddressSanitizer keeps freed memory in quarantine, so the resident size grows under it whatever
+// the program does; there, LeakSanitizer's report at exit is the check that counts.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
 long residentKb() {
     QFile status(QStringLiteral("/proc/self/status"));
     if (!status.open(QIODevice::ReadOnly)) return -1;
@@ -389,7 +397,7 @@ int main(int argc, char** argv) {
     soak.report();
     std::printf("resident memory after the warm-up: %ld kB, at the end: %ld kB (%+.1f %%)\n", rssWarm, rssEnd,
                 100.0 * double(rssEnd - rssWarm) / double(rssWarm));
-    if (rssEnd > rssWarm * 11 / 10) {
+    if (rssEnd > rssWarm * 11 / 10 && !kSanitized) {
         std::fprintf(stderr, "soak: resident memory grew by more than 10 %%\n");
         return 1;
     }
