@@ -108,26 +108,38 @@ protected:
     std::vector<Notify> notes;
 };
 
+// A name with quotes, spaces and non-ASCII letters opens either kind of sound. An AMR sound's
+// position is the output's while it plays, its length once heard, kept by a stop, 0 once closed.
 TEST_F(SoundDeviceTest, MidiGoesToTheSynthesizerAndAmrIsDecodedOntoThePcmOutput) {
-    const QStringList midiCalls{u"open /x/Tune.MID"_s, u"play"_s, u"stop"_s, u"close"_s};
-    EXPECT_EQ(device.open(u"/x/Tune.MID"_s), Result::Ok);
+    const QString name = u"\"Salut\" d’été ♪"_s;
+    const QStringList midiCalls{u"open /x/"_s + name + u".MID"_s, u"play"_s, u"stop"_s, u"close"_s};
+    EXPECT_EQ(device.open(u"/x/"_s + name + u".MID"_s), Result::Ok);
     EXPECT_EQ(device.play(), Result::Ok);
     device.stop();
     device.close();
     midi->emitPlaybackEnded(Notify::Successful);
     EXPECT_EQ(midi->calls, midiCalls);
 
-    ASSERT_EQ(device.open(dir.write(u"v.amr"_s, amrTone(25))), Result::Ok);
+    ASSERT_EQ(device.open(dir.write(name + u".amr"_s, amrTone(25))), Result::Ok);
     EXPECT_EQ(device.open(u"/x/t.mid"_s), Result::AlreadyOpen);
-    device.play();
+    EXPECT_EQ(device.position(), 0);
+    ASSERT_EQ(device.play(), Result::Ok);
+    pcm->played = 120;
+    EXPECT_EQ(device.position(), 120);
     device.pause();
     device.resume();
     pcm->finished(); // heard to its end
+    EXPECT_EQ(device.position(), 500) << "25 frames of 20 ms";
     device.play();
+    pcm->played = 260;
+    device.stop();
+    EXPECT_EQ(device.position(), 260);
     device.close();
+    EXPECT_EQ(device.position(), 0);
     EXPECT_EQ(midi->calls, midiCalls) << "the synthesizer never hears of the AMR sound";
     EXPECT_EQ(pcm->log, (QStringList{u"start 4000 samples at 8000 Hz"_s, u"pause"_s, u"resume"_s,
-                                     u"start 4000 samples at 8000 Hz"_s, u"stop"_s}));
+                                     u"start 4000 samples at 8000 Hz"_s, u"stop"_s, u"stop"_s}))
+        << "the stop and the close each stop the output";
     EXPECT_EQ(notes, (std::vector<Notify>{Notify::Successful, Notify::Successful, Notify::Aborted}));
 }
 
@@ -138,30 +150,6 @@ TEST_F(SoundDeviceTest, AnAmrSoundThatCannotBeDecodedOrHeardIsNotOpened) {
     EXPECT_TRUE(pcm->log.isEmpty());
     EXPECT_FALSE(device.isOpen());
     EXPECT_EQ(device.open(u"/x/t.mid"_s), Result::Ok) << "nothing was left open";
-}
-
-// A name with quotes, spaces and non-ASCII letters opens either kind of sound. An AMR sound's
-// position is the output's while it plays, its length once heard, kept by a stop, 0 once closed.
-TEST_F(SoundDeviceTest, AnyPathOpensAndTheAmrPositionFollowsTheOutput) {
-    const QString name = u"\"Salut\" d’été ♪"_s;
-    ASSERT_EQ(device.open(u"/x/"_s + name + u".mid"_s), Result::Ok);
-    device.close();
-    EXPECT_EQ(midi->calls, (QStringList{u"open /x/"_s + name + u".mid"_s, u"close"_s}));
-
-    ASSERT_EQ(device.open(dir.write(name + u".amr"_s, amrTone(25))), Result::Ok);
-    EXPECT_EQ(device.position(), 0);
-    ASSERT_EQ(device.play(), Result::Ok);
-    pcm->played = 120;
-    EXPECT_EQ(device.position(), 120);
-    pcm->finished();
-    EXPECT_EQ(device.position(), 500) << "25 frames of 20 ms";
-    device.play();
-    pcm->played = 260;
-    device.stop();
-    EXPECT_EQ(device.position(), 260);
-    device.close();
-    EXPECT_EQ(device.position(), 0);
-    EXPECT_EQ(notes, (std::vector<Notify>{Notify::Successful, Notify::Aborted}));
 }
 
 } // namespace

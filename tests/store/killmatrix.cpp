@@ -10,28 +10,23 @@
 #include <QImage>
 #include <QPainter>
 #include <QProcess>
+#include <functional>
+
+using namespace Qt::StringLiterals;
 
 namespace mms::test::killmatrix {
 
 namespace {
 
-const QString kNoSpace = QStringLiteral("No space left on device");
+// Every entry below `root`, by its path relative to `relativeTo`.
+using Snapshot = QMap<QString, QByteArray>;
 
-QString describeFault(const QString& fault, const QString& what) {
-    return fault + QStringLiteral(": ") + what;
-}
-
-void copyTree(const QString& from, const QString& to) {
-    QDir().mkpath(to);
-    QDirIterator it(from, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+template <typename Visit> void walk(const QString& root, const QString& relativeTo, Visit visit) {
+    QDirIterator it(root, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QFileInfo entry(it.nextFileInfo());
-        const QString target = to + QLatin1Char('/') + QDir(from).relativeFilePath(entry.filePath());
-        if (entry.isDir())
-            QDir().mkpath(target);
-        else
-            QFile::copy(entry.filePath(), target);
+        visit(QDir(relativeTo).relativeFilePath(entry.filePath()), entry);
     }
 }
 
@@ -59,117 +54,102 @@ void writeFile(const QString& path, const QByteArray& bytes) {
 // An export is dated when it is written: its members are compared instead of its bytes.
 QByteArray contentOf(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return QByteArrayLiteral("<unreadable>");
-    if (!path.endsWith(QLatin1String(".tpl"))) return file.readAll();
+    if (!file.open(QIODevice::ReadOnly)) return "<unreadable>";
+    if (!path.endsWith(".tpl"_L1)) return file.readAll();
     QByteArray members = "<tar>";
     for (const ArchivedMember& m : readTar(path))
         members += m.name.toUtf8() + '\n' + m.bytes;
     return members;
 }
 
-QString differences(const QMap<QString, QByteArray>& seen, const QMap<QString, QByteArray>& wanted) {
+QString differences(const Snapshot& seen, const Snapshot& wanted) {
     QStringList lines;
     for (auto it = seen.begin(); it != seen.end(); ++it)
-        if (!wanted.contains(it.key()))
-            lines << QStringLiteral("+") + it.key();
-        else if (wanted.value(it.key()) != it.value())
-            lines << QStringLiteral("~") + it.key();
+        if (wanted.value(it.key(), "<none>") != it.value())
+            lines << (wanted.contains(it.key()) ? u"~"_s : u"+"_s) + it.key();
     for (auto it = wanted.begin(); it != wanted.end(); ++it)
-        if (!seen.contains(it.key())) lines << QStringLiteral("-") + it.key();
-    return lines.join(QLatin1Char(' '));
+        if (!seen.contains(it.key())) lines << u"-"_s + it.key();
+    return lines.join(u' ');
+}
+
+// "{lib}" stands for the library, the picture and sound folders below UserData.
+Operation mmsc(const char* name, const char* args) {
+    return {QLatin1String(name), u"mmsc"_s, (u"--home {home} "_s + QLatin1String(args)).split(u' ')};
+}
+Operation ops(const char* name, const char* args) {
+    return {QLatin1String(name), u"store_ops"_s, (u"{home} "_s + QLatin1String(args)).split(u' ')};
+}
+
+// Everything the user can see (the workspace but Temp, the folder outside it), path -> bytes.
+Snapshot visible(const QString& home) {
+    Snapshot files;
+    walk(QFileInfo(home).absolutePath(), QFileInfo(home).absolutePath(),
+         [&](const QString& rel, const QFileInfo& entry) {
+             // Temp is checked on its own; upload.tpl is the export's own hand-over file, replaced
+             // each time.
+             if (rel == "home/Temp"_L1 || rel.startsWith("home/Temp/"_L1) || rel == "home/upload.tpl"_L1)
+                 return;
+             files.insert(rel, entry.isDir() ? "<folder>" : contentOf(entry.filePath()));
+         });
+    return files;
+}
+
+Snapshot temp(const QString& home) {
+    Snapshot entries;
+    walk(home + u"/Temp"_s, home, [&](const QString& rel, const QFileInfo&) { entries.insert(rel, {}); });
+    return entries;
 }
 
 } // namespace
 
 Matrix::Matrix(QString binDir, QString scratch)
-    : binDir_(std::move(binDir)), scratch_(std::move(scratch)), start_(scratch_ + QStringLiteral("/start")) {}
+    : binDir_(std::move(binDir)), scratch_(std::move(scratch)), start_(scratch_ + u"/start"_s) {}
 
 std::vector<Operation> Matrix::operations() {
-    const QString lib = QStringLiteral("{home}/UserData/");
-    const QString pic = lib + QStringLiteral("Picture/a.png"), pic2 = lib + QStringLiteral("Picture/b.jpg");
-    const QString big = lib + QStringLiteral("Picture/big.bmp"),
-                  tune = lib + QStringLiteral("Sound/tune.mid");
-    const QStringList home{QStringLiteral("--home"), QStringLiteral("{home}")};
-    const auto mmsc = [&](const char* name, const QStringList& args) {
-        return Operation{QLatin1String(name), QStringLiteral("mmsc"), home + args};
-    };
-    const auto ops = [](const char* name, const QStringList& args) {
-        return Operation{QLatin1String(name), QStringLiteral("store_ops"),
-                         QStringList{QStringLiteral("{home}")} + args};
-    };
-    const QString s = QStringLiteral("--slide"), p = QStringLiteral("--pic"), t = QStringLiteral("--text"),
-                  so = QStringLiteral("--sound");
     return {
-        mmsc("save-new", {QStringLiteral("build"), s, p, pic, t, QStringLiteral("new"), so, tune,
-                          QStringLiteral("--save"), QStringLiteral("fresh")}),
-        mmsc("save-over-more",
-             {QStringLiteral("build"), s, p, pic2, s, t, QStringLiteral("two"), s, p, pic, so, tune, s, t,
-              QStringLiteral("four"), QStringLiteral("--save"), QStringLiteral("greeting")}),
-        mmsc("save-over-fewer", {QStringLiteral("build"), s, t, QStringLiteral("only"),
-                                 QStringLiteral("--save"), QStringLiteral("greeting")}),
-        mmsc("save-converted",
-             {QStringLiteral("build"), s, p, big, QStringLiteral("--save"), QStringLiteral("converted")}),
-        ops("save-as", {QStringLiteral("saveas"), QStringLiteral("copy")}),
-        ops("save-opened", {QStringLiteral("saveas"), QStringLiteral("greeting")}),
-        ops("delete", {QStringLiteral("delete"), QStringLiteral("other")}),
-        ops("open", {QStringLiteral("open"), QStringLiteral("other")}),
-        ops("new", {QStringLiteral("new")}),
-        mmsc("export", {QStringLiteral("export"), QStringLiteral("greeting"), QStringLiteral("{out}/g.tpl")}),
-        mmsc("export-mms",
-             {QStringLiteral("mms"), QStringLiteral("greeting"), QStringLiteral("{out}/g.mms")}),
-        ops("draft", {QStringLiteral("draft"), QStringLiteral("later")}),
-        mmsc("midi-crop", {QStringLiteral("crop"), tune, QStringLiteral("0.5"), QStringLiteral("2"),
-                           QStringLiteral("{out}/short.mid")}),
-        mmsc("picture-jpeg", {QStringLiteral("jpeg"), big, QStringLiteral("{out}/big.jpg")}),
-        ops("sent-log", {QStringLiteral("sent"), QStringLiteral("greeting")}),
+        mmsc("save-new", "build --slide --pic {lib}/Picture/a.png --text new --sound {lib}/Sound/tune.mid "
+                         "--save fresh"),
+        mmsc("save-over-more", "build --slide --pic {lib}/Picture/b.jpg --slide --text two --slide --pic "
+                               "{lib}/Picture/a.png --sound {lib}/Sound/tune.mid --slide --text four --save "
+                               "greeting"),
+        mmsc("save-over-fewer", "build --slide --text only --save greeting"),
+        mmsc("save-converted", "build --slide --pic {lib}/Picture/big.bmp --save converted"),
+        ops("save-as", "saveas copy"),
+        ops("save-opened", "saveas greeting"),
+        ops("delete", "delete other"),
+        ops("open", "open other"),
+        ops("new", "new"),
+        mmsc("export", "export greeting {out}/g.tpl"),
+        mmsc("export-mms", "mms greeting {out}/g.mms"),
+        ops("draft", "draft later"),
+        mmsc("midi-crop", "crop {lib}/Sound/tune.mid 0.5 2 {out}/short.mid"),
+        mmsc("picture-jpeg", "jpeg {lib}/Picture/big.bmp {out}/big.jpg"),
+        ops("sent-log", "sent greeting"),
     };
 }
 
 bool Matrix::prepare(QString& error) {
-    const QString home = start_ + QStringLiteral("/home");
-    writeFile(home + QStringLiteral("/UserData/Picture/a.png"), picture(64, "PNG"));
-    writeFile(home + QStringLiteral("/UserData/Picture/b.jpg"), picture(96, "JPEG"));
-    writeFile(home + QStringLiteral("/UserData/Picture/big.bmp"), picture(320, "BMP"));
-    writeFile(home + QStringLiteral("/UserData/Sound/tune.mid"), midifile::cMajorScale(8));
-    QDir().mkpath(start_ + QStringLiteral("/out"));
-    // Earlier exports, so that replacing one is tried too.
-    writeFile(start_ + QStringLiteral("/out/g.mms"), "an earlier request");
-    const QStringList lib{QStringLiteral("{home}/UserData/Picture/a.png"),
-                          QStringLiteral("{home}/UserData/Sound/tune.mid")};
-    const std::vector<Operation> setup{
-        {QStringLiteral("store greeting"),
-         QStringLiteral("mmsc"),
-         {QStringLiteral("--home"), QStringLiteral("{home}"), QStringLiteral("build"),
-          QStringLiteral("--subject"), QStringLiteral("Hello"), QStringLiteral("--slide"),
-          QStringLiteral("--pic"), lib[0], QStringLiteral("--text"), QStringLiteral("first"),
-          QStringLiteral("--slide"), QStringLiteral("--sound"), lib[1], QStringLiteral("--slide"),
-          QStringLiteral("--text"), QStringLiteral("third"), QStringLiteral("--save"),
-          QStringLiteral("greeting")}},
-        {QStringLiteral("store other"),
-         QStringLiteral("mmsc"),
-         {QStringLiteral("--home"), QStringLiteral("{home}"), QStringLiteral("build"),
-          QStringLiteral("--slide"), QStringLiteral("--text"), QStringLiteral("other"),
-          QStringLiteral("--save"), QStringLiteral("other")}},
-        {QStringLiteral("open greeting"),
-         QStringLiteral("store_ops"),
-         {QStringLiteral("{home}"), QStringLiteral("open"), QStringLiteral("greeting")}},
-        {QStringLiteral("draft"),
-         QStringLiteral("store_ops"),
-         {QStringLiteral("{home}"), QStringLiteral("draft"), QStringLiteral("before")}},
-        {QStringLiteral("sent log"),
-         QStringLiteral("store_ops"),
-         {QStringLiteral("{home}"), QStringLiteral("sent"), QStringLiteral("other")}},
-        {QStringLiteral("start"),
-         QStringLiteral("store_ops"),
-         {QStringLiteral("{home}"), QStringLiteral("start")}},
+    const QString home = start_ + u"/home"_s;
+    writeFile(home + u"/UserData/Picture/a.png"_s, picture(64, "PNG"));
+    writeFile(home + u"/UserData/Picture/b.jpg"_s, picture(96, "JPEG"));
+    writeFile(home + u"/UserData/Picture/big.bmp"_s, picture(320, "BMP"));
+    writeFile(home + u"/UserData/Sound/tune.mid"_s, midifile::cMajorScale(8));
+    // An earlier export, so that replacing one is tried too.
+    writeFile(start_ + u"/out/g.mms"_s, "an earlier request");
+    const Operation setup[] = {
+        mmsc("store greeting", "build --subject Hello --slide --pic {lib}/Picture/a.png --text first --slide "
+                               "--sound {lib}/Sound/tune.mid --slide --text third --save greeting"),
+        mmsc("store other", "build --slide --text other --save other"),
+        ops("open greeting", "open greeting"),
+        ops("draft", "draft before"),
+        ops("sent log", "sent other"),
+        ops("start", "start"),
     };
-    for (const Operation& op : setup) {
-        const Run r = start(op, home, {}, {});
-        if (r.exitCode != 0) {
-            error = op.name + QStringLiteral(": ") + r.err;
+    for (const Operation& op : setup)
+        if (const Run r = start(op, home, {}, {}); r.exitCode != 0) {
+            error = op.name + u": "_s + r.err;
             return false;
         }
-    }
     return true;
 }
 
@@ -177,57 +157,36 @@ Matrix::Run Matrix::start(const Operation& op, const QString& home, const QStrin
                           const QString& log) const {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.remove(QStringLiteral("MMS_FAULT"));
-    env.remove(QStringLiteral("MMS_FAULT_LOG"));
-    if (!fault.isEmpty()) env.insert(QStringLiteral("MMS_FAULT"), fault);
-    if (!log.isEmpty()) env.insert(QStringLiteral("MMS_FAULT_LOG"), log);
+    env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    env.remove(u"MMS_FAULT"_s);
+    env.remove(u"MMS_FAULT_LOG"_s);
+    if (!fault.isEmpty()) env.insert(u"MMS_FAULT"_s, fault);
+    if (!log.isEmpty()) env.insert(u"MMS_FAULT_LOG"_s, log);
     p.setProcessEnvironment(env);
     QStringList args = op.args;
-    const QString out = QFileInfo(home).absolutePath() + QStringLiteral("/out");
     for (QString& a : args)
-        a.replace(QStringLiteral("{home}"), home).replace(QStringLiteral("{out}"), out);
-    p.start(binDir_ + QLatin1Char('/') + op.program, args);
+        a.replace(u"{lib}"_s, home + u"/UserData"_s)
+            .replace(u"{home}"_s, home)
+            .replace(u"{out}"_s, QFileInfo(home).absolutePath() + u"/out"_s);
+    p.start(binDir_ + u'/' + op.program, args);
     if (!p.waitForFinished(60000)) {
         p.kill(); // this child only, by its own pid
         p.waitForFinished();
-        return {-1, true, QStringLiteral("did not finish")};
+        return {-1, true, u"did not finish"_s};
     }
     const bool crashed = p.exitStatus() == QProcess::CrashExit;
     return {crashed ? -1 : p.exitCode(), crashed, QString::fromLocal8Bit(p.readAllStandardError()).trimmed()};
 }
 
 QString Matrix::copyOfStart(const QString& tag) const {
-    const QString run = scratch_ + QLatin1Char('/') + tag;
+    const QString run = scratch_ + u'/' + tag;
     QDir(run).removeRecursively();
-    copyTree(start_, run);
-    return run + QStringLiteral("/home");
-}
-
-Matrix::Snapshot Matrix::visible(const QString& home) const {
-    const QString run = QFileInfo(home).absolutePath();
-    Snapshot files;
-    QDirIterator it(run, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QFileInfo entry(it.nextFileInfo());
-        const QString rel = QDir(run).relativeFilePath(entry.filePath());
-        // Temp is checked on its own; upload.tpl is the export's own hand-over file, replaced each time.
-        if (rel == QLatin1String("home/Temp") || rel.startsWith(QLatin1String("home/Temp/")) ||
-            rel == QLatin1String("home/upload.tpl"))
-            continue;
-        files.insert(rel, entry.isDir() ? QByteArrayLiteral("<folder>") : contentOf(entry.filePath()));
-    }
-    return files;
-}
-
-Matrix::Snapshot Matrix::temp(const QString& home) const {
-    Snapshot entries;
-    QDirIterator it(home + QStringLiteral("/Temp"), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext())
-        entries.insert(QDir(home).relativeFilePath(it.next()), {});
-    return entries;
+    walk(start_, start_, [&](const QString& rel, const QFileInfo& entry) {
+        const QString target = run + u'/' + rel;
+        QDir().mkpath(entry.isDir() ? target : QFileInfo(target).absolutePath());
+        if (!entry.isDir()) QFile::copy(entry.filePath(), target);
+    });
+    return run + u"/home"_s;
 }
 
 QString Matrix::check(const QString& home, const Snapshot& before, const Snapshot& after, bool mayBeAfter,
@@ -235,66 +194,62 @@ QString Matrix::check(const QString& home, const Snapshot& before, const Snapsho
     const Snapshot seen = visible(home);
     QStringList problems;
     if (!(mayBeBefore && seen == before) && !(mayBeAfter && seen == after))
-        problems << QStringLiteral("neither before nor after: ") +
-                        differences(seen, mayBeBefore ? before : after);
-    const Snapshot library = visible(start_ + QStringLiteral("/home"));
+        problems << u"neither before nor after: "_s + differences(seen, mayBeBefore ? before : after);
+    const Snapshot library = visible(start_ + u"/home"_s);
     for (auto it = library.begin(); it != library.end(); ++it)
-        if (it.key().contains(QLatin1String("/UserData/Picture")) ||
-            it.key().contains(QLatin1String("/UserData/Sound")))
-            if (seen.value(it.key()) != it.value())
-                problems << QStringLiteral("library file touched: ") + it.key();
-    if (const Snapshot left = temp(home); left != temp(start_ + QStringLiteral("/home")))
-        problems << QStringLiteral("left in Temp: ") + QStringList(left.keys()).join(QLatin1Char(' '));
-    return problems.join(QStringLiteral("; "));
+        if (it.key().contains("/UserData/Picture"_L1) || it.key().contains("/UserData/Sound"_L1))
+            if (seen.value(it.key()) != it.value()) problems << u"library file touched: "_s + it.key();
+    if (const Snapshot left = temp(home); left != temp(start_ + u"/home"_s))
+        problems << u"left in Temp: "_s + QStringList(left.keys()).join(u' ');
+    return problems.join(u"; "_s);
 }
 
 Outcome Matrix::run(const Operation& op, int stride) const {
     Outcome outcome{op.name, 0, 0, 0, {}};
-    const Operation restart{QStringLiteral("start"),
-                            QStringLiteral("store_ops"),
-                            {QStringLiteral("{home}"), QStringLiteral("start")}};
-    const QString log = scratch_ + QLatin1Char('/') + op.name + QStringLiteral(".log");
+    const QString log = scratch_ + u'/' + op.name + u".log"_s;
     QFile::remove(log);
-    const QString reference = copyOfStart(op.name);
-    const Snapshot before = visible(reference);
-    if (const Run r = start(op, reference, {}, log); r.exitCode != 0) {
-        outcome.faults << describeFault(QStringLiteral("no fault"), r.err);
-        return outcome;
-    }
+    const Snapshot before = visible(copyOfStart(op.name));
+    Snapshot after;
+    // Runs `op` from the starting state with `fault` (none, kill:K or enospc:K), starts the program
+    // again and notes against the fault what `judge` says of the run and what the user is left with.
+    struct Verdict {
+        QString problem;
+        bool mayBeAfter, mayBeBefore;
+    };
+    const auto attempt = [&](const QString& fault, const std::function<Verdict(const Run&)>& judge) {
+        const QString home = copyOfStart(op.name);
+        const Verdict v = judge(start(op, home, fault, fault.isEmpty() ? log : QString()));
+        QStringList problems{v.problem};
+        if (const Run r = start(ops("start", "start"), home, {}, {}); r.exitCode != 0)
+            problems << u"the next start failed: "_s + r.err;
+        if (fault.isEmpty()) after = visible(home);
+        problems << check(home, before, after, v.mayBeAfter, v.mayBeBefore);
+        problems.removeAll(QString());
+        for (const QString& problem : problems)
+            outcome.faults << (fault.isEmpty() ? u"no fault"_s : fault) + u": "_s + problem;
+        return problems.isEmpty();
+    };
+    const auto succeeds = [](const Run& r) {
+        return Verdict{r.exitCode ? u"exit status %1: "_s.arg(r.exitCode) + r.err : QString(), true, false};
+    };
+    if (!attempt({}, succeeds)) return outcome;
     QFile counted(log);
     outcome.points = counted.open(QIODevice::ReadOnly) ? int(counted.readAll().count('\n')) : 0;
-    (void)start(restart, reference, {}, {});
-    const Snapshot after = visible(reference);
-    if (const QString problem = check(reference, before, after, true, false); !problem.isEmpty())
-        outcome.faults << describeFault(QStringLiteral("no fault"), problem);
-
     for (int k = 1; k <= outcome.points; k += stride) {
-        const QString kill = QStringLiteral("kill:%1").arg(k), full = QStringLiteral("enospc:%1").arg(k);
-        QString home = copyOfStart(op.name + QStringLiteral("-k"));
         ++outcome.killed;
-        if (const Run r = start(op, home, kill, {}); !r.crashed)
-            outcome.faults << describeFault(kill,
-                                            QStringLiteral("the program was not stopped (") + r.err + u')');
-        if (const Run r = start(restart, home, {}, {}); r.exitCode != 0)
-            outcome.faults << describeFault(kill, QStringLiteral("the next start failed: ") + r.err);
-        if (const QString problem = check(home, before, after, true, true); !problem.isEmpty())
-            outcome.faults << describeFault(kill, problem);
-
-        home = copyOfStart(op.name + QStringLiteral("-f"));
-        ++outcome.diskFull;
-        const Run r = start(op, home, full, {});
+        attempt(u"kill:%1"_s.arg(k), [](const Run& r) {
+            return Verdict{r.crashed ? QString() : u"the program was not stopped ("_s + r.err + u')', true,
+                           true};
+        });
         // A step that fails reports the full disk and changes nothing; one whose failure does not
         // matter (scratch that cannot be removed) lets the operation succeed.
-        if (r.exitCode != 0 && !r.err.contains(kNoSpace))
-            outcome.faults << describeFault(full, QStringLiteral("failed without saying why: ") + r.err);
-        const bool succeeded = r.exitCode == 0;
-        (void)start(restart, home, {}, {});
-        if (const QString problem = check(home, before, after, succeeded, !succeeded); !problem.isEmpty())
-            outcome.faults << describeFault(full, problem);
+        ++outcome.diskFull;
+        attempt(u"enospc:%1"_s.arg(k), [](const Run& r) {
+            const bool ok = r.exitCode == 0, said = r.err.contains("No space left on device"_L1);
+            return Verdict{ok || said ? QString() : u"failed without saying why: "_s + r.err, ok, !ok};
+        });
     }
-    QDir(scratch_ + QLatin1Char('/') + op.name).removeRecursively();
-    QDir(scratch_ + QLatin1Char('/') + op.name + QStringLiteral("-k")).removeRecursively();
-    QDir(scratch_ + QLatin1Char('/') + op.name + QStringLiteral("-f")).removeRecursively();
+    QDir(scratch_ + u'/' + op.name).removeRecursively();
     return outcome;
 }
 

@@ -3,7 +3,6 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <functional>
 #include <vector>
 
 // Runs each writing operation of the program in a child process, stopping it with SIGKILL before
@@ -39,7 +38,6 @@ public:
     Outcome run(const Operation& op, int stride = 1) const;
 
 private:
-    using Snapshot = QMap<QString, QByteArray>;
     struct Run {
         int exitCode = -1;
         bool crashed = false;
@@ -47,11 +45,9 @@ private:
     };
     Run start(const Operation& op, const QString& home, const QString& fault, const QString& log) const;
     QString copyOfStart(const QString& tag) const;
-    // Everything the user can see (the workspace but Temp, the folder outside it), path -> bytes.
-    Snapshot visible(const QString& home) const;
-    Snapshot temp(const QString& home) const;
-    QString check(const QString& home, const Snapshot& before, const Snapshot& after, bool mayBeAfter,
-                  bool mayBeBefore) const;
+    // What is wrong with `home` after a run that may leave the state `before` or `after` it.
+    QString check(const QString& home, const QMap<QString, QByteArray>& before,
+                  const QMap<QString, QByteArray>& after, bool mayBeAfter, bool mayBeBefore) const;
 
     QString binDir_;
     QString scratch_;

@@ -13,6 +13,7 @@
 #include <QTimeZone>
 
 using namespace mms;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -27,16 +28,6 @@ Status saveOpenedAs(const MessageStore& store, const QString& name) {
     return store.save(slides, name, message.subject);
 }
 
-Status draftOf(const QString& home, const QString& subject) {
-    const Draft draft{
-        QStringLiteral("greeting"),
-        subject,
-        1,
-        {SlideContent{SlideDur::fromNumber(4), home + QStringLiteral("/UserData/MMS/temp/pic1.png"), subject,
-                      QString()}}};
-    return DraftStore(home).write(encodeDraft(draft));
-}
-
 Status run(const QStringList& args) {
     if (args.size() < 2) return Status::failure(QStringLiteral("usage: store_ops HOME OPERATION [ARG]"));
     const QString& home = args[0];
@@ -48,19 +39,16 @@ Status run(const QStringList& args) {
     if (op == QLatin1String("delete")) return store.remove(arg);
     if (op == QLatin1String("new")) return store.removeWorkingCopy();
     if (op == QLatin1String("saveas")) return saveOpenedAs(store, arg);
-    if (op == QLatin1String("draft")) return draftOf(home, arg);
-    if (op == QLatin1String("sent")) {
-        SentLog log(home);
-        if (Status s = log.load(); !s) return s;
-        return log.add(SentEntry{arg,
-                                 QDateTime::fromSecsSinceEpoch(1700000000, QTimeZone::utc()),
-                                 {QStringLiteral("+4412345678")},
-                                 QStringLiteral("/org/ofono/mms/1"),
-                                 QStringLiteral("draft"),
-                                 QString(),
-                                 QString()});
+    if (op == QLatin1String("draft")) {
+        const SlideContent slide{SlideDur::fromNumber(4), home + u"/UserData/MMS/temp/pic1.png"_s, arg,
+                                 QString()};
+        return DraftStore(home).write(encodeDraft(Draft{u"greeting"_s, arg, 1, {slide}}));
     }
-    return Status::failure(QStringLiteral("unknown operation ") + op);
+    if (op != QLatin1String("sent")) return Status::failure(u"unknown operation "_s + op);
+    SentLog log(home);
+    if (Status s = log.load(); !s) return s;
+    const QDateTime when = QDateTime::fromSecsSinceEpoch(1700000000, QTimeZone::utc());
+    return log.add(SentEntry{arg, when, {u"+4412345678"_s}, u"/org/ofono/mms/1"_s, u"draft"_s, {}, {}});
 }
 
 } // namespace
