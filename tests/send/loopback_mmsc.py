@@ -2,7 +2,7 @@
 '''A loopback MMS centre: keeps every POSTed request and answers an m-send-conf.
 
 Usage: loopback_mmsc.py FOLDER PORT. Listens on 127.0.0.1:PORT (0 picks one) and writes the port it
-got to FOLDER/port. Each request body is kept as FOLDER/requestN.mms. While FOLDER/refuse exists the
+got on standard output. Each request body is kept as FOLDER/requestN.mms. While FOLDER/refuse exists the
 answer refuses the message (Response-Status Error-permanent-failure). Ends on SIGTERM.
 '''
 
@@ -61,8 +61,6 @@ http.server.ThreadingHTTPServer.allow_reuse_address = True
 http.server.ThreadingHTTPServer.daemon_threads = True
 server = http.server.ThreadingHTTPServer(('127.0.0.1', port), Handler)
 signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
-tmp = os.path.join(folder, '.port')
-with open(tmp, 'w') as f:
-    f.write(str(server.server_address[1]))
-os.replace(tmp, os.path.join(folder, 'port'))
+os.makedirs(folder, exist_ok=True)
+print(server.server_address[1], flush=True)
 server.serve_forever()

@@ -13,8 +13,6 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 namespace mms::test {
 namespace {
 
@@ -26,43 +24,51 @@ protected:
         if (const QString missing = MmsdHarness::missingPackages(); !missing.isEmpty())
             GTEST_SKIP() << "needs the packages " << missing.toStdString();
     }
-
-    void startDaemon(qint64 sizeLimit = 1100000) {
-        const QString problem = harness.start(true, sizeLimit);
+    // The harness with the daemon (unless `withDaemon` is false) and the stored message "hello": a
+    // picture, a UTF-8 text and a MIDI sound on one slide.
+    void start(bool withDaemon = true, qint64 sizeLimit = 1100000) {
+        const QString problem = harness.start(withDaemon, sizeLimit);
         ASSERT_TRUE(problem.isEmpty()) << problem.toStdString();
+        store(u"hello"_s, tinyGif());
     }
-
-    // A stored message with a picture, a UTF-8 text and a MIDI sound on one slide.
-    void storeMessage(const QString& name, const QByteArray& picture = tinyGif()) {
+    void store(const QString& name, const QByteArray& picture) {
         CSlide slides;
         slides.InsertAtBack(SlideDur::fromText(u"4"_s), media.write(u"red.gif"_s, picture), kText,
                             media.write(u"scale.mid"_s, midifile::cMajorScale(3)));
         ASSERT_TRUE(MessageStore(work.path()).save(slides, name, u"Hallo Welt"_s).isOk());
     }
 
-    MmscRun mmsc(const QStringList& args) {
+    // `mmsc --home <work> <line>`, the line split at spaces.
+    MmscRun mmsc(const QString& line) {
         QProcess p;
         p.setProcessEnvironment(harness.environment());
-        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"), QStringList{u"--home"_s, work.path()} + args);
+        p.start(QStringLiteral(MMS_BIN_DIR "/mmsc"),
+                QStringList{u"--home"_s, work.path()} + line.split(u' '));
         EXPECT_TRUE(p.waitForFinished(90000));
         return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
                 QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
     }
+    // The snapshots the daemon reads from; none is left once a send has ended either way.
+    QStringList snapshots() const {
+        return QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs);
+    }
 
-    // What `mmsc send` hands over when it must refuse: nothing may reach the daemon or the centre.
-    void expectRefused(const QStringList& args, int status, const QString& reason) {
-        const MmscRun r = mmsc(args);
+    // A refused `mmsc send`: nothing reaches the daemon or the centre, nothing is left behind.
+    void expectRefused(const QString& line, int status, const QString& reason) {
+        const MmscRun r = mmsc(line);
         EXPECT_EQ(r.exitCode, status) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains(reason)) << r.err.toStdString();
         EXPECT_EQ(harness.requests(), QStringList());
         EXPECT_FALSE(harness.daemonLog().contains(u"mms_message_register"_s))
             << "a message reached the daemon";
+        EXPECT_EQ(snapshots(), QStringList());
     }
 
     MmsdHarness harness;
     TempDir work, media;
 };
 
+// The request in tshark's words, as the body of an HTTP POST in a capture.
 QString tsharkDecode(const QString& request, const TempDir& dir) {
     const QByteArray body = TempDir::read(request);
     const QByteArray post =
@@ -74,21 +80,20 @@ QString tsharkDecode(const QString& request, const TempDir& dir) {
     s.setByteOrder(QDataStream::LittleEndian);
     s << quint32(0xA1B2C3D4) << quint16(2) << quint16(4) << quint64(0) << quint32(65535) << quint32(147)
       << quint64(0) << quint32(post.size()) << quint32(post.size());
-    const QString file = dir.write(u"request.pcap"_s, pcap + post);
     const auto run = runTool(
-        u"tshark"_s, {u"-r"_s, file, u"-o"_s,
+        u"tshark"_s, {u"-r"_s, dir.write(u"request.pcap"_s, pcap + post), u"-o"_s,
                       u"uat:user_dlts:\"User 0 (DLT=147)\",\"http\",\"0\",\"\",\"0\",\"\""_s, u"-V"_s});
     return run ? QString::fromUtf8(run->out) : QString();
 }
 
 TEST_F(MmsdTest, AMessageWithEveryKindOfPartReachesTheMmsCentreAndIsLoggedSent) {
-    startDaemon();
-    storeMessage(u"hello"_s);
-    const MmscRun r =
-        mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+1 555 123-4567"_s, u"--cc"_s, u"+4412345678"_s});
+    start();
+    const MmscRun r = mmsc(u"send hello --to +1(555)123-4567 --cc +4412345678"_s);
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString() << harness.daemonLog().toStdString();
     ASSERT_TRUE(r.out.startsWith(u"sent\t/org/ofono/mms/modemmanager/"_s)) << r.out.toStdString();
-    const QString path = r.out.trimmed().section(u'\t', 1);
+    EXPECT_TRUE(mmsc(u"sent"_s).out.contains(u"\thello\t+15551234567,+4412345678\tsent\t"_s +
+                                             r.out.section(u'\t', 1)));
+    EXPECT_EQ(snapshots(), QStringList());
 
     const QStringList requests = harness.requests();
     ASSERT_EQ(requests.size(), 1);
@@ -102,78 +107,48 @@ TEST_F(MmsdTest, AMessageWithEveryKindOfPartReachesTheMmsCentreAndIsLoggedSent) 
           u"cid:sound1.mid"_s})
         EXPECT_TRUE(decoded.contains(line)) << line.toStdString() << "\n" << decoded.toStdString();
     EXPECT_FALSE(decoded.contains(u"Malformed"_s)) << decoded.toStdString();
-
-    const MmscRun log = mmsc({u"sent"_s});
-    EXPECT_EQ(log.exitCode, 0);
-    EXPECT_TRUE(log.out.contains(u"\thello\t+15551234567,+4412345678\tsent\t"_s + path + u'\n'))
-        << log.out.toStdString();
-    // The snapshot the daemon read is gone once the message is sent.
-    EXPECT_EQ(QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs), QStringList());
 }
 
 // The last step pins a daemon limit the documentation states: a refusal by the centre still reads "sent".
 TEST_F(MmsdTest, AnMmsCentreThatIsGoneIsReportedAndLoggedAndSendingAgainWorksOnceItIsBack) {
-    startDaemon();
-    storeMessage(u"hello"_s);
+    start();
     harness.stopMmsCentre();
-    const MmscRun gone = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s, u"--timeout"_s, u"40"_s});
+    const MmscRun gone = mmsc(u"send hello --to +15551234567 --timeout 40"_s);
     EXPECT_EQ(gone.exitCode, 1);
     EXPECT_TRUE(gone.err.startsWith(u"mmsc: hello was not sent: "_s) && gone.err.contains(u"127.0.0.1"_s))
         << gone.err.toStdString();
-    EXPECT_TRUE(mmsc({u"sent"_s}).out.contains(u"\tfailed: mmsd-tng could not deliver it"_s));
+    EXPECT_TRUE(mmsc(u"sent"_s).out.contains(u"\tfailed: mmsd-tng could not deliver it"_s));
 
     ASSERT_TRUE(harness.restartMmsCentre());
-    const MmscRun again = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s});
-    EXPECT_EQ(again.exitCode, 0) << again.err.toStdString();
-    EXPECT_TRUE(again.out.startsWith(u"sent\t"_s));
-    EXPECT_FALSE(harness.requests().isEmpty());
-
-    harness.setRefusing(true);
-    const int before = int(harness.requests().size());
-    EXPECT_EQ(mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s}).exitCode, 0);
-    EXPECT_GT(harness.requests().size(), before);
-}
-
-TEST_F(MmsdTest, WithoutTheDaemonSendSaysWhereTheServiceComesFrom) {
-    ASSERT_TRUE(harness.start(false).isEmpty());
-    storeMessage(u"hello"_s);
-    const MmscRun r = mmsc({u"send"_s, u"hello"_s, u"--to"_s, u"+15551234567"_s});
-    EXPECT_EQ(r.exitCode, 3);
-    EXPECT_TRUE(r.err.contains(u"mmsd-tng"_s) && r.err.contains(u"systemctl --user start mmsd-tng"_s))
-        << r.err.toStdString();
-    EXPECT_EQ(QDir(work.path() + u"/Temp"_s).entryList({u"send-*"_s}, QDir::Dirs), QStringList());
+    for (const bool refusing : {false, true}) {
+        if (refusing) harness.setRefusing();
+        const auto before = harness.requests().size();
+        const MmscRun again = mmsc(u"send hello --to +15551234567"_s);
+        EXPECT_EQ(again.exitCode, 0) << again.err.toStdString();
+        EXPECT_TRUE(again.out.startsWith(u"sent\t"_s));
+        EXPECT_GT(harness.requests().size(), before);
+    }
 }
 
 // What mmsc refuses before anything reaches the daemon, each with its own reason.
 TEST_F(MmsdTest, RefusedRecipientsUnknownMessagesAndOversizedMessagesAreNotHandedOver) {
-    startDaemon(4000);
-    storeMessage(u"hello"_s);
-    storeMessage(u"big"_s, encoded(filled(64, 64, Qt::red), "BMP"));
-    expectRefused({u"send"_s, u"hello"_s, u"--to"_s, u"bob@example.com"_s}, 2, u"phone numbers only"_s);
-    expectRefused({u"send"_s, u"hello"_s, u"--to"_s, u"+1555;Bob"_s}, 2, u"'Bob' is not a phone number"_s);
-    expectRefused({u"send"_s, u"nothing"_s, u"--to"_s, u"+15551234567"_s}, 2, u"no stored message"_s);
-    expectRefused({u"send"_s, u"big"_s, u"--to"_s, u"+15551234567"_s}, 2, u"takes at most 4000 bytes"_s);
-    EXPECT_EQ(mmsc({u"sent"_s}).out, QString());
+    start(true, 4000);
+    store(u"big"_s, encoded(filled(64, 64, Qt::red), "BMP"));
+    expectRefused(u"send hello --to bob@example.com"_s, 2, u"phone numbers only"_s);
+    expectRefused(u"send hello --to +1555;Bob"_s, 2, u"'Bob' is not a phone number"_s);
+    expectRefused(u"send nothing --to +15551234567"_s, 2, u"no stored message"_s);
+    expectRefused(u"send big --to +15551234567"_s, 2, u"takes at most 4000 bytes"_s);
+    EXPECT_EQ(mmsc(u"sent"_s).out, QString());
+}
+
+TEST_F(MmsdTest, WithoutTheDaemonSendSaysWhereTheServiceComesFrom) {
+    start(false);
+    expectRefused(u"send hello --to +15551234567"_s, 3, u"systemctl --user start mmsd-tng"_s);
 }
 
 // The daemon's own answers to what checkRequest refuses, so the checks stay needed and complete.
 TEST_F(MmsdTest, TheDaemonRefusesWhatTheChecksCatchWithoutSayingWhy) {
-    startDaemon(4000);
-    const QString text = media.write(u"text1.txt"_s, "hi");
-    SendRequest good{
-        {u"+15551234567"_s}, u"s"_s, false, u"<smil/>"_s, {{u"text1.txt"_s, u"text/plain"_s, text}}};
-    std::vector<std::pair<SendRequest, QString>> bad;
-    auto variant = [&](auto change, const QString& reason) {
-        SendRequest r = good;
-        change(r);
-        bad.emplace_back(r, reason);
-    };
-    variant([](SendRequest& r) { r.attachments[0].mimeType = u"text/plain;charset=utf-8"_s; },
-            u"has parameters"_s);
-    variant([&](SendRequest& r) { r.attachments[0].path = media.file(u"gone.txt"_s); }, u"cannot be read"_s);
-    variant([&](SendRequest& r) { r.attachments[0].path = media.write(u"big.txt"_s, QByteArray(5000, 'x')); },
-            u"takes at most 4000 bytes"_s);
-
+    start(true, 4000);
     MmsdClient client(harness.session());
     QSignalSpy ready(&client, &MmsdClient::serviceReady);
     client.findService();
@@ -181,18 +156,29 @@ TEST_F(MmsdTest, TheDaemonRefusesWhatTheChecksCatchWithoutSayingWhy) {
     const ServiceLimits limits = ready.at(0).at(0).value<ServiceLimits>();
     EXPECT_EQ(limits.totalMaxAttachmentSize, 4000);
     EXPECT_EQ(limits.maxAttachments, 25);
-    EXPECT_TRUE(checkRequest(good, limits).isOk());
 
-    SendRequest email = good;
-    email.recipients = {u"bob@example.com"_s};
-    bad.emplace_back(email, QString());
-    for (const auto& [request, reason] : bad) {
-        if (!reason.isEmpty()) {
-            EXPECT_TRUE(checkRequest(request, limits).message().contains(reason)) << reason.toStdString();
+    auto request = [](const QString& to, const QString& type, const QString& path) {
+        return SendRequest{{to}, u"s"_s, false, u"<smil/>"_s, {{u"text1.txt"_s, type, path}}};
+    };
+    const QString to = u"+15551234567"_s, text = media.write(u"text1.txt"_s, "hi");
+    EXPECT_TRUE(checkRequest(request(to, u"text/plain"_s, text), limits).isOk());
+    const struct {
+        QString to, type, path, reason; // no reason: checkRequest takes it, phoneNumbers does not
+    } rows[] = {
+        {to, u"text/plain;charset=utf-8"_s, text, u"has parameters"_s},
+        {to, u"text/plain"_s, media.file(u"gone.txt"_s), u"cannot be read"_s},
+        {to, u"text/plain"_s, media.write(u"big.txt"_s, QByteArray(5000, 'x')),
+         u"takes at most 4000 bytes"_s},
+        {u"bob@example.com"_s, u"text/plain"_s, text, {}},
+    };
+    for (const auto& row : rows) {
+        const SendRequest r = request(row.to, row.type, row.path);
+        if (!row.reason.isEmpty()) {
+            EXPECT_TRUE(checkRequest(r, limits).message().contains(row.reason)) << row.reason.toStdString();
         }
         QSignalSpy refused(&client, &MmsdClient::refused);
-        client.send(request);
-        ASSERT_TRUE(refused.wait(10000)) << reason.toStdString();
+        client.send(r);
+        ASSERT_TRUE(refused.wait(10000)) << row.reason.toStdString();
         EXPECT_TRUE(refused.at(0).at(0).toString().contains(u"Invalid Arguments"_s));
     }
     EXPECT_EQ(harness.requests(), QStringList());

@@ -14,15 +14,13 @@
 
 namespace mms::test {
 
+using namespace Qt::StringLiterals;
+
 // The real mmsd-tng on private buses, with a fake ModemManager (python3-dbusmock) whose connected
 // bearer is the loopback interface, and a loopback MMS centre (tests/send/loopback_mmsc.py). Nothing
 // leaves 127.0.0.1; every process started here is ended by its own pid when the harness goes.
 class MmsdHarness {
 public:
-    static constexpr int kStartMs = 15000;
-    static inline const QString kApn = QStringLiteral("mms.test");
-    static inline const QString kImsi = QStringLiteral("310260000000001");
-
     ~MmsdHarness() {
         for (auto it = processes_.rbegin(); it != processes_.rend(); ++it)
             end(**it);
@@ -32,47 +30,51 @@ public:
     // The packages the harness needs and lacks, to skip with; empty when all are there.
     static QString missingPackages() {
         QStringList missing;
-        if (!QFile::exists(QStringLiteral("/usr/bin/mmsdtng"))) missing << QStringLiteral("mmsd-tng");
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
-            missing << QStringLiteral("dbus");
-        if (!QFile::exists(QStringLiteral("/usr/lib/python3/dist-packages/dbusmock/__init__.py")))
-            missing << QStringLiteral("python3-dbusmock");
-        return missing.join(QStringLiteral(", "));
+        if (!QFile::exists(u"/usr/bin/mmsdtng"_s)) missing << u"mmsd-tng"_s;
+        if (QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty()) missing << u"dbus"_s;
+        if (!QFile::exists(u"/usr/lib/python3/dist-packages/dbusmock/__init__.py"_s))
+            missing << u"python3-dbusmock"_s;
+        return missing.join(u", "_s);
     }
 
     // Starts the buses, the modem, the MMS centre and (unless told not to) the daemon. An empty
     // string when all came up, else what did not.
     QString start(bool withDaemon = true, qint64 totalMaxAttachmentSize = 1100000) {
-        if (!dir_.isValid()) return QStringLiteral("no scratch folder");
         systemBus_ = startBus();
         sessionBus_ = startBus();
-        if (systemBus_.isEmpty() || sessionBus_.isEmpty()) return QStringLiteral("dbus-daemon did not start");
+        if (systemBus_.isEmpty() || sessionBus_.isEmpty()) return u"dbus-daemon did not start"_s;
         QProcessEnvironment env = environment();
-        QProcess& modem = spawn(QStringLiteral("/usr/bin/python3"),
-                                {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
-                                 QStringLiteral("--template"), source(QStringLiteral("fake_modemmanager.py")),
-                                 QStringLiteral("--parameters"),
-                                 QStringLiteral(R"({"imsi": "%1", "apn": "%2"})").arg(kImsi, kApn)},
-                                env);
-        Q_UNUSED(modem);
-        if (!startMmsCentre(0)) return QStringLiteral("the loopback MMS centre did not start");
-        if (!waitForName(systemBus_, QStringLiteral("org.freedesktop.ModemManager1")))
-            return QStringLiteral("the fake ModemManager did not start");
-        writeSettings(totalMaxAttachmentSize);
+        spawn(u"/usr/bin/python3"_s,
+              {u"-m"_s, u"dbusmock"_s, u"--system"_s, u"--template"_s, source(u"fake_modemmanager.py"_s),
+               u"--parameters"_s, uR"({"imsi": "310260000000001", "apn": "mms.test"})"_s},
+              env);
+        if (!startMmsCentre(0)) return u"the loopback MMS centre did not start"_s;
+        if (!waitForName(systemBus_, u"org.freedesktop.ModemManager1"_s))
+            return u"the fake ModemManager did not start"_s;
+        // The daemon's modem settings, as on a phone but pointing at the loopback MMS centre.
+        QDir().mkpath(dir_.filePath(u"home/.mms/modemmanager"_s));
+        QFile settings(dir_.filePath(u"home/.mms/modemmanager/mms"_s));
+        settings.open(QIODevice::WriteOnly);
+        settings.write(u"[Modem Manager]\nCarrierMMSC=http://127.0.0.1:%1/mms\nMMS_APN=mms.test\n"
+                       "CarrierMMSProxy=NULL\nDefaultModemNumber=NULL\nAutoProcessOnConnection=true\n"
+                       "AutoProcessSMSWAP=false\nIMSI=310260000000001\n\n[Settings]\n"
+                       "UseDeliveryReports=false\nTotalMaxAttachmentSize=%2\nMaxAttachments=25\n"
+                       "AutoCreateSMIL=false\nForceCAres=false\n"_s.arg(port_)
+                           .arg(totalMaxAttachmentSize)
+                           .toUtf8());
+        settings.close();
         if (!withDaemon) return {};
-        env.insert(QStringLiteral("HOME"), dir_.filePath(QStringLiteral("home")));
-        daemon_ = &spawn(QStringLiteral("/usr/bin/mmsdtng"), {QStringLiteral("-d")}, env,
-                         dir_.filePath(QStringLiteral("mmsd.log")));
-        if (!waitForName(sessionBus_, QStringLiteral("org.ofono.mms")))
-            return QStringLiteral("mmsdtng did not start: ") + daemonLog();
+        env.insert(u"HOME"_s, dir_.filePath(u"home"_s));
+        spawn(u"/usr/bin/mmsdtng"_s, {u"-d"_s}, env, dir_.filePath(u"mmsd.log"_s));
+        if (!waitForName(sessionBus_, u"org.ofono.mms"_s)) return u"mmsdtng did not start: "_s + daemonLog();
         return {};
     }
 
     // The environment a client of the daemon runs in: the private buses.
     QProcessEnvironment environment() const {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus_);
-        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), sessionBus_);
+        env.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, systemBus_);
+        env.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, sessionBus_);
         return env;
     }
 
@@ -80,47 +82,32 @@ public:
     QDBusConnection session() { return QDBusConnection::connectToBus(sessionBus_, busName_); }
 
     // The MMS centre goes away, comes back on the same port, or refuses what it is sent.
-    void stopMmsCentre() {
-        if (mmsCentre_) end(*mmsCentre_);
-    }
+    void stopMmsCentre() { end(*mmsCentre_); }
     bool restartMmsCentre() { return startMmsCentre(port_); }
-    void setRefusing(bool refuse) {
-        const QString flag = dir_.filePath(QStringLiteral("mmsc/refuse"));
-        if (refuse)
-            QFile(flag).open(QIODevice::WriteOnly);
-        else
-            QFile::remove(flag);
-    }
+    void setRefusing() { QFile(dir_.filePath(u"mmsc/refuse"_s)).open(QIODevice::WriteOnly); }
 
     // The requests the MMS centre was sent, in order.
     QStringList requests() const {
         QStringList out;
-        const QDir folder(dir_.filePath(QStringLiteral("mmsc")));
-        for (int n = 1; folder.exists(QStringLiteral("request%1.mms").arg(n)); ++n)
-            out << folder.filePath(QStringLiteral("request%1.mms").arg(n));
+        for (int n = 1; QFile::exists(dir_.filePath(u"mmsc/request%1.mms"_s.arg(n))); ++n)
+            out << dir_.filePath(u"mmsc/request%1.mms"_s.arg(n));
         return out;
     }
 
     QString daemonLog() const {
-        QFile log(dir_.filePath(QStringLiteral("mmsd.log")));
+        QFile log(dir_.filePath(u"mmsd.log"_s));
         return log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll().right(4000)) : QString();
     }
-    bool daemonRunning() const { return daemon_ && daemon_->state() == QProcess::Running; }
 
 private:
     static QString source(const QString& name) { return QStringLiteral(MMS_TEST_SEND_DIR "/") + name; }
 
     QProcess& spawn(const QString& program, const QStringList& args, const QProcessEnvironment& env,
-                    const QString& log = {}) {
-        processes_.push_back(std::make_unique<QProcess>());
-        QProcess& p = *processes_.back();
+                    const QString& log = QProcess::nullDevice()) {
+        QProcess& p = *processes_.emplace_back(std::make_unique<QProcess>());
         p.setProcessEnvironment(env);
-        if (!log.isEmpty()) {
-            p.setStandardOutputFile(log);
-            p.setStandardErrorFile(log);
-        } else {
-            p.setStandardErrorFile(QProcess::nullDevice());
-        }
+        if (log != QProcess::nullDevice()) p.setStandardOutputFile(log);
+        p.setStandardErrorFile(log);
         p.start(program, args);
         p.waitForStarted();
         return p;
@@ -130,85 +117,41 @@ private:
     static void end(QProcess& p) {
         if (p.state() == QProcess::NotRunning) return;
         p.terminate();
-        if (!p.waitForFinished(3000)) {
-            p.kill();
-            p.waitForFinished(3000);
-        }
+        if (!p.waitForFinished(3000)) p.kill();
+        p.waitForFinished(3000);
     }
 
+    // Starts `program` and reads the first line it prints: a bus address, a port.
+    QString firstLine(const QString& program, const QStringList& args, QProcess** started = nullptr) {
+        QProcess& p = spawn(program, args, QProcessEnvironment::systemEnvironment());
+        if (started) *started = &p;
+        return p.waitForReadyRead(15000) ? QString::fromUtf8(p.readLine()).trimmed() : QString();
+    }
     QString startBus() {
-        QProcess& bus = spawn(QStringLiteral("dbus-daemon"),
-                              {QStringLiteral("--config-file=") + source(QStringLiteral("bus.conf")),
-                               QStringLiteral("--nofork"), QStringLiteral("--print-address=1")},
-                              QProcessEnvironment::systemEnvironment());
-        if (!bus.waitForReadyRead(5000)) return {};
-        return QString::fromUtf8(bus.readLine()).trimmed();
+        return firstLine(u"dbus-daemon"_s, {u"--config-file="_s + source(u"bus.conf"_s), u"--nofork"_s,
+                                            u"--print-address=1"_s});
     }
-
     bool startMmsCentre(int port) {
-        const QString folder = dir_.filePath(QStringLiteral("mmsc"));
-        QDir().mkpath(folder);
-        QFile::remove(folder + QStringLiteral("/port"));
-        mmsCentre_ = &spawn(QStringLiteral("/usr/bin/python3"),
-                            {source(QStringLiteral("loopback_mmsc.py")), folder, QString::number(port)},
-                            QProcessEnvironment::systemEnvironment());
-        const QDeadlineTimer deadline(kStartMs);
-        while (!deadline.hasExpired() && mmsCentre_->state() == QProcess::Running) {
-            QFile file(folder + QStringLiteral("/port"));
-            if (file.open(QIODevice::ReadOnly)) {
-                port_ = file.readAll().toInt();
-                return true;
-            }
-            QThread::msleep(50);
-        }
-        return false;
+        const QStringList args{source(u"loopback_mmsc.py"_s), dir_.filePath(u"mmsc"_s),
+                               QString::number(port)};
+        return (port_ = firstLine(u"/usr/bin/python3"_s, args, &mmsCentre_).toInt()) > 0;
     }
 
     bool waitForName(const QString& address, const QString& name) {
-        const QString connection = busName_ + QStringLiteral("-wait");
-        bool found = false;
-        {
-            QDBusConnection bus = QDBusConnection::connectToBus(address, connection);
-            const QDeadlineTimer deadline(kStartMs);
-            while (!deadline.hasExpired() && !(found = bus.interface()->isServiceRegistered(name)))
-                QThread::msleep(100);
-        }
+        const QString connection = busName_ + u"-wait"_s;
+        QDBusConnectionInterface* bus = QDBusConnection::connectToBus(address, connection).interface();
+        for (const QDeadlineTimer deadline(15000); !bus->isServiceRegistered(name) && !deadline.hasExpired();)
+            QThread::msleep(50);
+        const bool found = bus->isServiceRegistered(name);
         QDBusConnection::disconnectFromBus(connection);
         return found;
-    }
-
-    // The daemon's modem settings, as on a phone but pointing at the loopback MMS centre.
-    void writeSettings(qint64 totalMaxAttachmentSize) {
-        const QString folder = dir_.filePath(QStringLiteral("home/.mms/modemmanager"));
-        QDir().mkpath(folder);
-        QFile settings(folder + QStringLiteral("/mms"));
-        settings.open(QIODevice::WriteOnly);
-        settings.write(QStringLiteral("[Modem Manager]\n"
-                                      "CarrierMMSC=http://127.0.0.1:%1/mms\n"
-                                      "MMS_APN=%2\n"
-                                      "CarrierMMSProxy=NULL\n"
-                                      "DefaultModemNumber=NULL\n"
-                                      "AutoProcessOnConnection=true\n"
-                                      "AutoProcessSMSWAP=false\n"
-                                      "IMSI=%3\n\n"
-                                      "[Settings]\n"
-                                      "UseDeliveryReports=false\n"
-                                      "TotalMaxAttachmentSize=%4\n"
-                                      "MaxAttachments=25\n"
-                                      "AutoCreateSMIL=false\n"
-                                      "ForceCAres=false\n")
-                           .arg(port_)
-                           .arg(kApn, kImsi)
-                           .arg(totalMaxAttachmentSize)
-                           .toUtf8());
     }
 
     QTemporaryDir dir_;
     std::vector<std::unique_ptr<QProcess>> processes_;
     QProcess* mmsCentre_ = nullptr;
-    QProcess* daemon_ = nullptr;
     QString systemBus_, sessionBus_;
-    QString busName_ = QStringLiteral("mmsd-harness");
+    QString busName_ = u"mmsd-harness"_s;
     int port_ = 0;
 };
 

@@ -5,7 +5,6 @@
 #include "send/messagesender.h"
 #include "send/mmsdharness.h"
 
-#include <QCheckBox>
 #include <QLabel>
 #include <QSettings>
 #include <QTreeWidget>
@@ -32,14 +31,12 @@ protected:
             ctl<QPushButton>(d, "cmdSave")->click();
         });
     }
-    // Opens File > Send and runs `drive` in it.
-    void inSendWindow(std::function<void(QDialog&)> drive) {
+    // Opens File > Send or File > Sent Messages and runs `drive` in it.
+    void inSendWindow(std::function<void(QDialog&)> drive) { inWindow(&frmMMSMain::mnu_send_Click, drive); }
+    void inSentWindow(std::function<void(QDialog&)> drive) { inWindow(&frmMMSMain::mnu_sent_Click, drive); }
+    void inWindow(void (frmMMSMain::*open)(), std::function<void(QDialog&)> drive) {
         fake.dialogs.modalHooks.push_back(std::move(drive));
-        w->mnu_send_Click();
-    }
-    void inSentWindow(std::function<void(QDialog&)> drive) {
-        fake.dialogs.modalHooks.push_back(std::move(drive));
-        w->mnu_sent_Click();
+        (w.get()->*open)();
     }
     static QStringList rows(QDialog& d, int column) {
         QStringList out;
@@ -48,95 +45,79 @@ protected:
             out << list->topLevelItem(i)->text(column);
         return out;
     }
-    void logEntries(std::initializer_list<std::pair<const char*, const char*>> nameAndStatus) {
+    static void select(QDialog& d, int row) {
+        auto* list = ctl<QTreeWidget>(d, "lstSent");
+        list->setCurrentItem(list->topLevelItem(row));
+    }
+    // Hand-offs to +1555 added to the workspace's log, each as (message name, status).
+    void logEntries(std::initializer_list<std::pair<QString, QString>> nameAndStatus) {
         SentLog log(home.path());
-        int n = 0;
-        for (const auto& [name, status] : nameAndStatus)
-            ASSERT_TRUE(log.add({QLatin1String(name),
-                                 QDateTime::currentDateTimeUtc(),
-                                 {u"+1555"_s},
-                                 u"/m/%1"_s.arg(++n),
-                                 QLatin1String(status),
-                                 u"gone"_s,
-                                 {},
-                                 false})
-                            .isOk());
+        ASSERT_TRUE(log.load().isOk());
+        for (const auto& [name, status] : nameAndStatus) {
+            SentEntry e{
+                name, QDateTime::currentDateTimeUtc(), {u"+1555"_s}, u"/m/"_s + name, status, u"gone"_s, {}};
+            ASSERT_TRUE(log.add(e).isOk());
+        }
     }
 };
 
-TEST_F(SendTest, UnsavedMessageIsSavedFirstOrNotSentAtAll) {
-    compose();
-    fake.dialogs.answers.push_back(Answer::No);
-    w->mnu_send_Click();
-    EXPECT_EQ(fake.dialogs.texts(), QStringList({u"P20"_s}));
-    EXPECT_EQ(fake.dialogs.modalRuns, 0);
-
-    composeStored(u"hello"_s);
-    inSendWindow([](QDialog& d) {
-        EXPECT_EQ(ctl<QLineEdit>(d, "txtSubject")->text(), QString());
-        EXPECT_TRUE(ctl<QLabel>(d, "lblSize")->text().startsWith(u"I135"_s));
-        d.reject();
-    });
-    EXPECT_FALSE(w->isModified());
-    EXPECT_TRUE(exists(u"UserData/MMS/hello.mmt"_s));
-    EXPECT_EQ(fake.dialogs.modalRuns, 2); // the name dialog, then the Send window
-}
-
-// Each refusal is said in words, the window stays open and nothing reaches the service.
+// A refusal is said in words, the window stays open and nothing reaches the service: a recipient it
+// cannot take (every wording is a row of SendWordingTest), then a size over the limit it answers with.
 TEST_F(SendTest, RefusalsAreShownAndTheWindowStays) {
     composeStored(u"hello"_s);
     inSendWindow([this](QDialog& d) {
-        const struct {
-            const char16_t* typed;
-            const char16_t* shown;
-        } rows[] = {{u"", u"E58"}, {u"+4412, bob@example.com", u"E60"}, {u"call me", u"E59"}};
-        for (const auto& row : rows) {
+        for (const auto& [limit, typed, shown] :
+             {std::tuple{0, u"+4412, bob@example.com"_s, u"E60"_s}, std::tuple{100, u"+4412"_s, u"E61"_s}}) {
+            if (limit) emit w->sender().serviceFound(ServiceLimits{limit, 25});
             fake.dialogs.shown.clear();
-            ctl<QLineEdit>(d, "txtRecipients")->setText(QString::fromUtf16(row.typed));
+            ctl<QLineEdit>(d, "txtRecipients")->setText(typed);
             ctl<QPushButton>(d, "cmdSend")->click();
-            EXPECT_EQ(fake.dialogs.texts(), QStringList(QString::fromUtf16(row.shown)));
+            EXPECT_EQ(fake.dialogs.texts(), QStringList(shown));
             EXPECT_TRUE(ctl<QPushButton>(d, "cmdSend")->isEnabled());
         }
-        // The service answers with a limit the message exceeds.
-        emit w->sender().serviceFound(ServiceLimits{100, 25});
         EXPECT_FALSE(ctl<QLabel>(d, "lblSize")->styleSheet().isEmpty()); // marked as too large
-        fake.dialogs.shown.clear();
-        ctl<QLineEdit>(d, "txtRecipients")->setText(u"+4412"_s);
-        ctl<QPushButton>(d, "cmdSend")->click();
-        EXPECT_EQ(fake.dialogs.texts(), QStringList(u"E61"_s));
         EXPECT_EQ(d.result(), QDialog::Rejected);
         d.reject();
     });
     EXPECT_TRUE(w->sender().log().entries().empty());
 }
 
-TEST_F(SendTest, WithoutServiceSendSaysHowToGetOneAndCloses) {
+// An unsaved message is saved first or not sent at all; without a service the window says how to get
+// one and closes.
+TEST_F(SendTest, UnsavedMessageIsSavedFirstAndWithoutServiceSendSaysHowToGetOne) {
+    compose();
+    fake.dialogs.answers.push_back(Answer::No);
+    w->mnu_send_Click();
+    EXPECT_EQ(fake.dialogs.modalRuns, 0);
+
     composeStored(u"hello"_s);
     EXPECT_TRUE(ctl<QAction>(w, "mnu_send")->isEnabled());
     bool closed = false;
     inSendWindow([&](QDialog& d) {
+        EXPECT_TRUE(ctl<QLabel>(d, "lblSize")->text().startsWith(u"I135"_s));
         QObject::connect(&d, &QDialog::finished, &d, [&] { closed = true; });
         ctl<QLineEdit>(d, "txtRecipients")->setText(u"+4412"_s);
         // The service is asked once the window runs; the answer comes without a wait.
         EXPECT_TRUE(QTest::qWaitFor([&] { return closed; }, 2000));
     });
-    EXPECT_EQ(fake.dialogs.texts(), QStringList({u"P20"_s, u"P8"_s, u"E55"_s}));
+    EXPECT_EQ(fake.dialogs.texts(), QStringList({u"P20"_s, u"P20"_s, u"P8"_s, u"E55"_s}));
+    EXPECT_FALSE(w->isModified());
+    EXPECT_TRUE(exists(u"UserData/MMS/hello.mmt"_s));
+    EXPECT_EQ(fake.dialogs.modalRuns, 2); // the name dialog, then the Send window
 }
 
 TEST_F(SendTest, SentListShowsRemovesAndSendsAFailedOneAgain) {
-    logEntries({{"hello", "sent"}, {"tune", "failed"}, {"hi", "draft"}});
+    logEntries({{u"hello"_s, u"sent"_s}, {u"tune"_s, u"failed"_s}, {u"hi"_s, u"draft"_s}});
     w->sender().refresh(); // as at start-up, without a service
     inSentWindow([this](QDialog& d) {
         EXPECT_EQ(rows(d, 0), QStringList({u"hello"_s, u"tune"_s, u"hi"_s}));
         EXPECT_EQ(rows(d, 2), QStringList({u"+1555"_s, u"+1555"_s, u"+1555"_s}));
         EXPECT_EQ(rows(d, 3), QStringList({u"I145"_s, u"I147"_s, u"I144"_s}));
-        auto* list = ctl<QTreeWidget>(d, "lstSent");
-        list->setCurrentItem(list->topLevelItem(0));
+        select(d, 0);
         EXPECT_FALSE(ctl<QPushButton>(d, "cmdSendAgain")->isEnabled());
 
         // Again of the failed one, whose stored message has gone since: refused in words.
-        list->setCurrentItem(list->topLevelItem(1));
-        ASSERT_TRUE(ctl<QPushButton>(d, "cmdSendAgain")->isEnabled());
+        select(d, 1);
         ctl<QPushButton>(d, "cmdSendAgain")->click();
         EXPECT_EQ(fake.dialogs.texts(), QStringList(u"E57"_s));
         EXPECT_EQ(rows(d, 0).size(), 3);
@@ -169,10 +150,6 @@ protected:
         options.languageFolder = QStringLiteral(MMS_BIN_DIR);
         ComposerTest::SetUp();
     }
-    QString statusOf(std::size_t entry) {
-        const auto& entries = w->sender().log().entries();
-        return entry < entries.size() ? entries[entry].status : QString();
-    }
     MmsdHarness harness;
 };
 
@@ -187,29 +164,19 @@ TEST_F(RealDaemonSendTest, MessageFromTheSendWindowReachesTheMmsCentre) {
         EXPECT_FALSE(ctl<QPushButton>(d, "cmdSend")->isEnabled());
         EXPECT_TRUE(QTest::qWaitFor([&] { return d.result() == QDialog::Accepted; }, 15000));
     });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return statusOf(0) == u"sent"_s; }, 30000))
+    const auto& entries = w->sender().log().entries();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !entries.empty() && entries[0].status == u"sent"_s; }, 30000))
         << harness.daemonLog().toStdString();
     EXPECT_EQ(harness.requests().size(), 1);
     EXPECT_EQ(QSettings(options.settingsFile, QSettings::IniFormat).value(u"RecentNumbers"_s).toStringList(),
               QStringList(u"+441234999000"_s));
 
     // A failed hand-off of the same message, sent again from the list.
-    SentLog log(home.path());
-    ASSERT_TRUE(log.load().isOk());
-    ASSERT_TRUE(log.add({u"hello"_s,
-                         QDateTime::currentDateTimeUtc(),
-                         {u"+4412"_s},
-                         u"/gone"_s,
-                         u"failed"_s,
-                         u"no route"_s,
-                         {},
-                         false})
-                    .isOk());
+    logEntries({{u"hello"_s, u"failed"_s}});
     inSentWindow([this](QDialog& d) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return rows(d, 0).size() == 2; }, 5000));
         EXPECT_EQ(rows(d, 3).value(0), u"sent"_s);
-        auto* list = ctl<QTreeWidget>(d, "lstSent");
-        list->setCurrentItem(list->topLevelItem(1));
+        select(d, 1);
         ctl<QPushButton>(d, "cmdSendAgain")->click();
         EXPECT_TRUE(QTest::qWaitFor([&] { return rows(d, 3).value(2) == u"sent"_s; }, 30000))
             << rows(d, 3).join(u' ').toStdString();

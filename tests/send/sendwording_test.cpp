@@ -59,16 +59,11 @@ TEST(SendWordingTest, SizeReadsUnknownUntilTheServiceAnswers) {
 
 TEST(SendWordingTest, StatusesInWordsAndTheDaemonsOwnAsTheyAre) {
     const Localisation loc = placeholderTexts();
-    SentEntry e;
-    for (const auto& [status, shown] : {std::pair{u"draft"_s, u"I144 [%1] [%2]"_s},
-                                        {u"delivered"_s, u"I146 [%1] [%2]"_s},
-                                        {u"expired"_s, u"expired"_s}}) {
-        e.status = status;
-        EXPECT_EQ(statusText(loc, e), shown);
-    }
-    e.status = u"failed"_s;
-    e.reason = u"no route"_s;
-    EXPECT_EQ(statusText(loc, e), u"I147 [no route] [%2]"_s);
+    for (const auto& [status, reason, shown] : {std::tuple{u"draft"_s, QString(), u"I144 [%1] [%2]"_s},
+                                                {u"delivered"_s, QString(), u"I146 [%1] [%2]"_s},
+                                                {u"expired"_s, QString(), u"expired"_s},
+                                                {u"failed"_s, u"no route"_s, u"I147 [no route] [%2]"_s}})
+        EXPECT_EQ(statusText(loc, SentEntry{{}, {}, {}, {}, status, reason, {}}), shown);
 }
 
 TEST(SendWordingTest, RecentNumbersLastUsedFirstAndBounded) {

@@ -16,14 +16,9 @@ TEST(SentLogTest, StatusesFollowTheDaemonAndAFinalOneDropsTheSnapshot) {
     TempDir dir;
     const QString snapshot = dir.write(u"Temp/send-1/message/pic1.gif"_s, "GIF8").section(u'/', 0, -3);
     SentLog log(dir.path());
-    ASSERT_TRUE(log.add({u"hello"_s,
-                         QDateTime::currentDateTimeUtc(),
-                         {u"+1555"_s},
-                         u"/m/1"_s,
-                         u"draft"_s,
-                         {},
-                         snapshot})
-                    .isOk());
+    SentEntry e{u"hello"_s, QDateTime::currentDateTimeUtc(), {u"+1555"_s}, u"/m/1"_s, u"draft"_s, {},
+                snapshot};
+    ASSERT_TRUE(log.add(e).isOk());
     EXPECT_FALSE(log.update(u"/m/2"_s, u"sent"_s));
     EXPECT_TRUE(log.update(u"/m/1"_s, u"failed"_s, u"gone"_s));
     EXPECT_FALSE(QFileInfo::exists(snapshot));
