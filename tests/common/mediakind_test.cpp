@@ -32,19 +32,13 @@ TEST(MediaKind, TheFileNamesLastExtensionInAnyCaseDecides) {
         EXPECT_EQ(mediaKindOf(QString::fromLatin1(path)), kind) << path;
 }
 
-TEST(MediaKind, SlidesTakeStillPicturesClipsAndSounds) {
-    // picture, clip, sound
-    const std::tuple<const char*, bool, bool, bool> cases[] = {
-        {"a.GIF", true, false, false},  {"a.jpeg", true, false, false}, {"a.bmp", true, false, false},
-        {"a.png", false, false, false}, {"a.3gp", false, true, false},  {"a.AMR", false, false, true},
-        {"a.mid", false, false, true},  {"a.txt", false, false, false},
-    };
-    for (const auto& [path, picture, clip, sound] : cases) {
-        const QString p = QString::fromLatin1(path);
-        EXPECT_EQ(isPicture(p), picture) << path;
-        EXPECT_EQ(isVideoClip(p), clip) << path;
-        EXPECT_EQ(isSound(p), sound) << path;
-    }
+// Two rules go by the exact letters: the large-GIF refusal and the clip that keeps its thumbnail.
+TEST(MediaKind, TheNamePatternsKeepTheirCase) {
+    for (const char* gif : {"a.gif", "A.GIF"})
+        EXPECT_TRUE(matchesGifPattern(QString::fromLatin1(gif))) << gif;
+    EXPECT_FALSE(matchesGifPattern(u"mixed.Gif"_s));
+    EXPECT_TRUE(matchesClipPattern(u"c.3gp"_s));
+    EXPECT_FALSE(matchesClipPattern(u"c.3GP"_s));
 }
 
 } // namespace
