@@ -10,16 +10,14 @@
 #include "support/scriptedtime.h"
 #include "support/tempdir.h"
 
+#include <QImageReader>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace mms;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray quantTables(const QByteArray& jpeg) {
-    return jpeg.mid(jpeg.indexOf("\xFF\xDB"), 2 * 69);
-}
 
 // Red above blue with a green left edge: shows flips, mirror images and swapped channels.
 QImage edged(QImage::Format format = QImage::Format_RGB32) {
@@ -46,11 +44,11 @@ bool reddish(QRgb c) {
 class PictureImportTest : public ::testing::Test {
 protected:
     PictureImportTest() {
-        clock.time = QDateTime(QDate(2024, 3, 7), QTime(9, 5, 41)); // no field padded
+        clock.time = QDateTime(QDate(2024, 3, 7), QTime(9, 5, 41));
         random.draws = {0.5, 0.25, 0.5, 0.75};
     }
     QString library(const QString& name, const QByteArray& bytes, qsizetype length = 0) const {
-        return home.write(QStringLiteral("UserData/Picture/") + name, test::padded(bytes, length));
+        return home.write(u"UserData/Picture/"_s + name, test::padded(bytes, length));
     }
     QString scratch(const QString& name = {}) const { return workspace::tmpJpg(home.path()) + u'/' + name; }
     qsizetype scratchCount() const { return QDir(scratch()).entryList(QDir::Files).size(); }
@@ -60,14 +58,14 @@ protected:
     test::TempDir home;
     test::FixedClock clock;
     test::ScriptedRandom random;
-    const QByteArray bmp = test::encoded(test::filled(150, 150, Qt::darkCyan), "BMP");
+    const QByteArray bmp = test::solid("BMP", 150, 150, Qt::darkCyan);
 };
 
 } // namespace
 
 TEST(JpegWriter, WritesBaselineThreeComponentJpegsOfTheSourceSizeAtQuality35) {
     test::TempDir dir;
-    const QString out = dir.file(QStringLiteral("out.jpg"));
+    const QString out = dir.file(u"out.jpg"_s);
     const std::pair<const char*, QByteArray> sources[] = {
         {"palette.png", test::encoded(edged(QImage::Format_Indexed8), "PNG")},
         {"grey.jpg", test::encoded(edged(QImage::Format_Grayscale8), "JPG", 95)},
@@ -86,22 +84,21 @@ TEST(JpegWriter, WritesBaselineThreeComponentJpegsOfTheSourceSizeAtQuality35) {
             EXPECT_LT(qAbs(qGray(back.pixel(p)) - qGray(original.pixel(p))), 40) << name;
     }
     // Quality 35: libjpeg-turbo's own encoder at that quality uses the same tables.
-    const auto cjpeg = test::runTool(QStringLiteral("cjpeg"),
-                                     {QStringLiteral("-quality"), QStringLiteral("35"),
-                                      dir.write(QStringLiteral("in.ppm"), test::encoded(edged(), "PPM"))});
+    const auto cjpeg = test::runTool(
+        u"cjpeg"_s, {u"-quality"_s, u"35"_s, dir.write(u"in.ppm"_s, test::encoded(edged(), "PPM"))});
     if (!cjpeg) GTEST_SKIP() << "cjpeg (libjpeg-turbo-progs) is not installed";
-    EXPECT_EQ(quantTables(cjpeg->out), quantTables(test::TempDir::read(out)));
+    EXPECT_EQ(test::quantTables(cjpeg->out), test::quantTables(test::TempDir::read(out)));
 }
 
 TEST(JpegWriter, AFailureLeavesNoFileAndAnExistingOneUntouched) {
     test::TempDir dir;
     cDIBSection dib;
     ASSERT_TRUE(dib.Create(8, 8));
-    const Status status = writeJpegFile(dib, dir.file(QStringLiteral("no/folder/out.jpg")), kJpegQuality);
-    EXPECT_TRUE(status.message().contains(QStringLiteral("out.jpg")));
-    const QString existing = dir.write(QStringLiteral("keep.jpg"), "precious");
+    const Status status = writeJpegFile(dib, dir.file(u"no/folder/out.jpg"_s), kJpegQuality);
+    EXPECT_TRUE(status.message().contains(u"out.jpg"_s));
+    const QString existing = dir.write(u"keep.jpg"_s, "precious");
     EXPECT_FALSE(writeJpegFile(dib, existing, 0).isOk());
-    EXPECT_FALSE(reencodeAsJpeg(dir.write(QStringLiteral("text.jpg"), "no picture"), existing).isOk());
+    EXPECT_FALSE(reencodeAsJpeg(dir.write(u"text.jpg"_s, "no picture"), existing).isOk());
     EXPECT_EQ(test::TempDir::read(existing), QByteArray("precious"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);
 }
@@ -147,13 +144,9 @@ TEST(PictureFit, FindsTheLargestUprightSizeUnderTheLimit) {
             c.upright.width() >= c.upright.height()
                 ? QSize(longer, qMax(1, qRound(double(c.upright.height()) * longer / c.upright.width())))
                 : QSize(qMax(1, qRound(double(c.upright.width()) * longer / c.upright.height())), longer);
-        QByteArray bigger;
-        ASSERT_TRUE(encodeJpeg(QImage::fromData(c.bytes)
-                                   .convertToFormat(QImage::Format_RGB32)
-                                   .scaled(next, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
-                               kJpegQuality, bigger)
-                        .isOk());
-        EXPECT_GT(bigger.size(), c.maxBytes) << c.name;
+        const QImage scaled =
+            QImage::fromData(c.bytes).scaled(next, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        EXPECT_GT(test::jpegOf(scaled, kJpegQuality).size(), c.maxBytes) << c.name;
     }
 }
 
@@ -161,88 +154,113 @@ TEST(PictureFit, SaysWhyWhenNoSizeFitsAndWritesNothing) {
     test::TempDir dir;
     const QString picture = dir.write(u"p.png"_s, test::encoded(marked(80, 60), "PNG"));
     const QString out = dir.file(u"out.jpg"_s);
-    // Even 1 by 1 pixel takes the JPEG's headers and tables: several hundred bytes.
-    FitResult fit = fitPictureToFile(picture, out, 300);
-    EXPECT_EQ(fit.outcome, FitResult::Outcome::NoFit);
-    EXPECT_TRUE(fit.message.contains(u"p.png"_s) && fit.message.contains(u"300"_s));
-    // A strip 1 pixel high keeps its shape down to a long side of 32768 at the smallest.
-    fit = fitPicture(test::encoded(test::noise(65535, 1), "PNG"), u"strip"_s, 2000);
-    EXPECT_EQ(fit.outcome, FitResult::Outcome::NoFit);
-    EXPECT_TRUE(fit.message.contains(u"32768 by 1"_s)) << fit.message.toStdString();
-
-    fit = fitPictureToFile(dir.write(u"t.jpg"_s, "not a picture"), out);
-    EXPECT_EQ(fit.outcome, FitResult::Outcome::Failed);
-    EXPECT_TRUE(fit.message.contains(u"t.jpg"_s));
     const std::atomic<bool> cancelled{true};
-    EXPECT_EQ(fitPictureToFile(picture, out, 2000, &cancelled).outcome, FitResult::Outcome::Cancelled);
+    const struct {
+        FitResult fit;
+        FitResult::Outcome outcome;
+        QStringList told;
+    } cases[] = {
+        // Even 1 by 1 pixel takes the JPEG's headers and tables: several hundred bytes.
+        {fitPictureToFile(picture, out, 300), FitResult::Outcome::NoFit, {u"p.png"_s, u"300"_s}},
+        // A strip 1 pixel high keeps its shape down to a long side of 32768 at the smallest.
+        {fitPicture(test::encoded(test::noise(65535, 1), "PNG"), u"strip"_s, 2000),
+         FitResult::Outcome::NoFit,
+         {u"32768 by 1"_s}},
+        {fitPictureToFile(dir.write(u"t.jpg"_s, "not a picture"), out),
+         FitResult::Outcome::Failed,
+         {u"t.jpg"_s}},
+        {fitPictureToFile(picture, out, 2000, &cancelled), FitResult::Outcome::Cancelled, {}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.fit.outcome, c.outcome) << c.fit.message.toStdString();
+        for (const QString& part : c.told)
+            EXPECT_TRUE(c.fit.message.contains(part)) << c.fit.message.toStdString();
+    }
     EXPECT_FALSE(QFile::exists(out));
 }
 
-TEST(PictureFit, MmscFitPrintsTheResultOrSaysWhyInOneLine) {
+// mmsc's picture commands print one line, or say why in one line and write nothing.
+TEST(MmscPictures, FitAndGifPrintTheResultOrSayWhyAndWriteAllOrNothing) {
     test::TempDir dir;
-    const QString in = dir.write(u"in.bmp"_s, test::encoded(marked(700, 300), "BMP"));
-    const QString out = dir.file(u"out.jpg"_s);
-    test::MmscRun run = test::runMmsc({}, u"fit %1 %2"_s.arg(in, out));
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QSize size = QImage::fromData(test::TempDir::read(out), "JPEG").size();
-    EXPECT_EQ(run.out,
-              u"%1\t%2x%3\t%4\n"_s.arg(out).arg(size.width()).arg(size.height()).arg(QFileInfo(out).size()));
-    EXPECT_LT(QFileInfo(out).size(), kAttachmentLimit); // the default limit
-
-    const QString none = dir.file(u"none.jpg"_s);
-    run = test::runMmsc({}, u"fit %1 %2 --max-bytes 200"_s.arg(in, none));
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.err.count(u'\n'), 1);
-    for (const QString& bad : {u"fit %1"_s.arg(in), u"fit %1 %2 --max-bytes x"_s.arg(in, none),
-                               u"fit %1/missing.png %2"_s.arg(dir.path(), none)})
-        EXPECT_EQ(test::runMmsc({}, bad).exitCode, 2) << bad.toStdString();
+    const QString bmp = dir.write(u"in.bmp"_s, test::encoded(marked(700, 300), "BMP"));
+    const QString gif = dir.write(u"in.gif"_s, test::animatedGif(QSize(256, 256), {5, 5, 5}, 0));
+    const QString text = dir.write(u"text.gif"_s, "not a picture"), none = dir.file(u"none"_s);
+    for (const auto& [command, in, frames] :
+         {std::tuple(u"fit"_s, bmp, u""_s), std::tuple(u"gif"_s, gif, u"\t3"_s)}) {
+        const QString out = dir.file(command + u".out"_s);
+        const test::MmscRun run = test::runMmsc({}, u"%1 %2 %3"_s.arg(command, in, out));
+        const QSize size = QImageReader(out).size();
+        test::expectRun(run, 0,
+                        u"%1%2\t%3x%4\t%5\n"_s.arg(out, frames)
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(QFileInfo(out).size()));
+        EXPECT_LT(QFileInfo(out).size(), kAttachmentLimit); // the default limit
+    }
+    const struct {
+        QString args;
+        int status;
+        const char* errHas;
+    } refusals[] = {
+        {u"fit %1 %2 --max-bytes 200"_s.arg(bmp, none), 1, "200"},
+        {u"gif %1 %2 --max-bytes 10"_s.arg(gif, none), 1, "10"},
+        {u"fit %1"_s.arg(bmp), 2, ""},
+        {u"gif %1"_s.arg(gif), 2, ""},
+        {u"fit %1 %2 --max-bytes x"_s.arg(bmp, none), 2, "--max-bytes"},
+        {u"gif %1 %2 --max-bytes 0"_s.arg(gif, none), 2, "--max-bytes"},
+        {u"fit %1/missing.png %2"_s.arg(dir.path(), none), 2, "missing.png"},
+        {u"gif %1 %2"_s.arg(text, none), 2, "text.gif"},
+        {u"jpeg %1 %2 --quality 0"_s.arg(bmp, none), 2, "--quality"},
+        {u"fit %1 %2 --quality"_s.arg(bmp, none), 2, "--quality"},
+        {u"build --quality x --slide --pic %1 --export %2"_s.arg(bmp, none), 2, "--quality"},
+    };
+    for (const auto& c : refusals) {
+        SCOPED_TRACE(c.args.toStdString());
+        test::expectRun(test::runMmsc({}, c.args), c.status, {}, QLatin1String(c.errHas));
+    }
     EXPECT_FALSE(QFile::exists(none));
 }
 
-TEST_F(PictureImportTest, ScratchNamesHaveNoPaddingAndNeverReuseAName) {
-    EXPECT_EQ(conversionStamp(QDateTime(QDate(2024, 12, 17), QTime(13, 45))), QStringLiteral("202412171345"));
-    const QString big = library(QStringLiteral("big.bmp"), bmp, 200000);
-    EXPECT_EQ(import(big).picturePath, scratch(QStringLiteral("2024379555000.jpg")));
-    EXPECT_EQ(import(big).picturePath, scratch(QStringLiteral("2024379532500.jpg")));
-    // 55000 drawn again: drawn anew rather than overwriting a picture a slide may hold.
-    EXPECT_EQ(import(big).picturePath, scratch(QStringLiteral("2024379577500.jpg")));
-}
-
-TEST_F(PictureImportTest, OnlyFilesUnderTheLimitAreUsedAsTheyAre) {
-    const QString under = library(QStringLiteral("under.bmp"), bmp, 102399);
-    const QString at = library(QStringLiteral("at.bmp"), bmp, 102400);
+// The file at the limit is converted three times: three scratch names, none reused.
+TEST_F(PictureImportTest, OnlyFilesUnderTheLimitAreUsedAsTheyAreAndScratchNamesAreNeverReused) {
+    EXPECT_EQ(conversionStamp(QDateTime(QDate(2024, 12, 17), QTime(13, 45))), u"202412171345"_s);
+    const QString under = library(u"under.bmp"_s, bmp, 102399);
+    const QString at = library(u"at.bmp"_s, bmp, 102400);
     EXPECT_EQ(import(under).picturePath, under);
     const PictureImport converted = import(at);
-    EXPECT_EQ(converted.picturePath, scratch(QStringLiteral("2024379555000.jpg")));
+    EXPECT_EQ(converted.picturePath, scratch(u"2024379555000.jpg"_s)); // no field padded
     EXPECT_LT(QFileInfo(converted.picturePath).size(), kAttachmentLimit);
     EXPECT_EQ(QImage(converted.picturePath).size(), QSize(150, 150));
     EXPECT_EQ(import(at, false).picturePath, at); // nothing listed: used as it is, whatever its size
-    EXPECT_EQ(scratchCount(), 1);
+    EXPECT_EQ(import(at).picturePath, scratch(u"2024379532500.jpg"_s));
+    // 55000 drawn again: drawn anew rather than overwriting a picture a slide may hold.
+    EXPECT_EQ(import(at).picturePath, scratch(u"2024379577500.jpg"_s));
+    EXPECT_EQ(scratchCount(), 3);
 }
 
-TEST_F(PictureImportTest, LargeGifsByTheirTwoPatternsAndConversionsStillTooLargeAreRefused) {
-    for (const char* name : {"big.gif", "BIG.GIF"})
-        EXPECT_EQ(import(library(QLatin1String(name), test::tinyGif(), 150000)).errorNumber,
-                  imagetext::kErrPictureTooLarge);
+TEST_F(PictureImportTest, RefusedSourcesSayWhyAndLeaveNoScratchFile) {
+    const struct {
+        QString source;
+        int error;
+        bool named; // the detail names the file
+    } cases[] = {{library(u"big.gif"_s, test::tinyGif(), 150000), imagetext::kErrPictureTooLarge, false},
+                 {library(u"BIG.GIF"_s, test::tinyGif(), 150000), imagetext::kErrPictureTooLarge, false},
+                 {home.file(u"gone.jpg"_s), imagetext::kErrPictureNotLoaded, true},
+                 {library(u"fake.jpg"_s, QByteArray(150000, 'x')), picturetext::kErrTextFile, true}};
+    for (const auto& c : cases) {
+        const PictureImport refused = import(c.source);
+        EXPECT_EQ(refused.errorNumber, c.error) << c.source.toStdString();
+        EXPECT_EQ(refused.detail.contains(QFileInfo(c.source).fileName()), c.named) << c.source.toStdString();
+        EXPECT_EQ(refused.errorText(u"No.\n%1"_s), u"No.\n"_s + refused.detail);
+    }
     EXPECT_EQ(scratchCount(), 0);
-    const PictureImport mixed = import(library(QStringLiteral("mixed.Gif"), test::tinyGif(), 150000));
+    // Only the two spellings of the extension mark a GIF: this one is converted.
+    const PictureImport mixed = import(library(u"mixed.Gif"_s, test::tinyGif(), 150000));
     EXPECT_GT(QImage(mixed.picturePath).pixelColor(0, 0).red(), 180);
     // A conversion still too large stays in the scratch folder.
-    const PictureImport result =
-        import(library(QStringLiteral("noise.bmp"), test::encoded(test::noise(600, 600), "BMP")));
+    const PictureImport result = import(library(u"noise.bmp"_s, test::encoded(test::noise(600, 600), "BMP")));
     EXPECT_EQ(result.errorNumber, imagetext::kErrPictureTooLarge);
     EXPECT_TRUE(result.picturePath.isEmpty());
     EXPECT_GE(QFileInfo(result.convertedPath).size(), kAttachmentLimit);
     EXPECT_TRUE(result.convertedPath.startsWith(scratch()));
-}
-
-TEST_F(PictureImportTest, UnreadableSourcesAreReportedWithTheirName) {
-    const PictureImport missing = import(home.file(QStringLiteral("gone.jpg")));
-    EXPECT_EQ(missing.errorNumber, imagetext::kErrPictureNotLoaded);
-    EXPECT_TRUE(missing.detail.contains(QStringLiteral("gone.jpg")));
-    const PictureImport broken = import(library(QStringLiteral("fake.jpg"), QByteArray(150000, 'x')));
-    EXPECT_EQ(broken.errorNumber, picturetext::kErrTextFile);
-    EXPECT_EQ(broken.errorText(QStringLiteral("No.\n%1")), QStringLiteral("No.\n") + broken.detail);
-    EXPECT_TRUE(broken.detail.contains(QStringLiteral("fake.jpg")));
-    EXPECT_EQ(scratchCount(), 0);
 }

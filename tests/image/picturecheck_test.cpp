@@ -1,29 +1,42 @@
 #include "image/exiforientation.h"
 #include "image/imageprobe.h"
 #include "image/picturecheck.h"
-#include "image/pictureimport.h"
 #include "image/picturetexts.h"
-#include "image/thumbnailloader.h"
-#include "image/uprightdecode.h"
 #include "picturefiles.h"
 #include "support/qtprint.h"
-#include "support/scriptedtime.h"
 #include "support/tempdir.h"
 
-#include <QtEndian>
 #include <gtest/gtest.h>
 #include <tuple>
 
 using namespace mms;
+using namespace mms::test;
 using namespace Qt::StringLiterals;
 using Kind = PictureTrouble::Kind;
 
 namespace {
 
-QByteArray segment(int marker, const QByteArray& body) {
-    const int n = int(body.size()) + 2;
-    const char header[] = {char(0xFF), char(marker), char(n >> 8), char(n & 0xFF)};
-    return QByteArray(header, 4) + body;
+QByteArray bytes(std::initializer_list<int> values) {
+    QByteArray out;
+    for (int v : values)
+        out.append(char(v));
+    return out;
+}
+
+QByteArray frame(int h, int w, int components) {
+    return bytes({8, h >> 8, h & 0xFF, w >> 8, w & 0xFF, components});
+}
+
+QByteArray encode(QImage::Format format, int w, int h, const char* type, bool progressive = false) {
+    return encoded(filled(w, h, Qt::red).convertToFormat(format), type, -1, progressive);
+}
+
+// A 4 by 4 PNG whose header claims `colourType` at `bitDepth`.
+QByteArray png(int colourType, int bitDepth) {
+    QByteArray b = encode(QImage::Format_Indexed8, 4, 4, "png");
+    b[25] = char(colourType);
+    b[24] = char(bitDepth);
+    return b;
 }
 
 // What a phone puts before the frame: Exif, maker data and a preview, 100 KB and more in all.
@@ -34,61 +47,80 @@ QByteArray phoneMetadata() {
     return out;
 }
 
-QByteArray afterSoi(const QByteArray& jpeg, const QByteArray& inserted) {
-    return jpeg.left(2) + inserted + jpeg.mid(2);
-}
-
-// An Exif block whose IFD0 holds one orientation entry.
-QByteArray exif(bool little, int type, quint32 count, quint32 value) {
-    QByteArray tiff(8 + 2 + 12 + 4, '\0');
-    auto* p = reinterpret_cast<uchar*>(tiff.data());
-    const auto put16 = [&](int at, quint16 v) {
-        little ? qToLittleEndian(v, p + at) : qToBigEndian(v, p + at);
-    };
-    const auto put32 = [&](int at, quint32 v) {
-        little ? qToLittleEndian(v, p + at) : qToBigEndian(v, p + at);
-    };
-    tiff[0] = tiff[1] = little ? 'I' : 'M';
-    put16(2, 42), put32(4, 8), put16(8, 1), put16(10, 0x0112), put16(12, quint16(type)), put32(14, count);
-    if (type == 1)
-        p[18] = uchar(value);
-    else if (type == 3 || type == 8)
-        put16(18, quint16(value));
-    else
-        put32(18, value);
-    return segment(0xE1, QByteArray("Exif\0\0", 6) + tiff);
-}
-
-QByteArray photo(int w, int h) {
-    return test::encoded(test::noise(w, h), "JPEG", 90);
-}
-
 } // namespace
 
-TEST(ImageProbe, FollowsTheChainToAFrameBehindLargeMetadataAndNoFurtherThanItMust) {
-    test::TempDir dir;
-    const QByteArray plain = photo(64, 48);
-    const QByteArray phone = afterSoi(plain, phoneMetadata());
+// Every row is probed in memory and from a file, which reads the first 64 KiB and seeks beyond.
+TEST(ImageProbe, HeadersChainsAndHostileBytesInMemoryAndInFiles) {
+    QByteArray bmp(54, '\0');
+    bmp[0] = 'B', bmp[1] = 'M', bmp[18] = char(0x70), bmp[19] = char(0x11), bmp[20] = 1, bmp[22] = 5,
+    bmp[28] = 32;
+    const QByteArray soi("\xFF\xD8", 2), app1("\xFF\xD8\xFF\xE1", 4);
+    const QByteArray plain = noisyJpeg(64, 48), phone = afterSoi(plain, phoneMetadata());
     ASSERT_GT(phone.size(), 100000);
-    const QByteArray gap = afterSoi(plain, phoneMetadata() + "garbage between segments");
     const struct {
         const char* what;
         QByteArray bytes;
-        bool answer;
-    } cases[] = {{"phone photo", phone, true},
-                 {"broken chain", gap, false},
-                 {"chain past the end", phone.left(100000), false}};
+        bool answer = false;
+        int type = 0, w = 0, h = 0, depth = 0;
+    } cases[] = {
+        {"gif", QByteArray::fromHex("474946383961 2c01 c800 f7 0000"), true, 1, 300, 200, 8},
+        {"gif87a of one bit", QByteArray::fromHex("474946 383761 0a00 0b00 00"), true, 1, 10, 11, 1},
+        {"bmp", encode(QImage::Format_RGB888, 321, 17, "bmp"), true, 4, 321, 17, 24},
+        {"bmp wider than 65535", bmp, true, 4, 0x1170, 5, 32},
+        {"png rgb", encode(QImage::Format_RGB888, 40, 30, "png"), true, 3, 40, 30, 24},
+        {"png rgba", encode(QImage::Format_ARGB32, 40, 30, "png"), true, 3, 40, 30, 32},
+        {"png grey", encode(QImage::Format_Grayscale8, 40, 30, "png"), true, 3, 40, 30, 8},
+        {"png grey 16", encode(QImage::Format_Grayscale16, 40, 30, "png"), true, 3, 40, 30, 16},
+        // A palette image is 8 bits deep whatever its bit depth.
+        {"palette", png(3, 4), true, 3, 4, 4, 8},
+        {"grey with alpha", png(4, 16), true, 3, 4, 4, 32},
+        // An unknown colour type falls through to the JPEG scan.
+        {"unknown colour type", png(5, 16)},
+        {"unknown colour type with a frame", png(5, 16) + soi + segment(0xC0, frame(9, 7, 3)), true, 2, 7, 9,
+         24},
+        {"jpeg baseline", encode(QImage::Format_RGB32, 640, 480, "jpeg"), true, 2, 640, 480, 24},
+        {"jpeg grey", encode(QImage::Format_Grayscale8, 64, 48, "jpeg"), true, 2, 64, 48, 8},
+        {"jpeg progressive", encode(QImage::Format_RGB32, 90, 70, "jpeg", true), true, 2, 90, 70, 24},
+        // Segments before the frame are skipped, DHT (C4) is not a frame; any prefix before SOI is fine.
+        {"skipped segments",
+         "junk" + soi + segment(0xE0, "JFIF\0") + segment(0xC4, QByteArray(20, 1)) + segment(0xC8, {}) +
+             segment(0xC2, frame(100, 200, 1)),
+         true, 2, 200, 100, 8},
+        {"empty", {}},
+        {"all 0xFF", QByteArray(70000, char(0xFF))},
+        // A segment length that jumps past the limit, one that lands on the limit, and a zero length.
+        {"jump past the end", app1 + QByteArray("\xFF\xFF", 2)},
+        {"jump to the limit", app1 + QByteArray::fromHex("fff8") + QByteArray(65540, '\0')},
+        {"zero length", app1 + QByteArray(2, '\0') + segment(0xC1, frame(3, 4, 3)), true, 2, 4, 3, 24},
+        // A frame beyond the first 64 KiB is found by the chain; a start of image beyond them is not.
+        {"frame beyond 64 KiB",
+         soi + segment(0xFE, QByteArray(65000, 'c')) + segment(0xFE, QByteArray(600, 'c')) +
+             segment(0xC0, frame(1, 1, 3)),
+         true, 2, 1, 1, 24},
+        {"phone photo", phone, true, 2, 64, 48, 24},
+        {"broken chain", afterSoi(plain, phoneMetadata() + "garbage between segments")},
+        {"chain past the end", phone.left(100000)},
+    };
+    TempDir dir;
     for (const auto& c : cases) {
         ImageProbe fromFile;
         ASSERT_TRUE(checkValidImg(dir.write(u"p.jpg"_s, c.bytes), fromFile)) << c.what;
         for (const ImageProbe& r : {fromFile, checkValidImg(QByteArrayView(c.bytes))})
             EXPECT_EQ(std::tuple(r.answer, r.imgType, r.imgWidth, r.imgHeight, r.imgDepth),
-                      c.answer ? std::tuple(true, 2, 64, 48, quint8(24))
-                               : std::tuple(false, 0, 0, 0, quint8(0)))
+                      std::tuple(c.answer, c.type, c.w, c.h, c.depth))
                 << c.what;
     }
-    dir.write(u"p.jpg"_s, phone);
-    EXPECT_EQ(listPictureFiles(dir.path(), 0), QStringList{u"p.jpg"_s});
+    for (int at : {65520, 65522, 65523, 65524, 65525, 65530}) {
+        const QByteArray b =
+            QByteArray(at, 'x') + soi + QByteArray("\xFF\xC0\x00\x11", 4) + QByteArray(20, char(0xFF));
+        EXPECT_EQ(checkValidImg(QByteArrayView(b)).imgType, at <= 65522 ? 2 : 0) << at;
+    }
+    ImageProbe r;
+    r.imgType = 7;
+    const Status missing = checkValidImg(dir.file(u"missing.png"_s), r);
+    EXPECT_TRUE(!missing.isOk() && missing.message().contains(u"missing.png"_s));
+    EXPECT_EQ(r.imgType, 0);
+    EXPECT_FALSE(checkValidImg(dir.path(), r).isOk()); // a folder is not a file
 }
 
 TEST(ExifOrientation, EveryIntegerTypeInEitherByteOrderAndNothingElse) {
@@ -98,7 +130,7 @@ TEST(ExifOrientation, EveryIntegerTypeInEitherByteOrderAndNothingElse) {
         int expected;
     } cases[] = {{1, 1, 6, 6},           {3, 1, 8, 8}, {4, 1, 5, 5}, {9, 1, 6, 6}, {3, 1, 9, 0},
                  {9, 1, quint32(-6), 0}, {8, 1, 6, 0}, {5, 1, 6, 0}, {3, 2, 6, 0}};
-    const QByteArray plain = photo(40, 20);
+    const QByteArray plain = noisyJpeg(40, 20);
     for (const auto& c : cases)
         for (bool little : {true, false}) {
             // After a large maker segment, as phones write it.
@@ -106,25 +138,12 @@ TEST(ExifOrientation, EveryIntegerTypeInEitherByteOrderAndNothingElse) {
                                                         exif(little, c.type, c.count, c.value));
             EXPECT_EQ(exifOrientation(jpeg), c.expected) << c.type << ' ' << c.value << ' ' << little;
         }
-    EXPECT_EQ(exifOrientation(test::encoded(test::filled(4, 4, Qt::red), "PNG")), 0);
-
-    // Turned wherever a picture is shown or converted.
-    test::TempDir dir;
-    const QByteArray turned = afterSoi(plain, exif(false, 9, 1, 6));
-    UprightPicture upright;
-    ASSERT_TRUE(upright.open(turned, u"t.jpg"_s));
-    EXPECT_EQ(upright.size(), QSize(20, 40));
-    const QImage thumbnail = loadFittedPicture(dir.write(u"t.jpg"_s, turned), QSize(40, 40), Qt::white);
-    EXPECT_EQ(thumbnail.pixelColor(2, 20), QColor(Qt::white)); // a tall picture leaves the sides empty
-    EXPECT_NE(thumbnail.pixelColor(20, 2), QColor(Qt::white));
+    EXPECT_EQ(exifOrientation(solid("PNG", 4, 4, Qt::red)), 0);
 }
 
 TEST(PictureCheck, EveryUnreadablePictureHasAPlainReason) {
-    const QByteArray good = photo(64, 64);
-    QByteArray huge = test::encoded(test::filled(16, 16, Qt::red), "JPEG");
-    const qsizetype sof = huge.indexOf("\xFF\xC0");
-    qToBigEndian<quint16>(33300, huge.data() + sof + 5), qToBigEndian<quint16>(25200, huge.data() + sof + 7);
-    QByteArray png = test::encoded(test::noise(64, 64), "PNG");
+    const QByteArray good = noisyJpeg(64, 64);
+    const QByteArray png = encoded(noise(64, 64), "PNG");
     const struct {
         const char* what;
         QByteArray bytes;
@@ -138,27 +157,12 @@ TEST(PictureCheck, EveryUnreadablePictureHasAPlainReason) {
         {"cut short", good.left(good.size() / 2), Kind::CutShort, "is cut short or damaged"},
         {"header only", good.left(good.indexOf("\xFF\xDA")), Kind::Damaged, "is cut short or damaged"},
         {"png cut short", png.left(png.size() / 2), Kind::Damaged, "is cut short or damaged"},
-        {"too large", huge, Kind::TooLarge, "is too large to decode (25200 \u00d7 33300 pixels)"},
+        {"too large", claiming(solid("JPEG", 16, 16, Qt::red), 25200, 33300), Kind::TooLarge,
+         "is too large to decode (25200 \u00d7 33300 pixels)"},
     };
     for (const auto& c : cases) {
         const PictureTrouble t = checkPictureBytes(c.bytes);
         EXPECT_EQ(t.kind, c.kind) << c.what;
-        if (!t.ok()) {
-            EXPECT_TRUE(plainReason(t).startsWith(QString::fromUtf8(c.reason))) << c.what;
-        }
+        if (!t.ok()) EXPECT_TRUE(plainReason(t).startsWith(QString::fromUtf8(c.reason))) << c.what;
     }
-}
-
-TEST(PictureCheck, ACutShortJpegIsAttachedOnlyWhenTheUserTakesIt) {
-    test::TempDir home;
-    test::FixedClock clock;
-    test::ScriptedRandom random;
-    const QByteArray good = photo(64, 64);
-    const QString cut = home.write(u"cut.jpg"_s, good.left(good.size() / 2));
-    const PictureImport refused = importPicture(cut, true, home.path(), clock, random);
-    EXPECT_TRUE(refused.canTakeDamaged());
-    EXPECT_EQ(refused.errorText(u"%1 bad"_s), QDir::toNativeSeparators(cut) + u" bad"_s);
-    EXPECT_EQ(importPicture(cut, true, home.path(), clock, random, true).picturePath, cut);
-    const QString text = home.write(u"note.jpg"_s, "hello");
-    EXPECT_EQ(importPicture(text, true, home.path(), clock, random).errorNumber, picturetext::kErrTextFile);
 }

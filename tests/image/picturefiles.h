@@ -4,8 +4,12 @@
 #include <QImage>
 #include <QImageWriter>
 #include <QRandomGenerator>
+#include <QtEndian>
 #include <gif_lib.h>
+#include <gtest/gtest.h>
 #include <vector>
+
+#include "image/jpegwriter.h"
 
 namespace mms::test {
 
@@ -24,6 +28,10 @@ inline QImage filled(int width, int height, QColor colour) {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(colour);
     return image;
+}
+
+inline QByteArray solid(const char* format, int width, int height, QColor colour) {
+    return encoded(filled(width, height, colour), format);
 }
 
 // Noise compresses badly: a noisy picture stays large even as a JPEG at quality 35.
@@ -47,15 +55,63 @@ inline bool near(QColor a, QColor b) {
     return qAbs(a.red() - b.red()) < 40 && qAbs(a.green() - b.green()) < 40 && qAbs(a.blue() - b.blue()) < 40;
 }
 
-// The JPEG with an EXIF block giving its orientation (6: the stored pixels are to be turned a
-// quarter clockwise), right after the start-of-image marker.
+inline QByteArray noisyJpeg(int width, int height) {
+    return encoded(noise(width, height), "JPG", 90);
+}
+
+// The JPEG the program's own encoder makes of an image.
+inline QByteArray jpegOf(const QImage& image, int quality) {
+    QByteArray jpeg;
+    EXPECT_TRUE(encodeJpeg(image.convertToFormat(QImage::Format_RGB32), quality, jpeg).isOk());
+    return jpeg;
+}
+
+inline QByteArray quantTables(const QByteArray& jpeg) {
+    return jpeg.mid(jpeg.indexOf("\xFF\xDB"), 2 * 69);
+}
+
+inline QByteArray segment(int marker, const QByteArray& body) {
+    const int n = int(body.size()) + 2;
+    const char header[] = {char(0xFF), char(marker), char(n >> 8), char(n & 0xFF)};
+    return QByteArray(header, 4) + body;
+}
+
+inline QByteArray afterSoi(const QByteArray& jpeg, const QByteArray& inserted) {
+    return jpeg.left(2) + inserted + jpeg.mid(2);
+}
+
+// An Exif block whose IFD0 holds one orientation entry (6: the stored pixels are to be turned a
+// quarter clockwise).
+inline QByteArray exif(bool little, int type, quint32 count, quint32 value) {
+    QByteArray tiff(8 + 2 + 12 + 4, '\0');
+    auto* p = reinterpret_cast<uchar*>(tiff.data());
+    const auto put16 = [&](int at, quint16 v) {
+        little ? qToLittleEndian(v, p + at) : qToBigEndian(v, p + at);
+    };
+    const auto put32 = [&](int at, quint32 v) {
+        little ? qToLittleEndian(v, p + at) : qToBigEndian(v, p + at);
+    };
+    tiff[0] = tiff[1] = little ? 'I' : 'M';
+    put16(2, 42), put32(4, 8), put16(8, 1), put16(10, 0x0112), put16(12, quint16(type)), put32(14, count);
+    if (type == 1)
+        p[18] = uchar(value);
+    else if (type == 3 || type == 8)
+        put16(18, quint16(value));
+    else
+        put32(18, value);
+    return segment(0xE1, QByteArray("Exif\0\0", 6) + tiff);
+}
+
 inline QByteArray withOrientation(const QByteArray& jpeg, int orientation) {
-    QByteArray exif = QByteArray::fromHex("ffe10022457869660000"
-                                          "49492a0008000000"
-                                          "0100120103000100000000000000"
-                                          "00000000");
-    exif[10 + 8 + 2 + 8] = char(orientation);
-    return jpeg.left(2) + exif + jpeg.mid(2);
+    return afterSoi(jpeg, exif(true, 3, 1, quint32(orientation)));
+}
+
+// The JPEG with its baseline frame header claiming another size.
+inline QByteArray claiming(QByteArray jpeg, int width, int height) {
+    const qsizetype frame = jpeg.indexOf("\xFF\xC0");
+    qToBigEndian<quint16>(quint16(height), jpeg.data() + frame + 5);
+    qToBigEndian<quint16>(quint16(width), jpeg.data() + frame + 7);
+    return jpeg;
 }
 
 // A 1 by 1 red GIF.

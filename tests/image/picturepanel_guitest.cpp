@@ -23,10 +23,6 @@ namespace {
 
 const QString shrinkQuestion = u"P%1"_s.arg(sizetext::kPromptShrinkToFit);
 
-QByteArray bmp(QColor colour, int width = 10, int height = 10) {
-    return test::encoded(test::filled(width, height, colour), "BMP");
-}
-
 class PicturePanelTest : public test::ComposerTest {
 protected:
     QListWidget* list() const { return ctl<QListWidget>(w, "lstPicView"); }
@@ -66,7 +62,7 @@ protected:
 TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
     put(u"A.GIF"_s, test::tinyGif()); // red
     put(u"e.jpg"_s, test::encoded(test::filled(30, 60, Qt::blue), "JPG", 95));
-    put(u"f.bmp"_s, bmp(Qt::yellow, 80, 20));
+    put(u"f.bmp"_s, test::solid("BMP", 80, 20, Qt::yellow));
     EXPECT_EQ(listed(), u"A.GIF e.jpg f.bmp"_s);
     const std::pair<const char*, QColor> byType[] = {
         {"A.GIF", Qt::red}, {"e.jpg", Qt::blue}, {"f.bmp", Qt::yellow}};
@@ -81,8 +77,8 @@ TEST_F(PicturePanelTest, ListsByTypeWithEveryThumbnailBesideItsName) {
 
 TEST_F(PicturePanelTest, FolderComesFromTheChooserOrTheRefreshCommand) {
     test::TempDir other;
-    other.write(u"sea.bmp"_s, bmp(Qt::blue));
-    put(u"own.bmp"_s, bmp(Qt::red));
+    other.write(u"sea.bmp"_s, test::solid("BMP", 10, 10, Qt::blue));
+    put(u"own.bmp"_s, test::solid("BMP", 10, 10, Qt::red));
     EXPECT_EQ(listed(), u"own.bmp"_s);
     // Cancelled: nothing changes. The start folder loses a trailing separator; a root keeps it.
     ctl<QLineEdit>(w, "imgDirPath")->setText(library() + u'/');
@@ -109,13 +105,11 @@ TEST_F(PicturePanelTest, TheQualityChosenIsKeptAndConvertsThePictures) {
     emit combo->activated(2);
     EXPECT_EQ(readPictureQualitySetting(), 85);
 
-    const QByteArray large = bmp(Qt::blue, 240, 160);
+    const QByteArray large = test::solid("BMP", 240, 160, Qt::blue);
     put(u"large.bmp"_s, large);
     listed();
     attach(u"large.bmp"_s);
-    QByteArray best;
-    ASSERT_TRUE(encodeJpeg(QImage::fromData(large).convertToFormat(QImage::Format_RGB32), 85, best).isOk());
-    EXPECT_TRUE(test::TempDir::read(slidePicture(1)) == best);
+    EXPECT_TRUE(test::TempDir::read(slidePicture(1)) == test::jpegOf(QImage::fromData(large), 85));
 
     writePictureQualitySetting(50);
     LanguageTexts texts = loc.texts();
@@ -129,9 +123,9 @@ TEST_F(PicturePanelTest, TheQualityChosenIsKeptAndConvertsThePictures) {
 
 // The strip thumbnail's shape and a conversion's limits are the import's and the loader's own rules.
 TEST_F(PicturePanelTest, AttachMakesSlideOneAndARefusalLeavesTheSlideAsItWas) {
-    const QString small = put(u"small.bmp"_s, bmp(Qt::blue, 240, 60));
+    const QString small = put(u"small.bmp"_s, test::solid("BMP", 240, 60, Qt::blue));
     put(u"noise.bmp"_s, test::encoded(test::noise(800, 600), "BMP"));
-    put(u"gone.bmp"_s, bmp(Qt::red));
+    put(u"gone.bmp"_s, test::solid("BMP", 10, 10, Qt::red));
     listed();
     attach(u"small.bmp"_s);
     ASSERT_EQ(w->message().getTotalSlide(), 1);
@@ -166,8 +160,8 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
     LanguageTexts texts = loc.texts();
     texts.interface[sizetext::kKilobytes] = u"%1 KB"_s;
     loc.setTexts(texts);
-    put(u"photo.jpg"_s, test::encoded(test::noise(900, 600), "JPG", 90));
-    put(u"small.bmp"_s, bmp(Qt::red));
+    put(u"photo.jpg"_s, test::noisyJpeg(900, 600));
+    put(u"small.bmp"_s, test::solid("BMP", 10, 10, Qt::red));
     listed();
     const QString tip = list()->item(0)->toolTip();
     EXPECT_TRUE(tip.startsWith(u"photo.jpg\n"_s) &&
@@ -198,7 +192,7 @@ TEST_F(PicturePanelTest, AConversionStillTooLargeIsShrunkOnYes) {
 
 // A JPEG cut short is refused unless the user takes it; a large GIF is shrunk on Yes and stays a GIF.
 TEST_F(PicturePanelTest, DamagedPicturesAskAndLargeGifsShrink) {
-    const QByteArray photo = test::encoded(test::noise(64, 64), "JPG", 90);
+    const QByteArray photo = test::noisyJpeg(64, 64);
     const QString cut = put(u"cut.jpg"_s, photo.left(photo.size() / 2));
     put(u"anim.gif"_s, test::animatedGif(QSize(200, 200), {10, 10, 10}, 0));
     listed();
