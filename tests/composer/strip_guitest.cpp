@@ -133,6 +133,16 @@ TEST_F(StripTest, AGonePictureIsReportedAndAVideoClipKeepsTheThumbnail) {
     EXPECT_EQ(w->stripModel().thumbnail(2), before);
     w->lstSlide_ItemClick();
     EXPECT_TRUE(fake.dialogs.shown.empty());
+    // Removing a slide shows the one after it once, when the removal is done, not also while the
+    // view moves its current item there (slide 3's gone picture says each time it is shown).
+    pick(3);
+    w->updateCurrentSlide(u"imgPath"_s, picture);
+    pick(1);
+    fake.dialogs.shown.clear();
+    w->removeCmd_Click();
+    w->removeCmd_Click();
+    EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E6"_s});
+    EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), u"C"_s);
 }
 
 TEST_F(StripTest, TheDurationBoxTakesWholeSecondsAndPutsBackAnythingElse) {

@@ -34,7 +34,12 @@ QToolButton* stripButton(QWidget* parent, const char* objectName, QAction* comma
 
 SlideStrip::SlideStrip(ComposerDocument& document, const Localisation& loc, Dialogs& dialogs,
                        ComposerActions& actions, QWidget* parent)
-    : QWidget(parent), document_(document), loc_(loc), model_(new SlideStripModel(document.message(), this)) {
+    : QWidget(parent), document_(document), loc_(loc) {
+    // Connected before the strip's model, so that the flag is up before the view hears of the
+    // removal (it moves its current item then) and down only after the model has finished.
+    connect(&document.message(), &MessageModel::aboutToRemove, this, [this] { removing_ = true; });
+    model_ = new SlideStripModel(document.message(), this);
+    connect(&document.message(), &MessageModel::removed, this, [this] { removing_ = false; });
     setObjectName(QStringLiteral("stripColumn"));
     auto* view = new SlideStripView(this);
     lstSlide = view;
@@ -55,8 +60,6 @@ SlideStrip::SlideStrip(ComposerDocument& document, const Localisation& loc, Dial
                 if (i.isValid() && !removing_ && i.row() + 1 != document_.current())
                     emit slidePicked(static_cast<qint16>(i.row() + 1));
             });
-    connect(&document.message(), &MessageModel::aboutToRemove, this, [this] { removing_ = true; });
-    connect(&document.message(), &MessageModel::removed, this, [this] { removing_ = false; });
     // A Ctrl-click can deselect the only selected item; the strip always keeps one.
     connect(lstSlide->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         const QModelIndex current = lstSlide->currentIndex();

@@ -65,7 +65,7 @@ private:
 
     ComposerDocument& document_;
     const Localisation& loc_;
-    SlideStripModel* model_;
+    SlideStripModel* model_ = nullptr;
     bool removing_ = false;
 };
 
