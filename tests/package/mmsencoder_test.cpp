@@ -5,6 +5,7 @@
 #include "support/qtprint.h"
 #include "support/recordingsink.h"
 #include "support/tempdir.h"
+#include "support/tsharkdecode.h"
 
 #include <QBuffer>
 #include <QDataStream>
@@ -20,22 +21,6 @@ namespace {
 
 QByteArray hex(const char* text) {
     return QByteArray::fromHex(text);
-}
-
-// A capture of one HTTP POST of the request, on a user link type that the command line hands to the
-// HTTP dissector, which passes the body to the MMSE dissector by its media type.
-QByteArray capture(const QByteArray& request) {
-    const QByteArray post =
-        "POST /mms HTTP/1.1\r\nHost: mmsc\r\nContent-Type: application/vnd.wap.mms-message\r\n"
-        "Content-Length: " +
-        QByteArray::number(request.size()) + "\r\n\r\n" + request;
-    QByteArray pcap;
-    QDataStream s(&pcap, QIODevice::WriteOnly);
-    s.setByteOrder(QDataStream::LittleEndian);
-    s << quint32(0xA1B2C3D4) << quint16(2) << quint16(4) << quint64(0) << quint32(65535)
-      << quint32(147) // DLT_USER0
-      << quint64(0) << quint32(post.size()) << quint32(post.size());
-    return pcap + post;
 }
 
 class MmsEncoderTest : public ::testing::Test {
@@ -205,14 +190,9 @@ TEST(MmsWithTshark, ARequestWithRecipientsDecodesCleanly) {
     recipients.from = u"5551234/TYPE=PLMN"_s;
     const QString out = dir.file(u"m.mms"_s);
     ASSERT_TRUE(writeMmsFile(slides, dir.path(), u"Hello"_s, out, recipients).isOk());
-    dir.write(u"m.pcap"_s, capture(TempDir::read(out)));
-
-    QProcess p;
-    p.start(tshark, {u"-r"_s, dir.file(u"m.pcap"_s), u"-o"_s,
-                     u"uat:user_dlts:\"User 0 (DLT=147)\",\"http\",\"0\",\"\",\"0\",\"\""_s, u"-V"_s});
-    ASSERT_TRUE(p.waitForFinished(60000));
-    const QString decoded = QString::fromUtf8(p.readAllStandardOutput());
-    ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    const auto run = tsharkDecodeMms(TempDir::read(out), dir);
+    ASSERT_TRUE(run && run->exitCode == 0) << (run ? run->err.toStdString() : std::string());
+    const QString decoded = QString::fromUtf8(run->out);
     for (const QString& line :
          {u"Type: m-send-req"_s, u"From: 5551234/TYPE=PLMN"_s, u"To: +4412345678/TYPE=PLMN"_s,
           u"To: bob@example.com"_s, u"Cc: carol@example.com"_s, u"Part: 7, content-type: image/jpeg"_s,

@@ -9,6 +9,7 @@
 #include "support/outsidetool.h"
 #include "support/qtprint.h"
 #include "support/tempdir.h"
+#include "support/tsharkdecode.h"
 
 #include <QSignalSpy>
 #include <gtest/gtest.h>
@@ -68,21 +69,9 @@ protected:
     TempDir work, media;
 };
 
-// The request in tshark's words, as the body of an HTTP POST in a capture.
+// The request in tshark's words.
 QString tsharkDecode(const QString& request, const TempDir& dir) {
-    const QByteArray body = TempDir::read(request);
-    const QByteArray post =
-        "POST /mms HTTP/1.1\r\nHost: mmsc\r\nContent-Type: application/vnd.wap.mms-message\r\n"
-        "Content-Length: " +
-        QByteArray::number(body.size()) + "\r\n\r\n" + body;
-    QByteArray pcap;
-    QDataStream s(&pcap, QIODevice::WriteOnly);
-    s.setByteOrder(QDataStream::LittleEndian);
-    s << quint32(0xA1B2C3D4) << quint16(2) << quint16(4) << quint64(0) << quint32(65535) << quint32(147)
-      << quint64(0) << quint32(post.size()) << quint32(post.size());
-    const auto run = runTool(
-        u"tshark"_s, {u"-r"_s, dir.write(u"request.pcap"_s, pcap + post), u"-o"_s,
-                      u"uat:user_dlts:\"User 0 (DLT=147)\",\"http\",\"0\",\"\",\"0\",\"\""_s, u"-V"_s});
+    const auto run = tsharkDecodeMms(TempDir::read(request), dir);
     return run ? QString::fromUtf8(run->out) : QString();
 }
 
