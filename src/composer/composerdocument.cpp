@@ -154,20 +154,18 @@ void ComposerDocument::endStep() {
 }
 
 void ComposerDocument::undo() {
-    if (!history_->canUndo()) return;
-    {
-        const QScopedValueRollback replaying(replaying_, true);
-        history_->undo();
-    }
-    emit historyReplayed();
-    scheduleDraft();
+    if (history_->canUndo()) replay(&QUndoStack::undo);
 }
 
 void ComposerDocument::redo() {
-    if (!history_->canRedo()) return;
+    if (history_->canRedo()) replay(&QUndoStack::redo);
+}
+
+// A step replayed is carried out like a command but records nothing.
+void ComposerDocument::replay(void (QUndoStack::*step)()) {
     {
         const QScopedValueRollback replaying(replaying_, true);
-        history_->redo();
+        (history_->*step)();
     }
     emit historyReplayed();
     scheduleDraft();

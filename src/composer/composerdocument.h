@@ -152,6 +152,7 @@ private:
     MessageStore store() const;
     void finishCommand(qint16 show);
     void record(QUndoCommand* step);
+    void replay(void (QUndoStack::*step)());
     std::optional<SlideState> stateAt(qint16 position) const;
     void recordChange(qint16 position, const SlideState& before, SlideField field, const QString& value);
     bool writeField(qint16 position, SlideField field, const QString& value);
