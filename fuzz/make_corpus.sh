@@ -2,7 +2,10 @@
 # Regenerates the small seed corpus of the fuzz targets (ImageMagick and python3-mido).
 set -euo pipefail
 cd "$(dirname "$0")"
-rm -rf corpus && mkdir -p corpus/imageprobe corpus/mididecoder corpus/mmsencoder corpus/tempomap
+# Inputs that once crashed a reader (crash-*) stay as named seeds.
+for t in imageprobe mididecoder mmsencoder tempomap; do
+  mkdir -p "corpus/$t" && find "corpus/$t" -type f ! -name 'crash-*' -delete
+done
 
 img=corpus/imageprobe
 convert -size 7x5 xc:red "$img/rgb.png"

@@ -92,7 +92,8 @@ bool compose(GifFileType* gif, Animation& out, QString& why) {
         GraphicsControlBlock gcb{DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
         DGifSavedExtensionToGCB(gif, i, &gcb);
         const ColorMapObject* map = image.ImageDesc.ColorMap ? image.ImageDesc.ColorMap : gif->SColorMap;
-        if (!map) {
+        // A frame whose pixels giflib could not read leaves them null.
+        if (!map || !image.RasterBits) {
             why = QStringLiteral("is cut short or damaged");
             return false;
         }
@@ -102,7 +103,7 @@ bool compose(GifFileType* gif, Animation& out, QString& why) {
         for (int y = area.top(); y <= area.bottom(); ++y) {
             auto* row = reinterpret_cast<QRgb*>(screen.scanLine(y));
             for (int x = area.left(); x <= area.right(); ++x) {
-                const int index = image.RasterBits[(y - d.Top) * d.Width + (x - d.Left)];
+                const int index = image.RasterBits[qsizetype(y - d.Top) * d.Width + (x - d.Left)];
                 if (index == gcb.TransparentColor || index >= map->ColorCount) continue;
                 const GifColorType c = map->Colors[index];
                 row[x] = qRgb(c.Red, c.Green, c.Blue);
