@@ -309,8 +309,10 @@ private:
         if (!sink_.lastWarning.isEmpty()) fail(step, "warned:", sink_.lastWarning);
         if (strip_.rowCount() != m.count() || int(mirror_.ids.size()) != m.count())
             fail(step, "row count differs from the message");
-        for (int p = 1; p <= m.count(); ++p) {
+        const CSlideNode* walked = m.slides().firstItem().get();
+        for (int p = 1; p <= m.count(); ++p, walked = walked->NextNode.get()) {
             const CSlideNode* node = m.at(p);
+            if (node != walked) fail(step, "position index differs from the list", QString::number(p));
             if (mirror_.ids[size_t(p - 1)] != node->id)
                 fail(step, "row signals lost slide", QString::number(p));
             const QModelIndex row = strip_.index(p - 1);

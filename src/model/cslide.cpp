@@ -60,22 +60,25 @@ NodePtr CSlide::copyNode(const CSlideNode& of) {
     return node;
 }
 
+// Without an index the walk steps through references to the links, so that passing a node costs
+// no reference count.
+const NodePtr& CSlide::linkTo(qint16 position) const {
+    if (index_ && position >= 2 && size_t(position - 1) <= index_->size())
+        return (*index_)[size_t(position - 2)]->NextNode;
+    const NodePtr* node = &head_;
+    for (int step = 1; step < position && *node; ++step)
+        node = &(*node)->NextNode;
+    return *node;
+}
+
 NodePtr CSlide::walkTo(qint16 position, const char* boundMessage) const {
-    NodePtr node = head_;
-    for (int step = 1; step < position; ++step) {
-        if (!node) break;
-        node = node->NextNode;
-    }
+    const NodePtr& node = linkTo(position);
     if (!node) refuse(boundMessage);
     return node;
 }
 
 NodePtr CSlide::nodeAt(qint16 position) const {
-    if (position < 1) return nullptr;
-    NodePtr node = head_;
-    for (int step = 1; step < position && node; ++step)
-        node = node->NextNode;
-    return node;
+    return position < 1 ? nullptr : linkTo(position);
 }
 
 bool CSlide::Destory() {
@@ -195,9 +198,7 @@ std::optional<SlideDur> CSlide::RemoveFromList(const qint16& index) {
         forget(removed);
         return removed->DataSlideDur;
     }
-    NodePtr before = head_;
-    for (int step = 1; step < index - 1 && before; ++step)
-        before = before->NextNode;
+    NodePtr before = linkTo(static_cast<qint16>(index - 1));
     if (!before || !before->NextNode) {
         refuse(kOutOfBoundAfter);
         return std::nullopt;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace mms {
 
@@ -118,10 +119,17 @@ public:
     // The node at a 1-based position, reached by the plain walk from the head; null when absent.
     NodePtr nodeAt(qint16 position) const;
 
+    // An index of the nodes in list order kept by the list's owner. While one is lent, a walk to a
+    // position reads the node before it from the index rather than stepping along every link; the
+    // owner lends it only for one operation whose walk comes before its change.
+    void lendIndex(const std::vector<CSlideNode*>* rows) { index_ = rows; }
+
 private:
     void refuse(const char* text) const;
     // Walks position-1 steps from the head, testing each node before stepping.
     NodePtr walkTo(qint16 position, const char* boundMessage) const;
+    // The link holding the node at `position` (the head for 1 and below); a null link past the end.
+    const NodePtr& linkTo(qint16 position) const;
     NodePtr makeNode(const SlideDur& dur, const QString& img, const QString& text, const QString& sound);
     void linkAtFront(NodePtr node);
     void linkAtBack(NodePtr node);
@@ -136,6 +144,7 @@ private:
 
     NodePtr head_;
     NodePtr tail_;
+    const std::vector<CSlideNode*>* index_ = nullptr;
     QString fileName_;
     QString folderPath_;
     MessageSink* sink_ = nullptr;

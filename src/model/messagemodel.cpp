@@ -12,14 +12,49 @@ std::optional<SlideField> slideFieldNamed(const QString& name) {
     return std::nullopt;
 }
 
+namespace {
+
+// Lends the position index to the list for one operation that walks before it changes anything.
+class IndexLoan {
+public:
+    IndexLoan(CSlide& slides, const std::vector<CSlideNode*>& rows) : slides_(slides) {
+        slides_.lendIndex(&rows);
+    }
+    ~IndexLoan() { slides_.lendIndex(nullptr); }
+    IndexLoan(const IndexLoan&) = delete;
+    IndexLoan& operator=(const IndexLoan&) = delete;
+
+private:
+    CSlide& slides_;
+};
+
+} // namespace
+
 MessageModel::MessageModel(MessageSink* sink, QObject* parent) : QObject(parent), slides_(sink) {}
 
-// The index is rebuilt from the list after every change of order: a walk of pointers, which for the
-// longest message is far below what a window notices, and it cannot drift from the list.
+// The index is read again from the list after every change, over the positions the change touched:
+// it cannot drift from the list, and a change in the middle of a long message costs no full walk.
 void MessageModel::reindex() {
     rows_.clear();
     for (CSlideNode* n = slides_.firstItem().get(); n; n = n->NextNode.get())
         rows_.push_back(n);
+}
+
+void MessageModel::reindex(int first, int last) {
+    first = std::max(first, 1);
+    last = std::min(last, count());
+    CSlideNode* n = first == 1 ? slides_.firstItem().get() : rows_[size_t(first - 2)]->NextNode.get();
+    for (int p = first; p <= last && n; ++p, n = n->NextNode.get())
+        rows_[size_t(p - 1)] = n;
+}
+
+void MessageModel::indexInserted(int position) {
+    rows_.insert(rows_.begin() + (position - 1), nullptr);
+    reindex(position, position);
+}
+
+void MessageModel::indexRemoved(int position) {
+    rows_.erase(rows_.begin() + (position - 1));
 }
 
 CSlideNode* MessageModel::node(int position) const {
@@ -46,11 +81,13 @@ qint16 MessageModel::addSlide(qint16 selected, const SlideContent& c) {
     const qint16 position = static_cast<qint16>(atBack ? total + 1 : selected + 1);
     emit aboutToInsert(position);
     if (atBack) {
+        // The back is reached through the tail: no walk.
         slides_.InsertAtBack(c.duration, c.picture, c.text, c.sound);
     } else {
+        const IndexLoan loan(slides_, rows_);
         slides_.InsertIntoList(selected, c.duration, c.picture, c.text, c.sound);
     }
-    reindex();
+    indexInserted(position);
     stampNew(position, 0);
     emit inserted(position);
     emit sizeChanged();
@@ -60,8 +97,11 @@ qint16 MessageModel::addSlide(qint16 selected, const SlideContent& c) {
 void MessageModel::insertSlide(qint16 position, const SlideContent& content, quint64 id) {
     position = static_cast<qint16>(std::clamp<int>(position, 1, count() + 1));
     emit aboutToInsert(position);
-    insertSlideAt(slides_, position, content);
-    reindex();
+    {
+        const IndexLoan loan(slides_, rows_);
+        insertSlideAt(slides_, position, content);
+    }
+    indexInserted(position);
     stampNew(position, id);
     emit inserted(position);
     emit sizeChanged();
@@ -74,8 +114,12 @@ bool MessageModel::removeSlide(qint16 position) {
         return false;
     }
     emit aboutToRemove(position);
-    const bool done = slides_.RemoveFromList(position).has_value();
-    reindex();
+    bool done = false;
+    {
+        const IndexLoan loan(slides_, rows_);
+        done = slides_.RemoveFromList(position).has_value();
+    }
+    if (done) indexRemoved(position);
     emit removed(position);
     emit sizeChanged();
     return done;
@@ -88,8 +132,12 @@ SwapResult MessageModel::swapTwoNodes(qint16 position, bool towardsFront) {
     const int to = towardsFront ? position - 1 : position + 1;
     if (!node(position) || !node(to)) return SwapResult::OutOfBound;
     emit aboutToMove(position, to);
-    const SwapResult result = slides_.SwapTwoNodes(position, shift);
-    reindex();
+    SwapResult result = SwapResult::Refused;
+    {
+        const IndexLoan loan(slides_, rows_);
+        result = slides_.SwapTwoNodes(position, shift);
+    }
+    reindex(std::min<int>(position, to), std::max<int>(position, to));
     emit moved(position, to);
     return result;
 }
@@ -97,8 +145,11 @@ SwapResult MessageModel::swapTwoNodes(qint16 position, bool towardsFront) {
 void MessageModel::swapAtFront(qint16 position) {
     if (position < 2 || !node(position)) return;
     emit aboutToMove(position, 1);
-    slides_.SwapAtFront(position, static_cast<qint16>(count()));
-    reindex();
+    {
+        const IndexLoan loan(slides_, rows_);
+        slides_.SwapAtFront(position, static_cast<qint16>(count()));
+    }
+    reindex(1, position);
     emit moved(position, 1);
 }
 
@@ -106,8 +157,11 @@ void MessageModel::swapAtBack(qint16 position) {
     const int last = count();
     if (!node(position) || position == last) return;
     emit aboutToMove(position, last);
-    slides_.SwapAtBack(position);
-    reindex();
+    {
+        const IndexLoan loan(slides_, rows_);
+        slides_.SwapAtBack(position);
+    }
+    reindex(position, last);
     emit moved(position, last);
 }
 
@@ -118,7 +172,7 @@ bool MessageModel::moveSlide(qint16 from, qint16 to) {
     const quint64 id = moving->id;
     emit aboutToMove(from, to);
     const bool done = moveSlideTo(slides_, from, to, static_cast<qint16>(count()));
-    reindex();
+    reindex(std::min(from, to), std::max(from, to));
     // A move over several places takes the slide out and puts it back as a new node.
     if (done) stampNew(to, id);
     emit moved(from, to);

@@ -77,6 +77,9 @@ signals:
 
 private:
     void reindex();
+    void reindex(int first, int last);
+    void indexInserted(int position);
+    void indexRemoved(int position);
     CSlideNode* node(int position) const;
     void stampNew(int position, quint64 id);
 
