@@ -14,7 +14,9 @@ const QColor kPage(0xff, 0xff, 0xff);
 const QColor kPageEdge(0xda, 0xdc, 0xe0);
 } // namespace
 
-QImage blankThumbnail() {
+namespace {
+
+QImage drawBlankThumbnail() {
     QImage image(kStripThumbnailSize, QImage::Format_ARGB32_Premultiplied);
     image.fill(kBackground);
     QPainter p(&image);
@@ -31,6 +33,14 @@ QImage blankThumbnail() {
     p.drawRoundedRect(QRectF(18, 45, 34, 4), 1, 1);
     p.drawRoundedRect(QRectF(18, 52, 24, 4), 1, 1);
     return image;
+}
+
+} // namespace
+
+// Drawn once: every new slide shows it.
+QImage blankThumbnail() {
+    static const QImage blank = drawBlankThumbnail();
+    return blank;
 }
 
 QImage fittedThumbnail(const QImage& picture, QSize size) {

@@ -39,6 +39,13 @@ SlideStripModel::SlideStripModel(const MessageModel& message, QObject* parent)
     connect(&message, &MessageModel::fieldChanged, this, &SlideStripModel::onFieldChanged);
 }
 
+// Without the checks through the virtual counts that the base class makes: a view laying out
+// thousands of rows asks for every one.
+QModelIndex SlideStripModel::index(int row, int column, const QModelIndex& parent) const {
+    return !parent.isValid() && column == 0 && row >= 0 && row < count() ? createIndex(row, 0)
+                                                                         : QModelIndex();
+}
+
 int SlideStripModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }

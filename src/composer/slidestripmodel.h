@@ -19,6 +19,7 @@ class SlideStripModel final : public QAbstractListModel {
 public:
     explicit SlideStripModel(const MessageModel& message, QObject* parent = nullptr);
 
+    QModelIndex index(int row, int column = 0, const QModelIndex& parent = QModelIndex()) const override;
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
