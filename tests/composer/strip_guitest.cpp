@@ -3,6 +3,7 @@
 #include "common/filesize.h"
 #include "composer/phonescreen.h"
 #include "composer/widgets/sizegauge.h"
+#include "composer/widgets/slideframe.h"
 #include "composerfixture.h"
 #include "support/scratchsettings.h"
 
@@ -27,7 +28,7 @@ protected:
 TEST_F(StripTest, AddShowsTheNewSlideAfterTheSelectedOneOrAtTheBack) {
     ctl<QToolButton>(w, "addCmd")->click();
     EXPECT_EQ(strip(), u"_3s"_s);
-    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title() + ctl<QLabel>(w, "lblSlide")->text(),
+    EXPECT_EQ(ctl<SlideFrame>(w, "frameSlide")->slideTitle() + ctl<QLabel>(w, "lblSlide")->text(),
               u"I9 1I26 : 1"_s);
     EXPECT_EQ(enabled({"removeCmd", "createCmd", "rm_slide", "mnu_upload", "frameSlide", "soundPlayCmd"}),
               u"111110"_s);
@@ -69,8 +70,9 @@ TEST_F(StripTest, RemoveSelectsTheNeighbourAndTheLastRemovalResetsThePanel) {
     ctl<QToolButton>(w, "removeCmd")->click();
     EXPECT_EQ(strip(), QString());
     EXPECT_EQ(ctl<QLabel>(w, "lblSlide")->text() + u'|' + ctl<QLabel>(w, "lblSize")->text() + u'|' +
-                  ctl<QGroupBox>(w, "frameSlide")->title() + u'|' + ctl<QLineEdit>(w, "txtSlideDur")->text() +
-                  u'|' + ctl<QPlainTextEdit>(w, "txtText")->toPlainText(),
+                  ctl<SlideFrame>(w, "frameSlide")->slideTitle() + u'|' +
+                  ctl<QLineEdit>(w, "txtSlideDur")->text() + u'|' +
+                  ctl<QPlainTextEdit>(w, "txtText")->toPlainText(),
               u"I26 : 0|I26 : 0 byte|I9 ||I36"_s);
     EXPECT_EQ(enabled({"frameSlide", "removeCmd", "createCmd", "rm_slide", "mnu_upload"}), u"00000"_s);
     EXPECT_TRUE(w->isModified() && fake.dialogs.shown.empty());
@@ -123,7 +125,7 @@ TEST_F(StripTest, AGonePictureIsReportedAndAVideoClipKeepsTheThumbnail) {
     EXPECT_EQ(fake.dialogs.texts(), QStringList{u"E6"_s});
     // The rest of the slide is shown all the same, so typing goes to the right slide.
     EXPECT_EQ(ctl<QPlainTextEdit>(w, "txtText")->toPlainText(), u"A"_s);
-    EXPECT_EQ(ctl<QGroupBox>(w, "frameSlide")->title(), u"I9 1"_s);
+    EXPECT_EQ(ctl<SlideFrame>(w, "frameSlide")->slideTitle(), u"I9 1"_s);
 
     fake.dialogs.shown.clear();
     pick(2);

@@ -2,6 +2,7 @@
 // of the duration box and the Edit menu's keys.
 
 #include "composer/widgets/slideeditor.h"
+#include "composer/widgets/slideframe.h"
 
 #include "common/localisation.h"
 #include "composer/composerdocument.h"
@@ -132,7 +133,7 @@ QWidget* SlideEditor::buildEmptyPage() {
 }
 
 QWidget* SlideEditor::buildSlidePanel() {
-    frameSlide = new QGroupBox(slideStack);
+    frameSlide = new SlideFrame(slideStack);
     frameSlide->setObjectName(QStringLiteral("frameSlide"));
 
     auto* clock = new QLabel(frameSlide);
@@ -224,7 +225,7 @@ void SlideEditor::setCommands(QAction* add, QAction* exportPackage, QAction* rem
 
 void SlideEditor::applyLanguage() {
     using namespace composertext;
-    frameSlide->setTitle(loc_.getMCrInterfaceStr(kSlide));
+    frameSlide->setSlideTitle(loc_.getMCrInterfaceStr(kSlide));
     soundPlayCmd->setToolTip(loc_.getMCrInterfaceStr(isPlaying_ ? kStopSound : kPlaySound));
     txtSlideDur->setToolTip(loc_.getMCrInterfaceStr(kDurationTip));
     createCmd->setText(loc_.getMCrInterfaceStr(kExport));

@@ -4,6 +4,7 @@
 #include "model/messagemodel.h"
 #include "sound/multimediadevice.h"
 
+#include <QDateTime>
 #include <QIcon>
 #include <QWidget>
 
@@ -19,6 +20,7 @@ class QToolButton;
 namespace mms {
 
 class ComposerDocument;
+class SlideFrame;
 class Localisation;
 
 // The slide panel: the selected slide's duration, picture on the phone screen, text and sound with
@@ -82,6 +84,7 @@ private:
     QWidget* buildPhoneScreen(QWidget* frame);
     QLayout* buildSoundRow(QWidget* frame);
     void showPicture(const QString& path, bool* failed);
+    void clearPicture();
     void setTextBox(const QString& text);
     void styleTextHint();
     QString textHint() const;
@@ -89,7 +92,7 @@ private:
 
     QStackedWidget* slideStack = nullptr;
     QPushButton* addBigCmd = nullptr;
-    QGroupBox* frameSlide = nullptr;
+    SlideFrame* frameSlide = nullptr;
     QLineEdit* txtSlideDur = nullptr;
     QLabel* picPanel = nullptr;
     QWidget* phoneScreen = nullptr;
@@ -104,6 +107,15 @@ private:
     QIcon playIcon_;
     QIcon stopIcon_;
     QString durTextAtFocus_;
+    // The file the picture panel shows, as it was when read: showing it again unchanged decodes
+    // nothing (every command shows its slide again).
+    struct ShownFile {
+        QString path;
+        QDateTime modified;
+        qint64 bytes = -1;
+        bool operator==(const ShownFile&) const = default;
+    };
+    ShownFile shownPicture_;
     bool isPlaying_ = false;
     bool textHintStyled_ = false;
 };

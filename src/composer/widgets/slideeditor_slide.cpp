@@ -8,8 +8,10 @@
 #include "composer/composertexts.h"
 #include "composer/slidepicture.h"
 #include "composer/widgets/slideeditor.h"
+#include "composer/widgets/slideframe.h"
 #include "sound/amrdecoder.h"
 
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -47,8 +49,8 @@ bool SlideEditor::showSlide(qint16 position, bool* pictureFailed) {
         stopSoundPreview();
         lblSoundName->setText(soundLabelText(node->DataSoundPath, position, document_.state().currentFile));
         if (node->DataSoundPath.isEmpty()) soundPlayCmd->setEnabled(false);
-        frameSlide->setTitle(loc_.getMCrInterfaceStr(composertext::kSlide) + QLatin1Char(' ') +
-                             QString::number(position));
+        frameSlide->setSlideTitle(loc_.getMCrInterfaceStr(composertext::kSlide) + QLatin1Char(' ') +
+                                  QString::number(position));
     } catch (const std::exception&) {
         return false;
     }
@@ -69,9 +71,9 @@ void SlideEditor::refreshSlidePanel() {
     soundPlayCmd->setEnabled(false);
     txtSlideDur->setText(QString());
     setTextBox(textHint());
-    frameSlide->setTitle(loc_.getMCrInterfaceStr(composertext::kSlide) + QLatin1Char(' '));
+    frameSlide->setSlideTitle(loc_.getMCrInterfaceStr(composertext::kSlide) + QLatin1Char(' '));
     lblSoundName->clear();
-    picPanel->clear();
+    clearPicture();
 }
 
 void SlideEditor::enableSlideCmds() {
@@ -80,23 +82,34 @@ void SlideEditor::enableSlideCmds() {
     soundPlayCmd->setEnabled(false);
 }
 
+void SlideEditor::clearPicture() {
+    picPanel->clear();
+    shownPicture_ = {};
+}
+
 void SlideEditor::showPicture(const QString& path, bool* failed) {
     if (path.isEmpty()) {
-        picPanel->clear();
+        clearPicture();
         return;
     }
     if (isVideoClipPath(path)) {
         // A clip is no picture: the panel shows that the slide carries one.
         picPanel->setPixmap(icon("video").pixmap(48, 48));
+        shownPicture_ = {};
         return;
     }
+    const QFileInfo file(path);
+    const ShownFile shown{path, file.lastModified(), file.size()};
+    if (shown == shownPicture_) return;
     const QImage picture = loadPicture(path);
     if (picture.isNull()) {
         picPanel->setPixmap(icon("broken-picture").pixmap(48, 48));
+        shownPicture_ = {};
         *failed = true;
         return;
     }
     picPanel->setPixmap(QPixmap::fromImage(fitToPhoneScreen(picture)));
+    shownPicture_ = shown;
 }
 
 // --- The commit rule and the boxes ---
