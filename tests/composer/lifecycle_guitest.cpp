@@ -166,6 +166,12 @@ TEST_F(LifecycleTest, ShowsTheFilledSlideAndTheAboutBoxWithTheShippedTexts) {
     EXPECT_TRUE(w->windowTitle().startsWith(u"MMS Composer - "_s)) << w->windowTitle().toStdString();
     const QLabel* screen = ctl<QLabel>(w, "picPanel");
     EXPECT_TRUE(test::near(shot.pixelColor(screen->mapTo(w.get(), screen->rect().center())), sky));
+    // The panel keeps the picture it decoded only while the file stays as it was.
+    const QColor sand(0xf4, 0xc2, 0x42);
+    home.write(u"UserData/Picture/beach.jpg"_s, encoded(filled(160, 120, sand), "JPG"));
+    w->lstSlide_ItemClick();
+    EXPECT_TRUE(
+        test::near(w->grab().toImage().pixelColor(screen->mapTo(w.get(), screen->rect().center())), sand));
 
     ctl<QAction>(w, "mnu_about")->trigger();
     ASSERT_EQ(fake.dialogs.shown.size(), 1u);
