@@ -5,6 +5,7 @@
 #include "image/jpegwriter.h"
 #include "package/tararchive.h"
 #include "sound/amrdecoder.h"
+#include "sound/audiodecoder.h"
 #include "sound/fluidsynthengine.h"
 
 namespace mms {
@@ -18,6 +19,7 @@ QList<LibraryInfo> usedLibraries(const Localisation& loc) {
         jpegLibrary(),
         synthLibrary(),
         amrLibrary(),
+        mediaLibrary(),
         {soundFont, QString(), QStringLiteral("MIT")},
     };
 }

@@ -178,8 +178,8 @@ TEST_F(LifecycleTest, ShowsTheFilledSlideAndTheAboutBoxWithTheShippedTexts) {
     const QString about = fake.dialogs.shown.front().text;
     EXPECT_TRUE(about.contains(u"Version "_s + programVersion()));
     for (const char* part :
-         {"Qt " QT_VERSION_STR, "libarchive 3.", "libjpeg-turbo 2.", "FluidSynth 2.", "FluidR3_GM sound font",
-          "GNU LGPL 3.0", "BSD 2-Clause", "IJG", "GNU LGPL 2.1", "MIT"})
+         {"Qt " QT_VERSION_STR, "libarchive 3.", "libjpeg-turbo 2.", "FluidSynth 2.", "FFmpeg 5.",
+          "FluidR3_GM sound font", "GNU LGPL 3.0", "BSD 2-Clause", "IJG", "GNU LGPL 2.1", "MIT"})
         EXPECT_TRUE(about.contains(QLatin1String(part))) << part;
     EXPECT_EQ(fake.dialogs.shown.front().title, u"About MMS Composer"_s);
 }
