@@ -2,15 +2,22 @@
 # Regenerates the seeds of the readers of files a user can be handed, from files the programs
 # themselves make: stored messages from `mmsc build --save`, the built language files, drafts and
 # sent logs as the composer and `mmsc send` write them, AMR sounds from opencore-amr's encoder and
-# pictures from ImageMagick. Needs a default build (build/bin) and g++ with opencore-amr.
+# pictures from ImageMagick, short sounds in the formats people have from ffmpeg. Needs a default build (build/bin) and g++ with opencore-amr.
 set -euo pipefail
 cd "$(dirname "$0")"
 bin=../build/bin
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-for t in messageindex storeload language draft amrdecoder sentlog picturecheck gifshrink; do
+for t in messageindex storeload language draft amrdecoder sentlog picturecheck gifshrink sounddecode; do
   # Inputs that once crashed a reader (crash-*) stay as named seeds.
   mkdir -p "corpus/$t" && find "corpus/$t" -type f ! -name 'crash-*' -delete
+done
+
+# Sounds people have, a fifth of a second each, and a video with sound: what the converter reads.
+for f in mp3 ogg opus m4a flac wav mp4; do
+  extra=()
+  [ $f = mp4 ] && extra=(-f lavfi -i testsrc=size=32x24:duration=0.2 -c:v mpeg4)
+  ffmpeg -v error -y -f lavfi -i sine=frequency=440:duration=0.2 "${extra[@]}" "corpus/sounddecode/tone.$f"
 done
 
 # AMR sounds: a tone in each bit rate, a frame of silence ("no data") and one cut short.
@@ -44,6 +51,8 @@ g++ -o "$work/amr" "$work/amr.cpp" $(pkg-config --cflags --libs opencore-amrnb)
 { printf '#!AMR\n'; printf '\x7c'; } > corpus/amrdecoder/nodata.amr
 head -c 30 corpus/amrdecoder/mode7.amr > corpus/amrdecoder/cut.amr
 printf '#!AMR-WB\n\x04' > corpus/amrdecoder/wideband.amr
+cp corpus/amrdecoder/mode7.amr corpus/sounddecode/tone.amr
+printf 'not a sound\n' > corpus/sounddecode/text.mp3
 
 # Pictures: each kind the program takes, an animation, and damaged ones.
 pic=corpus/picturecheck
