@@ -8,7 +8,7 @@ cd "$(dirname "$0")"
 bin=../build/bin
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-for t in messageindex storeload language draft amrdecoder sentlog picturecheck gifshrink sounddecode; do
+for t in messageindex storeload language draft amrdecoder sentlog picturecheck gifshrink sounddecode clipdecode; do
   # Inputs that once crashed a reader (crash-*) stay as named seeds.
   mkdir -p "corpus/$t" && find "corpus/$t" -type f ! -name 'crash-*' -delete
 done
@@ -19,6 +19,16 @@ for f in mp3 ogg opus m4a flac wav mp4; do
   [ $f = mp4 ] && extra=(-f lavfi -i testsrc=size=32x24:duration=0.2 -c:v mpeg4)
   ffmpeg -v error -y -f lavfi -i sine=frequency=440:duration=0.2 "${extra[@]}" "corpus/sounddecode/tone.$f"
 done
+
+# Tiny videos in the containers and codecs phones and cameras write, and one with sound.
+for spec in mp4:libx264 3gp:h263 mkv:mpeg4 webm:libvpx avi:mjpeg; do
+  size=32x24
+  [ "${spec#*:}" = h263 ] && size=128x96
+  ffmpeg -v error -y -f lavfi -i testsrc=size=$size:rate=10:duration=0.3 -c:v "${spec#*:}" -pix_fmt yuv420p \
+    "corpus/clipdecode/tiny.${spec%%:*}"
+done
+cp corpus/sounddecode/tone.mp4 corpus/clipdecode/withsound.mp4
+printf 'not a video\n' > corpus/clipdecode/text.mp4
 
 # AMR sounds: a tone in each bit rate, a frame of silence ("no data") and one cut short.
 cat > "$work/amr.cpp" <<'CPP'

@@ -1,5 +1,7 @@
 #include "app/mmsc_attach.h"
 
+#include <cmath>
+
 #include "image/gifshrink.h"
 #include "image/picturefit.h"
 
@@ -39,6 +41,16 @@ QString parseMaxBytesOption(const QStringList& args, qsizetype& i, qint64& maxBy
     maxBytes = i + 1 < args.size() ? args[++i].toLongLong(&ok) : 0;
     return ok && maxBytes >= 1 ? QString()
                                : QStringLiteral("--max-bytes takes a whole number of bytes above 0");
+}
+
+QString parseSecondsOption(const QStringList& args, qsizetype& i, std::optional<double>& seconds) {
+    const QString option = args[i];
+    bool ok = false;
+    const double value = i + 1 < args.size() ? args[++i].toDouble(&ok) : 0;
+    if (!ok || !std::isfinite(value) || value < 0)
+        return QStringLiteral("%1 takes a number of seconds, 0 or more").arg(option);
+    seconds = value;
+    return {};
 }
 
 QString parseQualityOption(const QString& text, int& quality) {

@@ -5,7 +5,6 @@
 #include "sound/soundconversion.h"
 
 #include <QDir>
-#include <cmath>
 
 namespace mms::cli {
 
@@ -19,17 +18,6 @@ const char kUsage[] =
     "               not at all; prints OUT, the seconds kept and the size in bytes, tab-separated;\n"
     "               exit status 1 when nothing fits";
 
-// "--start S" or "--end E": seconds, not negative.
-QString parseSeconds(const QStringList& args, qsizetype& i, std::optional<double>& seconds) {
-    const QString option = args[i];
-    bool ok = false;
-    const double value = i + 1 < args.size() ? args[++i].toDouble(&ok) : 0;
-    if (!ok || !std::isfinite(value) || value < 0)
-        return QStringLiteral("%1 takes a number of seconds, 0 or more").arg(option);
-    seconds = value;
-    return {};
-}
-
 int runAudio(Context& context, const QStringList& args) {
     QStringList files;
     qint64 maxBytes = kAttachmentLimit - 1;
@@ -38,10 +26,8 @@ int runAudio(Context& context, const QStringList& args) {
         QString problem;
         if (args[i] == QLatin1String("--max-bytes"))
             problem = parseMaxBytesOption(args, i, maxBytes);
-        else if (args[i] == QLatin1String("--start"))
-            problem = parseSeconds(args, i, start);
-        else if (args[i] == QLatin1String("--end"))
-            problem = parseSeconds(args, i, end);
+        else if (args[i] == QLatin1String("--start") || args[i] == QLatin1String("--end"))
+            problem = parseSecondsOption(args, i, args[i] == QLatin1String("--start") ? start : end);
         else
             files << args[i];
         if (!problem.isEmpty()) return fail(context, problem);
