@@ -1,20 +1,20 @@
 #include "app/mmsc_attach.h"
 
-#include <cmath>
-
-#include "image/gifshrink.h"
-#include "image/picturefit.h"
-
 #include "common/fileio.h"
 #include "common/mediakind.h"
 #include "common/workspace.h"
+#include "image/gifshrink.h"
 #include "image/imageprobe.h"
 #include "image/picturecheck.h"
+#include "image/picturefit.h"
 #include "image/pictureimport.h"
 #include "image/picturequality.h"
+#include "sound/soundconversion.h"
+#include "video/clipconversion.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <cmath>
 
 namespace mms::cli {
 
@@ -66,7 +66,40 @@ AttachRules::~AttachRules() = default;
 QString AttachRules::apply(CSlideNode& slide) {
     if (!slide.DataImgPath.isEmpty())
         if (QString problem = applyPicture(slide.DataImgPath); !problem.isEmpty()) return problem;
-    if (!slide.DataSoundPath.isEmpty()) return checkSound(slide.DataSoundPath);
+    if (!slide.DataSoundPath.isEmpty()) return applySound(slide.DataSoundPath);
+    return {};
+}
+
+// A sound that is not AMR or MIDI, or too large, is converted to AMR under the limit when asked.
+QString AttachRules::applySound(QString& path) {
+    const QString problem = checkSound(path);
+    if (problem.isEmpty()) return {};
+    if (!fit_) return problem + QStringLiteral(" (--fit converts it to AMR)");
+    QString scratchProblem;
+    const QString folder = scratchFolder(scratchProblem);
+    if (!scratchProblem.isEmpty()) return scratchProblem;
+    const QString target = folder + QStringLiteral("/sound%1.amr").arg(++converted_);
+    const SoundConversion sound = convertSoundToAmrFile(path, target, 0, std::nullopt, kAttachmentLimit - 1);
+    if (!sound.fitted())
+        return QStringLiteral("'%1' cannot be converted to AMR: %2").arg(shown(path), sound.message);
+    path = target;
+    return {};
+}
+
+// A 3GP clip that fits is taken as it is; any other video is made into one when asked.
+QString AttachRules::applyClip(QString& path) {
+    if (clipFitsAsItIs(path, kAttachmentLimit - 1)) return {};
+    if (!fit_)
+        return QStringLiteral("'%1' is not a 3GP clip under %2 bytes (--fit converts it to one)")
+            .arg(shown(path), QString::number(kAttachmentLimit));
+    QString scratchProblem;
+    const QString folder = scratchFolder(scratchProblem);
+    if (!scratchProblem.isEmpty()) return scratchProblem;
+    const QString target = folder + QStringLiteral("/clip%1.3gp").arg(++converted_);
+    const ClipConversion clip = convertVideoToClipFile(path, target, 0, std::nullopt, kAttachmentLimit - 1);
+    if (!clip.fitted())
+        return QStringLiteral("'%1' cannot be made into a clip: %2").arg(shown(path), clip.message);
+    path = target;
     return {};
 }
 
@@ -82,6 +115,7 @@ QString AttachRules::scratchFolder(QString& problem) {
 }
 
 QString AttachRules::applyPicture(QString& path) {
+    if (isVideoFile(path)) return applyClip(path);
     ImageProbe probe;
     if (Status s = checkValidImg(path, probe); !s) return s.message();
     if (!probe.answer) {

@@ -39,6 +39,8 @@ public:
 
 private:
     QString applyPicture(QString& path);
+    QString applyClip(QString& path);
+    QString applySound(QString& path);
     QString scratchFolder(QString& problem);
 
     QString home_;
@@ -48,6 +50,7 @@ private:
     SystemRandom random_;
     std::unique_ptr<ScratchFolder> scratch_;
     int shrunkGifs_ = 0;
+    int converted_ = 0;
 };
 
 } // namespace mms::cli

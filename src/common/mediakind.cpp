@@ -1,5 +1,6 @@
 #include "common/mediakind.h"
 
+#include <QStringList>
 #include <QStringView>
 
 namespace mms {
@@ -44,6 +45,16 @@ bool matchesGifPattern(const QString& path) {
 
 bool matchesClipPattern(const QString& path) {
     return path.endsWith(QLatin1String(".3gp"));
+}
+
+bool isVideoFile(const QString& path) {
+    static const QStringList kinds{QStringLiteral("mp4"), QStringLiteral("m4v"), QStringLiteral("mov"),
+                                   QStringLiteral("3gp"), QStringLiteral("3g2"), QStringLiteral("webm"),
+                                   QStringLiteral("mkv"), QStringLiteral("avi"), QStringLiteral("ogv")};
+    const QString name =
+        path.mid(qMax(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\'))) + 1);
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot > 0 && kinds.contains(name.mid(dot + 1).toLower());
 }
 
 } // namespace mms

@@ -18,6 +18,9 @@ bool isPicture(const QString& path);
 bool isVideoClip(const QString& path);
 // A slide sound: AMR or MIDI.
 bool isSound(const QString& path);
+// A video file of a kind phones and cameras write (MP4/M4V, MOV, 3GP/3G2, WebM, MKV, AVI, OGV), which
+// can be made into a clip.
+bool isVideoFile(const QString& path);
 
 // Two rules that go by the exact letters of a name rather than by its kind: a GIF too large to
 // attach is refused when its name ends in ".gif" or ".GIF" (a ".Gif" is converted like any other

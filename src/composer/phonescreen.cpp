@@ -67,13 +67,10 @@ void drawPlaceholder(QPainter& p, const QRect& region, bool clip, const QString&
 
 void drawPicture(QPainter& p, const QString& path, int scale) {
     const QRect region = scaled(kImageRegion, scale);
-    if (isVideoClipPath(path)) {
-        drawPlaceholder(p, region, true, QFileInfo(path).fileName(), scale);
-        return;
-    }
-    const QImage picture = fitToPhoneScreen(loadPicture(path));
+    // A clip shows its first picture; one that cannot be read, the clip sign.
+    const QImage picture = fitToPhoneScreen(loadSlideVisual(path));
     if (picture.isNull()) {
-        drawPlaceholder(p, region, false, QFileInfo(path).fileName(), scale);
+        drawPlaceholder(p, region, isVideoClipPath(path), QFileInfo(path).fileName(), scale);
         return;
     }
     const QPoint at((kImageRegion.width() - picture.width()) / 2,

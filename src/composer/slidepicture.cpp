@@ -2,6 +2,7 @@
 
 #include "image/exiforientation.h"
 #include "image/uprightdecode.h"
+#include "video/clipthumbnail.h"
 
 #include <QImageReader>
 #include <QPainter>
@@ -65,6 +66,25 @@ QImage loadPicture(const QString& path) {
     QImageReader reader(path);
     const QImageIOHandler::Transformations orientation = uprightTransform(path, reader);
     return applyOrientation(reader.read(), orientation);
+}
+
+QImage loadSlideVisual(const QString& path) {
+    return isVideoClipPath(path) ? firstVideoFrame(path) : loadPicture(path);
+}
+
+QImage markedAsClip(QImage thumbnail) {
+    if (thumbnail.isNull()) return thumbnail;
+    QPainter p(&thumbnail);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QRectF badge(thumbnail.width() - 22, thumbnail.height() - 18, 18, 14);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(0, 0, 0, 160));
+    p.drawRoundedRect(badge, 3, 3);
+    p.setBrush(Qt::white);
+    const QPointF c = badge.center();
+    const QPointF play[] = {{c.x() - 3, c.y() - 4}, {c.x() - 3, c.y() + 4}, {c.x() + 4, c.y()}};
+    p.drawPolygon(play, 3);
+    return thumbnail;
 }
 
 } // namespace mms

@@ -26,5 +26,10 @@ inline bool isVideoClipPath(const QString& path) {
 }
 // Loads a picture file (GIF, JPEG, BMP, PNG); a null image when it cannot be read.
 QImage loadPicture(const QString& path);
+// What a slide shows in its image region: its picture, or a clip's first picture; null when
+// neither can be read.
+QImage loadSlideVisual(const QString& path);
+// A thumbnail marked as standing for a clip (a play sign in its corner).
+QImage markedAsClip(QImage thumbnail);
 
 } // namespace mms

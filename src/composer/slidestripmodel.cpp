@@ -79,15 +79,20 @@ QImage SlideStripModel::thumbnail(int position) const {
     auto entry = thumbnails_.find(slide->id);
     if (entry == thumbnails_.end()) entry = thumbnails_.insert(slide->id, Thumbnail{firstSource(*slide), {}});
     if (entry->image.isNull()) {
-        const QImage picture = entry->source.isEmpty() ? QImage() : loadPicture(entry->source);
-        entry->image = picture.isNull() ? blankThumbnail() : fittedThumbnail(picture);
+        entry->image = thumbnailOf(entry->source);
     }
     return entry->image;
 }
 
-// A slide first seen shows its picture; a clip has no picture to show yet.
+// A slide first seen shows its picture or its clip's first picture.
 QString SlideStripModel::firstSource(const CSlideNode& slide) {
-    return slide.DataImgPath.isEmpty() || isVideoClipPath(slide.DataImgPath) ? QString() : slide.DataImgPath;
+    return slide.DataImgPath;
+}
+
+QImage SlideStripModel::thumbnailOf(const QString& source, QImage visual) {
+    if (visual.isNull() && !source.isEmpty()) visual = loadSlideVisual(source);
+    if (visual.isNull()) return blankThumbnail();
+    return isVideoClipPath(source) ? markedAsClip(fittedThumbnail(visual)) : fittedThumbnail(visual);
 }
 
 void SlideStripModel::adopt(int position) {
@@ -103,14 +108,14 @@ void SlideStripModel::onFieldChanged(int position, SlideField field) {
         return;
     }
     const CSlideNode* slide = message_.at(position);
-    if (field != SlideField::Picture || !slide || isVideoClipPath(slide->DataImgPath)) return;
+    if (field != SlideField::Picture || !slide) return;
     auto entry = thumbnails_.find(slide->id);
     if (entry == thumbnails_.end()) entry = thumbnails_.insert(slide->id, {});
-    // A picture that cannot be loaded leaves the thumbnail as it was.
-    const QImage picture = slide->DataImgPath.isEmpty() ? QImage() : loadPicture(slide->DataImgPath);
-    if (!slide->DataImgPath.isEmpty() && picture.isNull()) return;
+    // A picture or clip that cannot be read leaves the thumbnail as it was.
+    const QImage visual = slide->DataImgPath.isEmpty() ? QImage() : loadSlideVisual(slide->DataImgPath);
+    if (!slide->DataImgPath.isEmpty() && visual.isNull()) return;
     entry->source = slide->DataImgPath;
-    entry->image = picture.isNull() ? blankThumbnail() : fittedThumbnail(picture);
+    entry->image = thumbnailOf(slide->DataImgPath, visual);
     emit dataChanged(row, row, {Qt::DecorationRole});
 }
 

@@ -11,7 +11,7 @@ namespace mms {
 // The slide strip as an item model over the message: row k-1 is slide k, labelled with its position
 // and duration and decorated with its thumbnail. It holds no slide of its own; the only thing it
 // keeps is the thumbnail cache, keyed by slide, made when a row is first shown. A thumbnail follows
-// the slide's picture, except that a video clip keeps the thumbnail the slide had before it.
+// the slide's picture, or shows a clip's first picture marked as a clip.
 // Positions in this interface are 1-based, like the strip's.
 class SlideStripModel final : public QAbstractListModel {
     Q_OBJECT
@@ -37,6 +37,8 @@ private:
     // The thumbnail entry of a slide that just appeared: one it had before (history) or a new one.
     void adopt(int position);
     static QString firstSource(const CSlideNode& slide);
+    // The thumbnail of `source`, from `visual` when it was read already.
+    static QImage thumbnailOf(const QString& source, QImage visual = {});
     void labelsChanged(int first, int last);
 
     const MessageModel& message_;

@@ -100,6 +100,12 @@ double sizeFactor(const Setting& setting) {
 
 } // namespace
 
+bool clipFitsAsItIs(const QString& path, qint64 maxBytes) {
+    ClipSource header;
+    return QFileInfo(path).size() <= maxBytes && readClipHeader(path, header).isOk() &&
+           takenAsItIs(path, header, maxBytes);
+}
+
 ClipConversion convertVideoToClip(const QString& path, double start, std::optional<double> end,
                                   qint64 maxBytes, const Progress& progress) {
     ClipConversion result;

@@ -29,6 +29,10 @@ struct ClipConversion {
     bool fitted() const { return outcome == Outcome::Fitted; }
 };
 
+// Whether `path` is already a clip that fits: a 3GP of at most `maxBytes` bytes holding H.263 or
+// MPEG-4 pictures. Reads only the file's header.
+bool clipFitsAsItIs(const QString& path, qint64 maxBytes);
+
 ClipConversion convertVideoToClip(const QString& path, double start, std::optional<double> end,
                                   qint64 maxBytes, const Progress& progress = {});
 

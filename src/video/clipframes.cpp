@@ -84,23 +84,19 @@ private:
     int w_ = 0, h_ = 0, inW_ = 0, inH_ = 0, inFormat_ = -1;
 };
 
-} // namespace
-
-Status readClipSource(const QString& path, double start, std::optional<double> end, double maxSeconds,
-                      ClipSource& out, const Progress& progress) {
-    out = ClipSource();
-    start = std::max(start, 0.0);
-    AVFormatContext* opened = nullptr;
+// Opens the file and finds its video stream, filling what the header tells.
+Status openVideo(const QString& path, ClipSource& out, std::unique_ptr<AVFormatContext, FormatCloser>& format,
+                 int& stream, const AVCodec*& codec) {
     av_log_set_level(AV_LOG_QUIET);
+    AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
         return Status::failure(named(path, QStringLiteral("cannot be read as a video")));
-    const std::unique_ptr<AVFormatContext, FormatCloser> format(opened);
+    format.reset(opened);
     if (avformat_find_stream_info(format.get(), nullptr) < 0)
         return Status::failure(named(path, QStringLiteral("is cut short or damaged")));
-    const AVCodec* codec = nullptr;
-    const int stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
     if (stream < 0 || !codec) return Status::failure(named(path, QStringLiteral("holds no video")));
-    AVStream* video = format->streams[stream];
+    const AVStream* video = format->streams[stream];
     out.container = QString::fromLatin1(format->iformat->name);
     out.videoCodec = QString::fromLatin1(avcodec_get_name(video->codecpar->codec_id));
     out.sourceSize = QSize(video->codecpar->width, video->codecpar->height);
@@ -109,6 +105,28 @@ Status readClipSource(const QString& path, double start, std::optional<double> e
         return Status::failure(named(path, QStringLiteral("is a video too large to convert (%1x%2)")
                                                .arg(out.sourceSize.width())
                                                .arg(out.sourceSize.height())));
+    return Status::ok();
+}
+
+} // namespace
+
+Status readClipHeader(const QString& path, ClipSource& out) {
+    out = ClipSource();
+    std::unique_ptr<AVFormatContext, FormatCloser> format;
+    int stream = -1;
+    const AVCodec* codec = nullptr;
+    return openVideo(path, out, format, stream, codec);
+}
+
+Status readClipSource(const QString& path, double start, std::optional<double> end, double maxSeconds,
+                      ClipSource& out, const Progress& progress) {
+    out = ClipSource();
+    start = std::max(start, 0.0);
+    std::unique_ptr<AVFormatContext, FormatCloser> format;
+    int stream = -1;
+    const AVCodec* codec = nullptr;
+    if (const Status opened = openVideo(path, out, format, stream, codec); !opened) return opened;
+    AVStream* video = format->streams[stream];
 
     const std::unique_ptr<AVCodecContext, CodecFreer> decoder(avcodec_alloc_context3(codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), video->codecpar) < 0)

@@ -41,6 +41,10 @@ struct ClipSource {
 // `maxSeconds` seconds. Fails with a plain reason naming the file when it cannot be read, holds no
 // video or none that can be decoded, or is damaged before the first picture; a cancel through
 // `progress` fails with an empty message.
+// Only what the header tells: the container, the video codec, the picture size and the length. The
+// same refusals as below, but for damage past the header.
+Status readClipHeader(const QString& path, ClipSource& out);
+
 Status readClipSource(const QString& path, double start, std::optional<double> end, double maxSeconds,
                       ClipSource& out, const Progress& progress = {});
 

@@ -320,7 +320,8 @@ TEST(SlideStripModel, FollowsTheMessageAndRenumbersOnlyTheRowsThatMoved) {
     EXPECT_TRUE(changed.isEmpty());
     message.setDuration(2, SlideDur::fromNumber(7));
     EXPECT_EQ(lastChange(changed), u"1-1"_s);
-    // A clip keeps the thumbnail its slide had; a slide put back by the history keeps its own.
+    // A clip that cannot be read keeps the thumbnail its slide had; a slide put back by the history
+    // keeps its own.
     message.setField(1, SlideField::Picture, dir.write(u"clip.3gp"_s, "x"));
     const quint64 id = message.at(1)->id;
     const SlideContent clip = *message.contentAt(1);

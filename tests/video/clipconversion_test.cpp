@@ -3,6 +3,7 @@
 #include "app/mmscrun.h"
 #include "support/outsidetool.h"
 #include "support/tempdir.h"
+#include "video/clipthumbnail.h"
 
 #include <QFileInfo>
 
@@ -115,6 +116,32 @@ TEST_F(VideoCommand, RefusesWhatItCannotReadAndKeepsTheTarget) {
         expectRun(video(QString::fromLatin1(row.args)), row.status, {}, QString::fromLatin1(row.errHas));
         EXPECT_EQ(TempDir::read(dir.file(u"out.3gp"_s)), "kept");
     }
+}
+
+TEST_F(VideoCommand, ShowsAClipByItsFirstPictureInItsShape) {
+    ASSERT_TRUE(ffmpeg({u"-f"_s, u"lavfi"_s, u"-i"_s, u"color=c=red:size=320x180:duration=1"_s, u"-c:v"_s,
+                        u"mpeg4"_s, dir.file(u"red.mp4"_s)}));
+    const QImage first = mms::firstVideoFrame(dir.file(u"red.mp4"_s));
+    ASSERT_EQ(first.size(), QSize(320, 180));
+    const QColor centre = first.pixelColor(160, 90);
+    EXPECT_TRUE(centre.red() > 200 && centre.green() < 60 && centre.blue() < 60)
+        << centre.name().toStdString();
+    EXPECT_TRUE(mms::firstVideoFrame(dir.file(u"text.mp4"_s)).isNull());
+    dir.write(u"text.mp4"_s, "no video");
+    EXPECT_TRUE(mms::firstVideoFrame(dir.file(u"text.mp4"_s)).isNull());
+}
+
+TEST_F(VideoCommand, BuildTakesVideosAndAnySoundOnlyWhenAskedToFitThem) {
+    ASSERT_TRUE(ffmpeg({u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=duration=2"_s, dir.file(u"tone.mp3"_s)}));
+    const QString slide =
+        u"--home %1/home build --slide --pic %1/phone.mp4 --sound %1/tone.mp3 --save trip"_s;
+    expectRun(video(slide), 2, {},
+              u"phone.mp4' is not a 3GP clip under 102400 bytes (--fit converts it to one)"_s);
+    const MmscRun fitted = video(slide + u" --fit"_s);
+    ASSERT_EQ(fitted.exitCode, 0) << fitted.err.toStdString();
+    const QString stored = dir.file(u"home/UserData/MMS/trip/"_s);
+    EXPECT_EQ(probe(stored + u"vdo1.3gp"_s).video.section(u',', 0, 0), u"h263"_s);
+    EXPECT_EQ(probe(stored + u"sound1.amr"_s).audio, u"amr_nb"_s);
 }
 
 } // namespace

@@ -92,16 +92,16 @@ void SlideEditor::showPicture(const QString& path, bool* failed) {
         clearPicture();
         return;
     }
-    if (isVideoClipPath(path)) {
-        // A clip is no picture: the panel shows that the slide carries one.
+    const QFileInfo file(path);
+    const ShownFile shown{path, file.lastModified(), file.size()};
+    if (shown == shownPicture_) return;
+    const QImage picture = loadSlideVisual(path);
+    if (picture.isNull() && isVideoClipPath(path)) {
+        // A clip whose first picture cannot be read: the panel shows that the slide carries one.
         picPanel->setPixmap(icon("video").pixmap(48, 48));
         shownPicture_ = {};
         return;
     }
-    const QFileInfo file(path);
-    const ShownFile shown{path, file.lastModified(), file.size()};
-    if (shown == shownPicture_) return;
-    const QImage picture = loadPicture(path);
     if (picture.isNull()) {
         picPanel->setPixmap(icon("broken-picture").pixmap(48, 48));
         shownPicture_ = {};
