@@ -1,38 +1,16 @@
 #include "sound/audiodecoder.h"
 
 #include "sound/amrdecoder.h"
+#include "sound/mediahandles.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <memory>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/opt.h>
-#include <libswresample/swresample.h>
-}
-
 namespace mms {
 
 namespace {
-
-struct FormatCloser {
-    void operator()(AVFormatContext* f) const { avformat_close_input(&f); }
-};
-struct CodecFreer {
-    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
-};
-struct ResamplerFreer {
-    void operator()(SwrContext* s) const { swr_free(&s); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* p) const { av_packet_free(&p); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* f) const { av_frame_free(&f); }
-};
 
 QString named(const QString& path, const QString& reason) {
     return QStringLiteral("%1 %2.").arg(QFileInfo(path).fileName(), reason);
@@ -91,7 +69,7 @@ Status decodeSound(const QString& path, double start, std::optional<double> end,
     AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
         return Status::failure(named(path, QStringLiteral("cannot be read as a sound or a video")));
-    const std::unique_ptr<AVFormatContext, FormatCloser> format(opened);
+    const media::Input format(opened);
     if (avformat_find_stream_info(format.get(), nullptr) < 0)
         return Status::failure(named(path, QStringLiteral("is cut short or damaged")));
     const AVCodec* codec = nullptr;
@@ -100,7 +78,7 @@ Status decodeSound(const QString& path, double start, std::optional<double> end,
     const AVStream* audio = format->streams[stream];
     if (format->duration > 0) out.sourceSeconds = double(format->duration) / AV_TIME_BASE;
 
-    const std::unique_ptr<AVCodecContext, CodecFreer> decoder(avcodec_alloc_context3(codec));
+    const media::Codec decoder(avcodec_alloc_context3(codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), audio->codecpar) < 0 ||
         avcodec_open2(decoder.get(), codec, nullptr) < 0 || decoder->sample_rate <= 0)
         return Status::failure(named(path, QStringLiteral("holds a sound that cannot be decoded")));
@@ -115,15 +93,15 @@ Status decodeSound(const QString& path, double start, std::optional<double> end,
         swr_free(&made);
         return Status::failure(named(path, QStringLiteral("holds a sound that cannot be converted")));
     }
-    const std::unique_ptr<SwrContext, ResamplerFreer> swr(made);
+    const media::Resampler swr(made);
 
     const qint64 skip = qint64(std::max(start, 0.0) * kAmrSampleRate + 0.5);
     qint64 wanted = maxSamples;
     if (end) wanted = std::min(wanted, qint64((*end - std::max(start, 0.0)) * kAmrSampleRate + 0.5));
     wanted = std::max<qint64>(wanted, 0);
     Collector collect(skip, wanted, out);
-    const std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
-    const std::unique_ptr<AVFrame, FrameFreer> frame(av_frame_alloc());
+    const media::Packet packet(av_packet_alloc());
+    const media::Frame frame(av_frame_alloc());
     const double total = out.sourceSeconds.value_or(0) * kAmrSampleRate;
     bool damaged = false;
     bool more = true;

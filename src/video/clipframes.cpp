@@ -1,16 +1,11 @@
 #include "video/clipframes.h"
 
+#include "sound/mediahandles.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <cmath>
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/imgutils.h>
-#include <libswscale/swscale.h>
-}
 
 namespace mms {
 
@@ -19,19 +14,6 @@ void FrameDeleter::operator()(AVFrame* frame) const {
 }
 
 namespace {
-
-struct FormatCloser {
-    void operator()(AVFormatContext* f) const { avformat_close_input(&f); }
-};
-struct CodecFreer {
-    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
-};
-struct ScalerFreer {
-    void operator()(SwsContext* s) const { sws_freeContext(s); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* p) const { av_packet_free(&p); }
-};
 
 QString named(const QString& path, const QString& reason) {
     return QStringLiteral("%1 %2.").arg(QFileInfo(path).fileName(), reason);
@@ -80,13 +62,13 @@ public:
 
 private:
     QSize box_;
-    std::unique_ptr<SwsContext, ScalerFreer> scaler_;
+    media::Scaler scaler_;
     int w_ = 0, h_ = 0, inW_ = 0, inH_ = 0, inFormat_ = -1;
 };
 
 // Opens the file and finds its video stream, filling what the header tells.
-Status openVideo(const QString& path, ClipSource& out, std::unique_ptr<AVFormatContext, FormatCloser>& format,
-                 int& stream, const AVCodec*& codec) {
+Status openVideo(const QString& path, ClipSource& out, media::Input& format, int& stream,
+                 const AVCodec*& codec) {
     av_log_set_level(AV_LOG_QUIET);
     AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
@@ -112,7 +94,7 @@ Status openVideo(const QString& path, ClipSource& out, std::unique_ptr<AVFormatC
 
 Status readClipHeader(const QString& path, ClipSource& out) {
     out = ClipSource();
-    std::unique_ptr<AVFormatContext, FormatCloser> format;
+    media::Input format;
     int stream = -1;
     const AVCodec* codec = nullptr;
     return openVideo(path, out, format, stream, codec);
@@ -122,13 +104,13 @@ Status readClipSource(const QString& path, double start, std::optional<double> e
                       ClipSource& out, const Progress& progress) {
     out = ClipSource();
     start = std::max(start, 0.0);
-    std::unique_ptr<AVFormatContext, FormatCloser> format;
+    media::Input format;
     int stream = -1;
     const AVCodec* codec = nullptr;
     if (const Status opened = openVideo(path, out, format, stream, codec); !opened) return opened;
     AVStream* video = format->streams[stream];
 
-    const std::unique_ptr<AVCodecContext, CodecFreer> decoder(avcodec_alloc_context3(codec));
+    const media::Codec decoder(avcodec_alloc_context3(codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), video->codecpar) < 0)
         return Status::failure(named(path, QStringLiteral("holds a video that cannot be decoded")));
     decoder->thread_count = 0; // as many as the machine has
@@ -141,7 +123,7 @@ Status readClipSource(const QString& path, double start, std::optional<double> e
     if (start > 0) av_seek_frame(format.get(), -1, qint64(start * AV_TIME_BASE), AVSEEK_FLAG_BACKWARD);
 
     Letterbox large(kClipLarge), small(kClipSmall);
-    const std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
+    const media::Packet packet(av_packet_alloc());
     const FramePtr frame(av_frame_alloc());
     const double timeBase = av_q2d(video->time_base);
     const double firstTime = video->start_time != AV_NOPTS_VALUE ? video->start_time * timeBase : 0.0;

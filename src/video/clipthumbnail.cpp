@@ -1,34 +1,14 @@
 #include "video/clipthumbnail.h"
 
+#include "sound/mediahandles.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <memory>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libswscale/swscale.h>
-}
-
 namespace mms {
 
 namespace {
-
-struct FormatCloser {
-    void operator()(AVFormatContext* f) const { avformat_close_input(&f); }
-};
-struct CodecFreer {
-    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* p) const { av_packet_free(&p); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* f) const { av_frame_free(&f); }
-};
-struct ScalerFreer {
-    void operator()(SwsContext* s) const { sws_freeContext(s); }
-};
 
 constexpr qint64 kBudgetMs = 1500;
 constexpr int kLargestSide = 4096;
@@ -48,7 +28,7 @@ QImage firstVideoFrame(const QString& path) {
     if (!opened) return {};
     opened->interrupt_callback = AVIOInterruptCB{&stopWhenLate, &timer};
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0) return {};
-    const std::unique_ptr<AVFormatContext, FormatCloser> format(opened);
+    const media::Input format(opened);
     if (avformat_find_stream_info(format.get(), nullptr) < 0) return {};
     const AVCodec* codec = nullptr;
     const int stream = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
@@ -57,12 +37,12 @@ QImage firstVideoFrame(const QString& path) {
     if (video->width <= 0 || video->height <= 0 || video->width > kLargestSide ||
         video->height > kLargestSide)
         return {};
-    const std::unique_ptr<AVCodecContext, CodecFreer> decoder(avcodec_alloc_context3(codec));
+    const media::Codec decoder(avcodec_alloc_context3(codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), video) < 0 ||
         avcodec_open2(decoder.get(), codec, nullptr) < 0)
         return {};
-    const std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
-    const std::unique_ptr<AVFrame, FrameFreer> frame(av_frame_alloc());
+    const media::Packet packet(av_packet_alloc());
+    const media::Frame frame(av_frame_alloc());
     bool got = false;
     while (!got && !timer.hasExpired(kBudgetMs)) {
         const bool read = av_read_frame(format.get(), packet.get()) >= 0;
@@ -84,9 +64,8 @@ QImage firstVideoFrame(const QString& path) {
     double height = frame->height;
     const double shrink = std::min(1.0, kThumbnailSide / std::max(width, height));
     const int w = std::max(1, int(width * shrink)), h = std::max(1, int(height * shrink));
-    const std::unique_ptr<SwsContext, ScalerFreer> scaler(
-        sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), w, h, AV_PIX_FMT_RGB32,
-                       SWS_BILINEAR, nullptr, nullptr, nullptr));
+    const media::Scaler scaler(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), w, h,
+                                              AV_PIX_FMT_RGB32, SWS_BILINEAR, nullptr, nullptr, nullptr));
     if (!scaler) return {};
     QImage image(w, h, QImage::Format_RGB32);
     uint8_t* target[1] = {image.bits()};

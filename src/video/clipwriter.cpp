@@ -1,13 +1,9 @@
 #include "video/clipwriter.h"
 
+#include "sound/mediahandles.h"
+
 #include <cstring>
 #include <memory>
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/channel_layout.h>
-}
 
 namespace mms {
 
@@ -55,12 +51,6 @@ struct OutputCloser {
         avformat_free_context(f);
     }
 };
-struct CodecFreer {
-    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* p) const { av_packet_free(&p); }
-};
 
 } // namespace
 
@@ -79,7 +69,7 @@ QByteArray writeClip(const ClipEncoding& clip) {
     }
 
     const AVCodec* h263 = avcodec_find_encoder(AV_CODEC_ID_H263);
-    const std::unique_ptr<AVCodecContext, CodecFreer> encoder(h263 ? avcodec_alloc_context3(h263) : nullptr);
+    const media::Codec encoder(h263 ? avcodec_alloc_context3(h263) : nullptr);
     if (!encoder) return {};
     encoder->width = clip.size.width();
     encoder->height = clip.size.height();
@@ -110,7 +100,7 @@ QByteArray writeClip(const ClipEncoding& clip) {
     }
     if (avformat_write_header(output.get(), nullptr) < 0) return {};
 
-    const std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
+    const media::Packet packet(av_packet_alloc());
     const auto drain = [&]() {
         while (avcodec_receive_packet(encoder.get(), packet.get()) == 0) {
             av_packet_rescale_ts(packet.get(), encoder->time_base, video->time_base);
