@@ -57,14 +57,18 @@ LibraryInfo mediaLibrary() {
     return {QStringLiteral("FFmpeg"), QString::fromLatin1(av_version_info()), QStringLiteral("GNU LGPL 2.1")};
 }
 
-Status decodeSound(const QString& path, double start, std::optional<double> end, qint64 maxSamples,
-                   DecodedSound& out, const Progress& progress) {
-    // The library's own log would reach the terminal; the reasons it matters for are returned.
-    static const bool quiet = [] {
+void prepareMediaLibrary() {
+    static const bool prepared = [] {
         av_log_set_level(AV_LOG_QUIET);
+        av_max_alloc(size_t(64) << 20);
         return true;
     }();
-    (void)quiet;
+    (void)prepared;
+}
+
+Status decodeSound(const QString& path, double start, std::optional<double> end, qint64 maxSamples,
+                   DecodedSound& out, const Progress& progress) {
+    prepareMediaLibrary();
     out = DecodedSound();
     AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)

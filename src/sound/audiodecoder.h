@@ -14,6 +14,10 @@ namespace mms {
 // The media library that reads the sounds and videos people have (MP3, Ogg, Opus, M4A, FLAC, WAV,
 // and the sound of video files), in the version in use.
 LibraryInfo mediaLibrary();
+// Sets the media library up once for files from anywhere: silent (the reasons that matter are
+// returned), and no single allocation larger than a clip could ever need, so that a header that
+// claims gigabytes is refused rather than believed.
+void prepareMediaLibrary();
 
 // Told the share of the work done (0 to 1); returning false cancels.
 using Progress = std::function<bool(double done)>;

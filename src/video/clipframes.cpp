@@ -1,5 +1,6 @@
 #include "video/clipframes.h"
 
+#include "sound/audiodecoder.h"
 #include "sound/mediahandles.h"
 
 #include <QFile>
@@ -69,7 +70,7 @@ private:
 // Opens the file and finds its video stream, filling what the header tells.
 Status openVideo(const QString& path, ClipSource& out, media::Input& format, int& stream,
                  const AVCodec*& codec) {
-    av_log_set_level(AV_LOG_QUIET);
+    prepareMediaLibrary();
     AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, QFile::encodeName(path).constData(), nullptr, nullptr) < 0)
         return Status::failure(named(path, QStringLiteral("cannot be read as a video")));

@@ -1,5 +1,6 @@
 #include "video/clipthumbnail.h"
 
+#include "sound/audiodecoder.h"
 #include "sound/mediahandles.h"
 
 #include <QElapsedTimer>
@@ -21,7 +22,7 @@ int stopWhenLate(void* timer) {
 } // namespace
 
 QImage firstVideoFrame(const QString& path) {
-    av_log_set_level(AV_LOG_QUIET);
+    prepareMediaLibrary();
     QElapsedTimer timer;
     timer.start();
     AVFormatContext* opened = avformat_alloc_context();
