@@ -1,4 +1,4 @@
-// The document without a window: its commands, history and Open, driven through scripted windows.
+// The document without a window: its commands and history.
 #include "common/localisation.h"
 #include "composer/composerdocument.h"
 #include "composer/workspacefolders.h"
@@ -7,7 +7,6 @@
 #include "support/scriptedtime.h"
 #include "support/tempdir.h"
 
-#include <QFileInfo>
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
@@ -16,16 +15,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// The name dialogs answer with the next name; the subject prompt and the chooser are not used here.
+// No dialog is used here: every one is cancelled.
 class ScriptedWindows final : public DocumentWindows {
 public:
-    MessageState* state = nullptr; // the document's, which the dialogs write into
-    QStringList names;
-    bool runNameDialog(NameDialog) override {
-        state->isCancel = names.isEmpty();
-        if (!names.isEmpty()) state->currentFile = names.takeFirst();
-        return true;
-    }
+    bool runNameDialog(NameDialog) override { return false; }
     bool promptSubject(bool, QStringList*) override { return false; }
     QString chooseSaveFile(const QString&, const QString&, const QString&) override { return {}; }
 };
@@ -39,7 +32,6 @@ protected:
                 texts.interface << u"I%1"_s.arg(i);
         loc.setTexts(texts);
         EXPECT_TRUE(createWorkspaceFolders(home.path()).isOk());
-        windows.state = &document.state();
         // As the window does: the slide a command shows becomes the selected one.
         QObject::connect(&document, &ComposerDocument::showSlide, [this](qint16 p) {
             shown << p;
@@ -95,30 +87,6 @@ TEST_F(DocumentTest, CommandsShowWhatTheyLeaveSelectedAndTheHistoryReplaysThem) 
     EXPECT_EQ(texts(), u"A B C"_s);
     EXPECT_EQ(document.message().count(), 3);
     EXPECT_TRUE(sink.texts().isEmpty()) << sink.texts().join(u'|').toStdString();
-}
-
-TEST_F(DocumentTest, AFailedOpenKeepsTheCurrentMessageAndEveryFileItRefersTo) {
-    const QString tune = home.write(u"UserData/Sound/tune.mid"_s, QByteArray(300, 'm'));
-    add(u"A"_s);
-    document.commit(SlideField::Sound, tune);
-    windows.names = {u"trip"_s};
-    document.saveAs();
-    windows.names = {u"trip"_s};
-    document.open(); // the slides now refer to the working copy
-    const QString working = document.message().at(1)->DataSoundPath;
-    ASSERT_NE(working, tune);
-    ASSERT_TRUE(QFileInfo::exists(working));
-
-    home.write(u"UserData/MMS/broken.mmt"_s, "\"subject\"\n3,I\n");
-    home.write(u"UserData/MMS/broken/pic1.gif"_s, "GIF89a");
-    sink.shown.clear();
-    windows.names = {u"broken"_s};
-    document.open();
-    ASSERT_EQ(sink.texts().size(), 1);
-    EXPECT_TRUE(sink.texts().at(0).startsWith(u"E24"_s));
-    EXPECT_EQ(document.state().currentFile, u"trip"_s);
-    EXPECT_EQ(texts(), u"A"_s);
-    EXPECT_EQ(QFileInfo(working).size(), 300); // the working copy was not replaced
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include "composer/workspacefolders.h"
 #include "image/picturefiles.h"
 #include "model/messagemodel.h"
-#include "model/slideedits.h"
 #include "support/qtprint.h"
 #include "support/scratchsettings.h"
 #include "support/tempdir.h"
@@ -30,14 +29,6 @@ using namespace mms;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A list of slides named by their text, one letter each; the order reads the text and the tail.
-QString order(const CSlide& list) {
-    QString s;
-    for (auto n = list.firstItem(); n; n = n->NextNode)
-        s += n->DataText;
-    return s + u'|' + (list.lastItem() ? list.lastItem()->DataText : QString());
-}
 
 // Each item as "<number>.<duration>s<thumbnail colour>", read back through the model interface.
 QString items(const SlideStripModel& model) {
@@ -167,25 +158,6 @@ TEST(SizeLimit, GaugeTurnsAmberAbove90PercentAndRedAboveTheSettingsLimit) {
     EXPECT_EQ(readSizeLimitSetting(), 600 * 1024);
     writeSizeLimitSetting(5);
     EXPECT_EQ(readSizeLimitSetting(), kDefaultSizeLimit);
-}
-
-TEST(SlideEdits, MovesKeepTheListWholeWhateverTheDistance) {
-    struct Move {
-        qint16 from, to;
-        const char* expected;
-    };
-    // To either end, by one place either way, and further inside the list.
-    for (const Move& m :
-         {Move{4, 1, "DABCE|E"}, Move{2, 5, "ACDEB|B"}, Move{3, 2, "ACBDE|E"}, Move{3, 4, "ABDCE|E"},
-          Move{2, 4, "ACDBE|E"}, Move{4, 2, "ADBCE|E"}, Move{3, 3, "ABCDE|E"}}) {
-        CSlide list;
-        for (QChar c : u"ABCDE"_s)
-            list.InsertAtBack(SlideDur::fromText(u"3"_s), {}, QString(c), {});
-        EXPECT_TRUE(moveSlideTo(list, m.from, m.to, 5));
-        EXPECT_EQ(order(list), QString::fromLatin1(m.expected)) << m.from << "->" << m.to;
-    }
-    CSlide empty;
-    EXPECT_FALSE(moveSlideTo(empty, 1, 2, 0));
 }
 
 TEST(Drafts, RoundTripKeepsEverySlideRefusesAnythingElseAndTheStoreSetsADamagedOneAside) {

@@ -81,14 +81,25 @@ TEST(LanguageFile, ReadsOnlyTheSixthSectionInThreeGroupsAsTheyStandAndRefusesFil
     }
 }
 
+// Each language has its own file and, but for English, its own code and Qt catalogue.
 TEST(LanguageChoice, FollowsTheTableExactlyAndTheSettingOfTheUserOverTheSystem) {
     const QStringList codes{u""_s, u"sch"_s, u"tch"_s, u"fra"_s, u"ger"_s, u"it"_s, u"spa"_s, u"ru"_s};
-    for (int i = 0; i < 8; ++i)
+    QStringList files;
+    for (int i = 0; i < 8; ++i) {
         EXPECT_EQ(langIndexForCode(codes.at(i)), i);
+        EXPECT_EQ(qtLocaleName(i).isEmpty(), i == 0) << i;
+        files << languageFileName(i);
+    }
+    EXPECT_EQ(QSet<QString>(files.begin(), files.end()).size(), 8);
+    QList<int> chosen;
+    for (const QString& code : languageCodes())
+        chosen << langIndexForCode(code);
+    std::sort(chosen.begin(), chosen.end());
+    EXPECT_EQ(chosen, (QList<int>{1, 2, 3, 4, 5, 6, 7}));
     for (const char* other : {"IT", "en", " it", "Sch"})
         EXPECT_EQ(langIndexForCode(QString::fromUtf8(other)), 0);
     // Out of the table: English.
-    EXPECT_EQ(languageFileName(-1) + languageFileName(9) + helpFileName(9),
+    EXPECT_EQ(languageFileName(-1) + languageFileName(9) + helpFileName(9) + qtLocaleName(9),
               u"English.lngEnglish.lngMorvane.chm"_s);
 
     // The setting: the user's over the system's, and nothing but a plain string counts.
@@ -135,8 +146,10 @@ TEST(Localisation, LoadFailuresNameTheFileKeepTheTextsAndLookupsBeyondTheEndThro
 }
 
 // The language files the build generates each load and are real translations. (The build itself
-// refuses a translation whose entries or placeholders differ from English.)
-TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
+// refuses a translation whose entries or placeholders differ from English.) English marks the entries
+// the program does not show with "-": the named texts and those marks must agree, so a text given a
+// number but no name (or a name but no text) is caught.
+TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntryAndEnglishForNoOther) {
     const struct {
         const char* group;
         QStringList LanguageTexts::*list;
@@ -153,6 +166,8 @@ TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
         if (lang == 0) english = loc.texts();
         int sameAsEnglish = 0;
         for (const auto& [group, list, numbers] : used) {
+            for (int n = 0; lang == 0 && n < (english.*list).size(); ++n)
+                EXPECT_EQ((english.*list).at(n) != u"-"_s, numbers.contains(n)) << group << '.' << n;
             for (int n : numbers) {
                 const QString text = (loc.texts().*list).at(n);
                 const QString where = languageFileName(lang) + u" %1.%2"_s.arg(QLatin1String(group)).arg(n);
@@ -163,38 +178,6 @@ TEST(LanguageFiles, EveryLanguageLoadsWithARealTextForEveryUsedEntry) {
         }
         EXPECT_LE(sameAsEnglish, 5) << languageFileName(lang).toStdString();
     }
-}
-
-// English marks the entries the program does not show with "-": the named texts and those marks
-// must agree, so a text given a number but no name (or a name but no text) is caught.
-TEST(LanguageFiles, EnglishHoldsARealTextExactlyForTheNamedEntries) {
-    Localisation loc;
-    ASSERT_TRUE(
-        loc.readLangFile(0, qEnvironmentVariable("MMS_LANG_DIR", QStringLiteral(MMS_BIN_DIR))).isOk());
-    const std::tuple<const char*, QStringList, QList<int>> groups[] = {
-        {"prompt", loc.texts().prompts, usedPromptNumbers()},
-        {"error", loc.texts().errors, usedErrorNumbers()},
-        {"interface", loc.texts().interface, usedInterfaceNumbers()}};
-    for (const auto& [group, texts, used] : groups) {
-        for (int n = 0; n < texts.size(); ++n)
-            EXPECT_EQ(texts.at(n) != u"-"_s, used.contains(n)) << group << '.' << n;
-    }
-}
-
-// Each language has its own file and, but for English, its own code and Qt catalogue.
-TEST(LanguageChoice, EveryLanguageHasItsOwnFileCodeAndQtCatalogue) {
-    QStringList files;
-    for (int lang = 0; lang < 8; ++lang) {
-        files << languageFileName(lang);
-        EXPECT_EQ(qtLocaleName(lang).isEmpty(), lang == 0) << lang;
-    }
-    EXPECT_EQ(QSet<QString>(files.begin(), files.end()).size(), 8);
-    QList<int> chosen;
-    for (const QString& code : languageCodes())
-        chosen << langIndexForCode(code);
-    std::sort(chosen.begin(), chosen.end());
-    EXPECT_EQ(chosen, (QList<int>{1, 2, 3, 4, 5, 6, 7}));
-    EXPECT_EQ(qtLocaleName(9), QString());
 }
 
 TEST(LanguageSource, ReadsEntriesInAnyOrderWithEscapesCommentsBomAndCrlf) {

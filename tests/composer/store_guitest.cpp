@@ -126,6 +126,10 @@ TEST_F(StoreTest, OpenRebuildsTheSlidesFromTheWorkingCopyAndAFailedOpenChangesNo
     EXPECT_EQ(strip(), u"A5s B!3s C3s"_s);
     EXPECT_EQ(w->messageState().currentFile, u"trip"_s);
     EXPECT_TRUE(w->isModified());
+    // The slides refer into the working copy, which the failed open must not have replaced.
+    const QString sound = w->message().nodeAt(2)->DataSoundPath;
+    EXPECT_TRUE(sound.startsWith(home.file(u"UserData/MMS/temp/"_s))) << sound.toStdString();
+    EXPECT_EQ(TempDir::read(sound), QByteArray(300, 'm'));
 }
 
 // A killed composer runs none of its own shutdown: the draft it wrote while the user worked must be

@@ -1,4 +1,5 @@
 #include "model/cslide.h"
+#include "model/slideedits.h"
 #include "support/qtprint.h"
 #include "support/recordingsink.h"
 #include "support/tempdir.h"
@@ -93,6 +94,24 @@ TEST_F(CSlideTest, SwapsAndMovesToAnEndKeepOrderAndTailAndRefuseWithTheirBoundMe
     one.SwapAtFront(1, 1);
     EXPECT_EQ(one.getTotalSlide(), 2);
     EXPECT_EQ(one.lastItem()->DataText, u"A"_s);
+}
+
+TEST_F(CSlideTest, MovesToAnyPlaceKeepTheListWhole) {
+    // To either end, by one place either way, and further inside the list.
+    for (const auto& [from, to, expected] : {std::tuple{4, 1, "DABCE|E"},
+                                             {2, 5, "ACDEB|B"},
+                                             {3, 2, "ACBDE|E"},
+                                             {3, 4, "ABDCE|E"},
+                                             {2, 4, "ACDBE|E"},
+                                             {4, 2, "ADBCE|E"},
+                                             {3, 3, "ABCDE|E"}}) {
+        list.Destory();
+        fill(u"ABCDE"_s);
+        EXPECT_TRUE(moveSlideTo(list, qint16(from), qint16(to), 5));
+        EXPECT_EQ(order(), QString::fromLatin1(expected)) << from << "->" << to;
+    }
+    CSlide empty;
+    EXPECT_FALSE(moveSlideTo(empty, 1, 2, 0));
 }
 
 TEST(SlideDuration, DigitsUpToTheLongestDisplayTime) {

@@ -2,6 +2,7 @@
 #include "sound/amrdecoder.h"
 #include "sound/sounddevice.h"
 #include "support/qtprint.h"
+#include "support/recordingdevice.h"
 #include "support/tempdir.h"
 
 #include <QStringList>
@@ -73,24 +74,6 @@ struct ScriptedPcm final : PcmOutput {
     qint64 played = 0;
 };
 
-// The MIDI side, recording each call as a line.
-struct LoggingDevice final : MultimediaDevice {
-    Result open(const QString& path) override { return log(u"open "_s + path); }
-    Result play() override { return log(u"play"_s); }
-    void pause() override { log(u"pause"_s); }
-    void resume() override { log(u"resume"_s); }
-    void stop() override { log(u"stop"_s); }
-    void close() override { log(u"close"_s); }
-    qint64 position() const override { return 0; }
-    bool isOpen() const override { return false; }
-    void emitPlaybackEnded(Notify how) { emit playbackEnded(how); }
-    Result log(const QString& call) {
-        calls << call;
-        return Result::Ok;
-    }
-    QStringList calls;
-};
-
 using Notify = MultimediaDevice::Notify;
 using Result = MultimediaDevice::Result;
 
@@ -102,7 +85,7 @@ protected:
     }
 
     TempDir dir;
-    LoggingDevice* midi = new LoggingDevice; // both owned by the device
+    RecordingDevice* midi = new RecordingDevice; // both owned by the device
     ScriptedPcm* pcm = new ScriptedPcm;
     SoundDevice device{std::unique_ptr<MultimediaDevice>(midi), std::unique_ptr<PcmOutput>(pcm)};
     std::vector<Notify> notes;

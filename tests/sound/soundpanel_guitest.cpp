@@ -278,8 +278,8 @@ TEST_F(SoundPanelTest, TheCommandsFollowTheSelectionTheTypeAndTheFolder) {
     EXPECT_TRUE(fake.dialogs.shown.empty());
 }
 
-// Attaching to an empty message and the preview's stop are the composer's, checked in
-// DropTest.DroppedFilesFollowThePanelsAttachRulesAndOthersAreRefused and below.
+// Attaching to an empty message is the composer's, checked with the drops in HistoryTest; the
+// preview's stop is checked below.
 TEST_F(SoundPanelTest, AttachingPutsTheLibraryPathOnTheSelectedSlideBelowTheSizeLimit) {
     addSlides(u"AB"_s);
     pick(1);

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "common/widgets/platform.h"
-#include "sound/multimediadevice.h"
+#include "support/recordingdevice.h"
 #include "support/recordingsink.h"
 #include "support/scriptedtime.h"
 
 #include <QDialog>
-#include <QHash>
 #include <QStringList>
 #include <deque>
 #include <functional>
@@ -55,41 +54,6 @@ private:
         queue.pop_front();
         return s;
     }
-};
-
-// Records every call as a line ("open PATH", "play", "pause", "resume", "stop", "close"), answers
-// open() and play() from `resultFor` (by that line; `result` for the rest) and lets the test report
-// how a playback ended, from any thread.
-class RecordingDevice final : public MultimediaDevice {
-public:
-    Result open(const QString& path) override {
-        const Result r = answer(QStringLiteral("open ") + path);
-        open_ = open_ || r == Result::Ok;
-        return r;
-    }
-    Result play() override { return answer(QStringLiteral("play")); }
-    void pause() override { calls << QStringLiteral("pause"); }
-    void resume() override { calls << QStringLiteral("resume"); }
-    void stop() override { calls << QStringLiteral("stop"); }
-    void close() override {
-        calls << QStringLiteral("close");
-        open_ = false;
-    }
-    qint64 position() const override { return open_ ? positionMs : 0; }
-    bool isOpen() const override { return open_; }
-    void emitPlaybackEnded(Notify how) { emit playbackEnded(how); }
-
-    QStringList calls;
-    Result result = Result::Ok;
-    QHash<QString, Result> resultFor;
-    qint64 positionMs = 0;
-
-private:
-    Result answer(const QString& call) {
-        calls << call;
-        return resultFor.value(call, result);
-    }
-    bool open_ = false;
 };
 
 // All seams in one place: `platform` is what the windows get.
