@@ -4,8 +4,10 @@
 #include "model/messagemodel.h"
 #include "sound/multimediadevice.h"
 
+#include <QCache>
 #include <QDateTime>
 #include <QIcon>
+#include <QPixmap>
 #include <QWidget>
 
 class QAction;
@@ -107,15 +109,21 @@ private:
     QIcon playIcon_;
     QIcon stopIcon_;
     QString durTextAtFocus_;
-    // The file the picture panel shows, as it was when read: showing it again unchanged decodes
-    // nothing (every command shows its slide again).
+    // The file the picture panel shows, as it was when read, and the last pictures shown: every
+    // command shows its slide again, and going back and forth between slides shows the same few
+    // files; one that is unchanged on disk is not decoded again.
     struct ShownFile {
         QString path;
         QDateTime modified;
         qint64 bytes = -1;
         bool operator==(const ShownFile&) const = default;
     };
+    struct ShownPicture {
+        ShownFile file;
+        QPixmap pixmap;
+    };
     ShownFile shownPicture_;
+    QCache<QString, ShownPicture> recentPictures_{16};
     bool isPlaying_ = false;
     bool textHintStyled_ = false;
 };

@@ -95,6 +95,11 @@ void SlideEditor::showPicture(const QString& path, bool* failed) {
     const QFileInfo file(path);
     const ShownFile shown{path, file.lastModified(), file.size()};
     if (shown == shownPicture_) return;
+    if (const ShownPicture* recent = recentPictures_.object(path); recent && recent->file == shown) {
+        picPanel->setPixmap(recent->pixmap);
+        shownPicture_ = shown;
+        return;
+    }
     const QImage picture = loadSlideVisual(path);
     if (picture.isNull() && isVideoClipPath(path)) {
         // A clip whose first picture cannot be read: the panel shows that the slide carries one.
@@ -108,8 +113,10 @@ void SlideEditor::showPicture(const QString& path, bool* failed) {
         *failed = true;
         return;
     }
-    picPanel->setPixmap(QPixmap::fromImage(fitToPhoneScreen(picture)));
+    const QPixmap pixmap = QPixmap::fromImage(fitToPhoneScreen(picture));
+    picPanel->setPixmap(pixmap);
     shownPicture_ = shown;
+    recentPictures_.insert(path, new ShownPicture{shown, pixmap});
 }
 
 // --- The commit rule and the boxes ---

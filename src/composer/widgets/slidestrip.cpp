@@ -30,6 +30,25 @@ QToolButton* stripButton(QWidget* parent, const char* objectName, QAction* comma
     return button;
 }
 
+// Holds a counter outside any layout. The counters change with every command, and a label in a
+// layout has the whole window laid out again for each new text; the holder takes the place the
+// label had and gives the label all of it.
+class CounterHolder final : public QWidget {
+public:
+    CounterHolder(QLabel* label, QWidget* parent) : QWidget(parent), label_(label) {
+        label->setParent(this);
+        setSizePolicy(label->sizePolicy());
+    }
+    QSize sizeHint() const override { return label_->sizeHint(); }
+    QSize minimumSizeHint() const override { return label_->minimumSizeHint(); }
+
+protected:
+    void resizeEvent(QResizeEvent*) override { label_->setGeometry(rect()); }
+
+private:
+    QLabel* label_;
+};
+
 } // namespace
 
 SlideStrip::SlideStrip(ComposerDocument& document, const Localisation& loc, Dialogs& dialogs,
@@ -107,7 +126,6 @@ QLayout* SlideStrip::buildCounters(Dialogs& dialogs) {
     Frame1->setObjectName(QStringLiteral("Frame1"));
     lblSlide = new QLabel(Frame1);
     lblSlide->setObjectName(QStringLiteral("lblSlide"));
-    (new QVBoxLayout(Frame1))->addWidget(lblSlide);
     Frame2 = new QGroupBox(this);
     Frame2->setObjectName(QStringLiteral("Frame2"));
     lblSize = new QLabel(Frame2);
@@ -115,13 +133,14 @@ QLayout* SlideStrip::buildCounters(Dialogs& dialogs) {
     // The counters change with every command; their width must not move the window's columns.
     for (QLabel* counter : {lblSlide, lblSize})
         counter->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    (new QVBoxLayout(Frame1))->addWidget(new CounterHolder(lblSlide, Frame1));
     sizeGauge = new SizeGauge(loc_, dialogs, Frame2);
     connect(sizeGauge, &SizeGauge::limitChosen, this, [this](qint64 bytes) {
         document_.setSizeLimit(bytes);
         writeSizeLimitSetting(bytes);
     });
     auto* sizeLayout = new QVBoxLayout(Frame2);
-    sizeLayout->addWidget(lblSize);
+    sizeLayout->addWidget(new CounterHolder(lblSize, Frame2));
     sizeLayout->addWidget(sizeGauge);
     auto* counters = new QHBoxLayout;
     counters->addWidget(Frame1, 2);
