@@ -110,6 +110,20 @@ ClipConversion convertVideoToClip(const QString& path, double start, std::option
                                   qint64 maxBytes, const Progress& progress) {
     ClipConversion result;
     const QString name = QFileInfo(path).fileName();
+    // A clip that fits is taken as it is, from its header alone.
+    if (start <= 0 && !end) {
+        ClipSource header;
+        QFile file(path);
+        if (file.size() <= maxBytes && readClipHeader(path, header).isOk() &&
+            takenAsItIs(path, header, maxBytes) && file.open(QIODevice::ReadOnly)) {
+            result.clip = file.readAll();
+            result.outcome = ClipConversion::Outcome::Fitted;
+            result.asItWas = true;
+            result.seconds = header.sourceSeconds.value_or(0);
+            result.size = header.sourceSize;
+            return result;
+        }
+    }
     ClipSource source;
     const Status read =
         readClipSource(path, start, end, double(maxBytes) / kFewestBytesPerSecond, source, progress);
@@ -118,17 +132,6 @@ ClipConversion convertVideoToClip(const QString& path, double start, std::option
                                                   : ClipConversion::Outcome::Unreadable;
         result.message = read.message();
         return result;
-    }
-    if (start <= 0 && !end && takenAsItIs(path, source, maxBytes)) {
-        QFile file(path);
-        if (file.open(QIODevice::ReadOnly)) {
-            result.clip = file.readAll();
-            result.outcome = ClipConversion::Outcome::Fitted;
-            result.asItWas = true;
-            result.seconds = source.sourceSeconds.value_or(source.seconds());
-            result.size = source.sourceSize;
-            return result;
-        }
     }
 
     qint64 count = qint64(source.large.size());
