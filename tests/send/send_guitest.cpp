@@ -165,7 +165,7 @@ TEST_F(RealDaemonSendTest, MessageFromTheSendWindowReachesTheMmsCentre) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return d.result() == QDialog::Accepted; }, 15000));
     });
     const auto& entries = w->sender().log().entries();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !entries.empty() && entries[0].status == u"sent"_s; }, 30000))
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !entries.empty() && entries[0].status == u"sent"_s; }, 60000))
         << harness.daemonLog().toStdString();
     EXPECT_EQ(harness.requests().size(), 1);
     EXPECT_EQ(QSettings(options.settingsFile, QSettings::IniFormat).value(u"RecentNumbers"_s).toStringList(),
@@ -178,7 +178,7 @@ TEST_F(RealDaemonSendTest, MessageFromTheSendWindowReachesTheMmsCentre) {
         EXPECT_EQ(rows(d, 3).value(0), u"sent"_s);
         select(d, 1);
         ctl<QPushButton>(d, "cmdSendAgain")->click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return rows(d, 3).value(2) == u"sent"_s; }, 30000))
+        EXPECT_TRUE(QTest::qWaitFor([&] { return rows(d, 3).value(2) == u"sent"_s; }, 60000))
             << rows(d, 3).join(u' ').toStdString();
     });
     EXPECT_EQ(harness.requests().size(), 2);
