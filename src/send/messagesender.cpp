@@ -55,12 +55,17 @@ MessageSender::MessageSender(QString appFolder, QDBusConnection bus, QObject* pa
         const Status logged = log_.add(std::move(entry));
         emit handedOver(path);
         emit logChanged(logged ? QString() : logged.message());
+        if (const auto early = earlyStatuses_.constFind(path); early != earlyStatuses_.constEnd())
+            record(path, early->first, early->second);
+        earlyStatuses_.clear();
     });
     connect(&client_, &MmsdClient::statusChanged, this, [this](const QString& path, const QString& status) {
+        if (handingOver_) earlyStatuses_.insert(path, {status, QString()});
         record(path, status, {});
         emit statusChanged(path, status);
     });
     connect(&client_, &MmsdClient::sendFailed, this, [this](const QString& path, const QString& reason) {
+        if (handingOver_) earlyStatuses_.insert(path, {QStringLiteral("failed"), reason});
         record(path, QStringLiteral("failed"), reason);
         emit failed(path, reason);
     });
@@ -150,6 +155,7 @@ void MessageSender::dropPending() {
     pendingName_.clear();
     pending_ = {};
     handingOver_ = false;
+    earlyStatuses_.clear();
 }
 
 void MessageSender::record(const QString& path, const QString& status, const QString& reason) {

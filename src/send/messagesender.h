@@ -3,10 +3,12 @@
 #include "send/mmsdclient.h"
 #include "send/sentlog.h"
 
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <utility>
 
 namespace mms {
 
@@ -64,6 +66,9 @@ private:
     bool probing_ = false;
     // SendMessage is on its way: another service answer (a refresh's, a probe's) must not repeat it.
     bool handingOver_ = false;
+    // What the daemon reported while a hand-over's reply was still on its way: a fast daemon can
+    // report a message sent before the reply that names it is taken in.
+    QHash<QString, std::pair<QString, QString>> earlyStatuses_;
 };
 
 } // namespace mms
