@@ -178,8 +178,8 @@ Status readClipSource(const QString& path, double start, std::optional<double> e
     }
     avcodec_send_packet(decoder.get(), nullptr);
     take();
-    // The last picture stands until the stretch or the video ends.
-    // (a slot is kept only when the whole of it lies within the video)
+    // The last picture stands until the stretch or the video ends; a slot is kept only when the
+    // whole of it lies within the video.
     fillBefore(std::min(last, lastShown + lastLength - 0.5 / kClipMaxRate) + 1e-6);
     if (out.large.empty())
         return Status::failure(
