@@ -21,11 +21,11 @@ for f in mp3 ogg opus m4a flac wav mp4; do
 done
 
 # Tiny videos in the containers and codecs phones and cameras write, and one with sound.
-for spec in mp4:libx264 3gp:h263 mkv:mpeg4 webm:libvpx avi:mjpeg; do
+for kind in mp4:libx264 3gp:h263 mkv:mpeg4 webm:libvpx avi:mjpeg; do
   size=32x24
-  [ "${spec#*:}" = h263 ] && size=128x96
-  ffmpeg -v error -y -f lavfi -i testsrc=size=$size:rate=10:duration=0.3 -c:v "${spec#*:}" -pix_fmt yuv420p \
-    "corpus/clipdecode/tiny.${spec%%:*}"
+  [ "${kind#*:}" = h263 ] && size=128x96
+  ffmpeg -v error -y -f lavfi -i testsrc=size=$size:rate=10:duration=0.3 -c:v "${kind#*:}" -pix_fmt yuv420p \
+    "corpus/clipdecode/tiny.${kind%%:*}"
 done
 cp corpus/sounddecode/tone.mp4 corpus/clipdecode/withsound.mp4
 printf 'not a video\n' > corpus/clipdecode/text.mp4

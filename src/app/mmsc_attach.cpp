@@ -43,6 +43,9 @@ QString parseMaxBytesOption(const QStringList& args, qsizetype& i, qint64& maxBy
                                : QStringLiteral("--max-bytes takes a whole number of bytes above 0");
 }
 
+namespace {
+
+// "--start S" or "--end E" at args[i]: a number of seconds, 0 or more; advances i past it.
 QString parseSecondsOption(const QStringList& args, qsizetype& i, std::optional<double>& seconds) {
     const QString option = args[i];
     bool ok = false;
@@ -50,6 +53,32 @@ QString parseSecondsOption(const QStringList& args, qsizetype& i, std::optional<
     if (!ok || !std::isfinite(value) || value < 0)
         return QStringLiteral("%1 takes a number of seconds, 0 or more").arg(option);
     seconds = value;
+    return {};
+}
+
+} // namespace
+
+QString parseStretchArguments(const char* command, const QStringList& args, StretchArguments& parsed) {
+    QStringList files;
+    parsed.maxBytes = kAttachmentLimit - 1;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        QString problem;
+        if (args[i] == QLatin1String("--max-bytes"))
+            problem = parseMaxBytesOption(args, i, parsed.maxBytes);
+        else if (args[i] == QLatin1String("--start") || args[i] == QLatin1String("--end"))
+            problem =
+                parseSecondsOption(args, i, args[i] == QLatin1String("--start") ? parsed.start : parsed.end);
+        else
+            files << args[i];
+        if (!problem.isEmpty()) return problem;
+    }
+    if (files.size() != 2)
+        return QStringLiteral("%1 takes IN OUT [--start S] [--end E] [--max-bytes N]")
+            .arg(QLatin1String(command));
+    if (parsed.start && parsed.end && *parsed.end <= *parsed.start)
+        return QStringLiteral("--end must come after --start");
+    parsed.in = files[0];
+    parsed.out = files[1];
     return {};
 }
 

@@ -13,8 +13,14 @@ namespace mms::cli {
 
 // The value of "--max-bytes" at args[i + 1] (i moves past it): an empty text, or what is wrong.
 QString parseMaxBytesOption(const QStringList& args, qsizetype& i, qint64& maxBytes);
-// "--start S" or "--end E" at args[i]: a number of seconds, 0 or more; advances i past it.
-QString parseSecondsOption(const QStringList& args, qsizetype& i, std::optional<double>& seconds);
+// "IN OUT [--start S] [--end E] [--max-bytes N]", the arguments of the conversions of a stretch of
+// a sound or a video: a problem to show, or nothing when they are good.
+struct StretchArguments {
+    QString in, out;
+    std::optional<double> start, end;
+    qint64 maxBytes = 0;
+};
+QString parseStretchArguments(const char* command, const QStringList& args, StretchArguments& parsed);
 // The value of a --quality option: a whole number from 1 to 100. Returns why it is not one, or an
 // empty string.
 QString parseQualityOption(const QString& text, int& quality);

@@ -1,7 +1,6 @@
 #include "app/mmsc.h"
 
 #include "app/mmsc_attach.h"
-#include "common/filesize.h"
 #include "sound/soundconversion.h"
 
 #include <QDir>
@@ -19,26 +18,13 @@ const char kUsage[] =
     "               exit status 1 when nothing fits";
 
 int runAudio(Context& context, const QStringList& args) {
-    QStringList files;
-    qint64 maxBytes = kAttachmentLimit - 1;
-    std::optional<double> start, end;
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        QString problem;
-        if (args[i] == QLatin1String("--max-bytes"))
-            problem = parseMaxBytesOption(args, i, maxBytes);
-        else if (args[i] == QLatin1String("--start") || args[i] == QLatin1String("--end"))
-            problem = parseSecondsOption(args, i, args[i] == QLatin1String("--start") ? start : end);
-        else
-            files << args[i];
-        if (!problem.isEmpty()) return fail(context, problem);
-    }
-    if (files.size() != 2)
-        return fail(context, QStringLiteral("audio takes IN OUT [--start S] [--end E] [--max-bytes N]"));
-    if (start && end && *end <= *start) return fail(context, QStringLiteral("--end must come after --start"));
-    const SoundConversion sound = convertSoundToAmrFile(files[0], files[1], start.value_or(0), end, maxBytes);
+    StretchArguments a;
+    if (const QString problem = parseStretchArguments("audio", args, a); !problem.isEmpty())
+        return fail(context, problem);
+    const SoundConversion sound = convertSoundToAmrFile(a.in, a.out, a.start.value_or(0), a.end, a.maxBytes);
     switch (sound.outcome) {
     case SoundConversion::Outcome::Fitted:
-        context.out << QDir::toNativeSeparators(files[1]) << '\t' << QString::number(sound.seconds, 'f', 3)
+        context.out << QDir::toNativeSeparators(a.out) << '\t' << QString::number(sound.seconds, 'f', 3)
                     << '\t' << sound.amr.size() << '\n';
         return 0;
     case SoundConversion::Outcome::NoFit:

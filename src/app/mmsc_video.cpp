@@ -1,7 +1,6 @@
 #include "app/mmsc.h"
 
 #include "app/mmsc_attach.h"
-#include "common/filesize.h"
 #include "video/clipconversion.h"
 
 #include <QDir>
@@ -20,26 +19,13 @@ const char kUsage[] =
     "               the size in bytes, tab-separated; exit status 1 when nothing fits";
 
 int runVideo(Context& context, const QStringList& args) {
-    QStringList files;
-    qint64 maxBytes = kAttachmentLimit - 1;
-    std::optional<double> start, end;
-    for (qsizetype i = 0; i < args.size(); ++i) {
-        QString problem;
-        if (args[i] == QLatin1String("--max-bytes"))
-            problem = parseMaxBytesOption(args, i, maxBytes);
-        else if (args[i] == QLatin1String("--start") || args[i] == QLatin1String("--end"))
-            problem = parseSecondsOption(args, i, args[i] == QLatin1String("--start") ? start : end);
-        else
-            files << args[i];
-        if (!problem.isEmpty()) return fail(context, problem);
-    }
-    if (files.size() != 2)
-        return fail(context, QStringLiteral("video takes IN OUT [--start S] [--end E] [--max-bytes N]"));
-    if (start && end && *end <= *start) return fail(context, QStringLiteral("--end must come after --start"));
-    const ClipConversion clip = convertVideoToClipFile(files[0], files[1], start.value_or(0), end, maxBytes);
+    StretchArguments a;
+    if (const QString problem = parseStretchArguments("video", args, a); !problem.isEmpty())
+        return fail(context, problem);
+    const ClipConversion clip = convertVideoToClipFile(a.in, a.out, a.start.value_or(0), a.end, a.maxBytes);
     switch (clip.outcome) {
     case ClipConversion::Outcome::Fitted:
-        context.out << QDir::toNativeSeparators(files[1]) << '\t' << QString::number(clip.seconds, 'f', 3)
+        context.out << QDir::toNativeSeparators(a.out) << '\t' << QString::number(clip.seconds, 'f', 3)
                     << '\t' << clip.size.width() << 'x' << clip.size.height() << '\t' << clip.clip.size()
                     << '\n';
         return 0;
