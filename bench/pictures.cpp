@@ -13,6 +13,7 @@
 // The fit's time against the same-size re-encode's is printed at the end (the fit must stay within
 // twice that), then the ratios against the tools (tool time / our time), the re-encode's last.
 
+#include "benchdata.h"
 #include "image/jpegwriter.h"
 #include "image/picturefit.h"
 #include "image/thumbnailloader.h"
@@ -42,10 +43,9 @@ constexpr int kPictures = 100;
 const QSize kCameraSize(3000, 2000);
 const QSize kPhotographSize(4000, 3000);
 
-QString dataFolder() {
-    const QString env = qEnvironmentVariable("MMS_BENCH_DATA");
-    return env.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/../bench_data") : env;
-}
+using bench::dataFolder;
+using bench::runTool;
+
 QString pictureFolder() {
     return dataFolder() + QStringLiteral("/pictures");
 }
@@ -171,13 +171,6 @@ QString tool(const char* name) {
     // The real ImageMagick binary, not a wrapper earlier in PATH.
     const QString system = QStringLiteral("/usr/bin/") + QLatin1String(name);
     return QFileInfo::exists(system) ? system : QStandardPaths::findExecutable(QLatin1String(name));
-}
-
-bool runTool(const QString& program, const QStringList& args) {
-    QProcess process;
-    process.start(program, args);
-    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
 }
 
 void panelOurs(benchmark::State& state) {

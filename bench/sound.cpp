@@ -5,45 +5,37 @@
 //                            audio/x-raw,rate=8000,channels=1 ! amrnbenc ! filesink`, the same work
 //   fit/ours                 the same file under the 102399-byte limit (the first 157.5 s at 4.75 kbit/s)
 // The last line is our time over gst-launch's, from the same run: at most 1 is the aim.
+#include "benchdata.h"
 #include "ratioreporter.h"
 #include "sound/soundconversion.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QStandardPaths>
 #include <benchmark/benchmark.h>
 
 namespace {
 
 QString dataFolder() {
-    const QString base = qEnvironmentVariable("MMS_BENCH_DATA", QCoreApplication::applicationDirPath() +
-                                                                    QStringLiteral("/../bench_data"));
-    return base + QStringLiteral("/sound");
+    return bench::dataFolder(QStringLiteral("sound"));
 }
 
 QString song() {
     return dataFolder() + QStringLiteral("/song.mp3");
 }
 
-bool run(const QString& program, const QStringList& args) {
-    QProcess process;
-    process.start(program, args);
-    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
-}
-
 // Two voices that move, so the encoders see a changing signal rather than one steady tone.
 bool ensureSong() {
     if (QFileInfo::exists(song())) return true;
     QDir().mkpath(dataFolder());
-    return run(QStringLiteral("ffmpeg"),
-               {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-f"),
-                QStringLiteral("lavfi"), QStringLiteral("-i"),
-                QStringLiteral("aevalsrc=0.4*sin(2*PI*(220+40*sin(t))*t)+0.2*sin(2*PI*(330+3*t)*t)|"
-                               "0.3*sin(2*PI*440*t)*sin(PI*t/3):s=44100:d=180"),
-                QStringLiteral("-b:a"), QStringLiteral("192k"), song()});
+    return bench::runTool(
+        QStringLiteral("ffmpeg"),
+        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-f"),
+         QStringLiteral("lavfi"), QStringLiteral("-i"),
+         QStringLiteral("aevalsrc=0.4*sin(2*PI*(220+40*sin(t))*t)+0.2*sin(2*PI*(330+3*t)*t)|"
+                        "0.3*sin(2*PI*440*t)*sin(PI*t/3):s=44100:d=180"),
+         QStringLiteral("-b:a"), QStringLiteral("192k"), song()});
 }
 
 void ours(benchmark::State& state, qint64 maxBytes, const char* name) {
@@ -67,7 +59,7 @@ void gstLaunch(benchmark::State& state) {
             .arg(song(), out)
             .split(QLatin1Char(' '));
     for (auto _ : state)
-        if (!run(gst, pipeline))
+        if (!bench::runTool(gst, pipeline))
             return state.SkipWithError("the pipeline failed (needs gstreamer1.0-plugins-good and -ugly)");
     state.counters["bytes"] = double(QFileInfo(out).size());
 }

@@ -6,39 +6,30 @@
 //   fit/ffmpeg-one-pass   `ffmpeg -i IN -an -vf scale=W:H -r RATE -c:v h263 -q:v Q OUT.3gp` writing the
 //                         video track of the size, rate and quantizer ours chose, once
 // The last line is our time over ffmpeg's, from the same run: at most 2 is the aim.
+#include "benchdata.h"
 #include "ratioreporter.h"
 #include "video/clipconversion.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QStandardPaths>
 #include <benchmark/benchmark.h>
 
 namespace {
 
 QString dataFolder() {
-    const QString base = qEnvironmentVariable("MMS_BENCH_DATA", QCoreApplication::applicationDirPath() +
-                                                                    QStringLiteral("/../bench_data"));
-    return base + QStringLiteral("/video");
+    return bench::dataFolder(QStringLiteral("video"));
 }
 
 QString phoneVideo() {
     return dataFolder() + QStringLiteral("/phone.mp4");
 }
 
-bool run(const QString& program, const QStringList& args) {
-    QProcess process;
-    process.start(program, args);
-    return process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
-}
-
 bool ensureVideo() {
     if (QFileInfo::exists(phoneVideo())) return true;
     QDir().mkpath(dataFolder());
-    return run(
+    return bench::runTool(
         QStringLiteral("ffmpeg"),
         QStringLiteral("-v error -y -f lavfi -i testsrc2=size=1280x720:rate=30:duration=30 -f lavfi -i "
                        "sine=frequency=440:duration=30 -c:v libx264 -preset fast -pix_fmt yuv420p -c:a aac "
@@ -75,7 +66,7 @@ void ffmpegOnePass(benchmark::State& state) {
             .arg(out)
             .split(QLatin1Char(' '));
     for (auto _ : state)
-        if (!run(QStringLiteral("ffmpeg"), args)) return state.SkipWithError("ffmpeg failed");
+        if (!bench::runTool(QStringLiteral("ffmpeg"), args)) return state.SkipWithError("ffmpeg failed");
     state.counters["bytes"] = double(QFileInfo(out).size());
 }
 
