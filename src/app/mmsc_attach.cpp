@@ -105,9 +105,8 @@ QString AttachRules::applySound(QString& path) {
     if (problem.isEmpty()) return {};
     if (!fit_) return problem + QStringLiteral(" (--fit converts it to AMR)");
     QString scratchProblem;
-    const QString folder = scratchFolder(scratchProblem);
+    const QString target = scratchFile(QStringLiteral("sound%1.amr"), scratchProblem);
     if (!scratchProblem.isEmpty()) return scratchProblem;
-    const QString target = folder + QStringLiteral("/sound%1.amr").arg(++converted_);
     const SoundConversion sound = convertSoundToAmrFile(path, target, 0, std::nullopt, kAttachmentLimit - 1);
     if (!sound.fitted())
         return QStringLiteral("'%1' cannot be converted to AMR: %2").arg(shown(path), sound.message);
@@ -122,14 +121,19 @@ QString AttachRules::applyClip(QString& path) {
         return QStringLiteral("'%1' is not a 3GP clip under %2 bytes (--fit converts it to one)")
             .arg(shown(path), QString::number(kAttachmentLimit));
     QString scratchProblem;
-    const QString folder = scratchFolder(scratchProblem);
+    const QString target = scratchFile(QStringLiteral("clip%1.3gp"), scratchProblem);
     if (!scratchProblem.isEmpty()) return scratchProblem;
-    const QString target = folder + QStringLiteral("/clip%1.3gp").arg(++converted_);
     const ClipConversion clip = convertVideoToClipFile(path, target, 0, std::nullopt, kAttachmentLimit - 1);
     if (!clip.fitted())
         return QStringLiteral("'%1' cannot be made into a clip: %2").arg(shown(path), clip.message);
     path = target;
     return {};
+}
+
+// A new file name in the scratch folder, numbered from `pattern` ("clip%1.3gp").
+QString AttachRules::scratchFile(const QString& pattern, QString& problem) {
+    const QString folder = scratchFolder(problem);
+    return problem.isEmpty() ? folder + QLatin1Char('/') + pattern.arg(++converted_) : QString();
 }
 
 QString AttachRules::scratchFolder(QString& problem) {

@@ -48,6 +48,7 @@ private:
     QString applyClip(QString& path);
     QString applySound(QString& path);
     QString scratchFolder(QString& problem);
+    QString scratchFile(const QString& pattern, QString& problem);
 
     QString home_;
     bool fit_ = false;
